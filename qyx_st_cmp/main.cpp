@@ -1,0 +1,249 @@
+// The driver: command line, probes of the outputs, one compile, exit status.
+
+#include "qyx_files.h"
+#include "qyx_messages.h"
+#include "qyx_program.h"
+#include "qyx_scanner.h"
+
+#include <QElapsedTimer>
+#include <QTextCodec>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+// ---------------------------------------------------------------------------------------------
+// The lines of the driver
+// ---------------------------------------------------------------------------------------------
+
+void Trademark() {
+    WriteToOutputFiles(TXT_TRADEMARK, WHAT_INFORMATION, false);
+}
+
+// "Build successful.  Elapsed time: 42 ms."
+void Finish(qint64 elapsedMs) {
+    QString milliseconds;
+    Int64ToStr(elapsedMs, milliseconds, DECIMAL);
+    WriteToOutputFiles(
+        StringsToString(TXT_BUILD_SUCCESSFUL, "  Elapsed time: ", milliseconds, " ms."),
+        WHAT_INFORMATION, false);
+}
+
+// Ends a run that cannot begin. No output file is open yet and none is deleted.
+[[noreturn]] void ExitWith(QLatin1String text) {
+    WriteToOutputFiles(text, WHAT_COMMAND_LINE_ERROR, true);
+    CloseAllFiles();
+    std::exit(EXIT_FAILURE);
+}
+
+[[noreturn]] void ArgumensError() {
+    ExitWith(TXT_ARGUMENTS_ERROR);
+}
+
+[[noreturn]] void InputFileNameError() {
+    ExitWith(TXT_INPUT_FILE_NOT_FOUND);
+}
+
+[[noreturn]] void OutputFileNameError() {
+    ExitWith(TXT_OPEN_FAILED_ON_OUTPUT_FILE);
+}
+
+[[noreturn]] void OutputLSTFileNameError() {
+    ExitWith(TXT_OPEN_FAILED_ON_OUTPUT_FILE_LST);
+}
+
+[[noreturn]] void OutputRESFileNameError() {
+    ExitWith(TXT_OPEN_FAILED_ON_OUTPUT_FILE_RES);
+}
+
+[[noreturn]] void OutputERRFileNameError() {
+    ExitWith(TXT_OPEN_FAILED_ON_OUTPUT_FILE_ERR);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The command line
+// ---------------------------------------------------------------------------------------------
+
+constexpr int INPUT_ARGUMENT = 1;
+constexpr int OUTPUT_ARGUMENT = 2;
+constexpr int FIRST_OPTION = 3;
+
+struct Option {
+    QLatin1String text;
+    bool& flag;
+};
+
+constexpr std::array<Option, 8> OPTIONS = {{
+    {"-l"_L1, flag_SaveListFile},
+    {"-s"_L1, flag_ShowOnScreen},
+    {"-i"_L1, flag_ShowInputFileLines},
+    {"-c"_L1, flag_ShowCommentedLines},
+    {"-m"_L1, flag_ShowMessages},
+    {"-n"_L1, flag_ShowLinesNumber},
+    {"-r"_L1, flag_SaveResFile},
+    {"-e"_L1, flag_SaveErrFile},
+}};
+
+// A file beside the code file, made when its option is given.
+struct SideFile {
+    QLatin1String option;
+    bool& isWanted;
+    QLatin1String suffix;
+    void (*exitOnFailure)();
+    void (*open)(const QString& name);
+};
+
+constexpr std::array<SideFile, 3> SIDE_FILES = {{
+    {"-l"_L1, flag_SaveListFile, ".lst"_L1, OutputLSTFileNameError, OpenOutputListFile},
+    {"-r"_L1, flag_SaveResFile, ".res"_L1, OutputRESFileNameError, OpenOutputResFile},
+    {"-e"_L1, flag_SaveErrFile, ".err"_L1, OutputERRFileNameError, OpenOutputErrFile},
+}};
+
+QString FileName(const char* argument) {
+    return QString::fromLocal8Bit(argument);
+}
+
+// Sets the flag of an option. False for anything that is no option.
+bool SetOption(QLatin1String argument) {
+    for (const Option& option : OPTIONS) {
+        if (argument == option.text) {
+            option.flag = true;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool HasOption(int argc, char** argv, QLatin1String option) {
+    for (int i = FIRST_OPTION; i < argc; ++i) {
+        if (QLatin1String(argv[i]) == option) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Refuses every output name that leads to the source, before anything is removed.
+void CheckSourceIsKept(int argc, char** argv, const QString& input, const QString& output) {
+    if (IsSameFile(output, input)) {
+        OutputFileNameError();
+    }
+    for (const SideFile& sideFile : SIDE_FILES) {
+        if (HasOption(argc, argv, sideFile.option) &&
+            IsSameFile(StringsToString(output, sideFile.suffix), input)) {
+            sideFile.exitOnFailure();
+        }
+    }
+}
+
+void ReadOptions(int argc, char** argv) {
+    for (int i = FIRST_OPTION; i < argc; ++i) {
+        if (!SetOption(QLatin1String(argv[i]))) {
+            ArgumensError();
+        }
+    }
+}
+
+// Probes that every output can be created; old files of their names are gone afterwards.
+void ProbeSideFiles(const QString& output) {
+    for (const SideFile& sideFile : SIDE_FILES) {
+        if (sideFile.isWanted && !FileCanExists(StringsToString(output, sideFile.suffix), true)) {
+            sideFile.exitOnFailure();
+        }
+    }
+}
+
+void OpenFiles(const QString& input, const QString& output) {
+    OpenInputCodeFile(input);
+    OpenOutputCodeFile(output);
+    for (const SideFile& sideFile : SIDE_FILES) {
+        if (sideFile.isWanted) {
+            sideFile.open(StringsToString(output, sideFile.suffix));
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// The compile
+// ---------------------------------------------------------------------------------------------
+
+// The first character and the first token.
+void Init() {
+    GetChar();
+    SkipWhite();
+    Scan();
+}
+
+void Compile() {
+    Trademark();
+    Init();
+    LabelsList labels;
+    int stackDepth = 0;
+    DoFunctions(labels, stackDepth);
+    DoProgram(labels, stackDepth);
+    if (Look != QChar(END_OF_INPUT)) {
+        Warning(TXT_UNEXPECTED_DATA_AFTER_END_PROGRAM, false);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// The process
+// ---------------------------------------------------------------------------------------------
+
+constexpr std::size_t SCREEN_BLOCK_SIZE = std::size_t{64} * 1024;
+
+// File names are the bytes that the user typed, whatever the locale: Latin-1 maps every byte to
+// one character and back.
+void TakeFileNamesAsBytes() {
+#ifndef Q_OS_WIN
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+#endif
+}
+
+// A file-size limit then shows as a failed write, and a reader of the screen output may leave.
+void IgnoreOutputSignals() {
+#ifndef Q_OS_WIN
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
+}
+
+void PrepareScreen() {
+#ifdef Q_OS_WIN
+    std::system("chcp 65001");
+#endif
+    std::setvbuf(stdout, nullptr, _IOFBF, SCREEN_BLOCK_SIZE);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    TakeFileNamesAsBytes();
+    IgnoreOutputSignals();
+    PrepareScreen();
+    QElapsedTimer timer;
+    timer.start();
+    if (argc <= OUTPUT_ARGUMENT) {
+        ArgumensError();
+    }
+    const QString input = FileName(argv[INPUT_ARGUMENT]);
+    if (!FileExists(input)) {
+        InputFileNameError();
+    }
+    const QString output = FileName(argv[OUTPUT_ARGUMENT]);
+    CheckSourceIsKept(argc, argv, input, output);
+    if (!FileCanExists(output, true)) {
+        OutputFileNameError();
+    }
+    ReadOptions(argc, argv);
+    ProbeSideFiles(output);
+    OpenFiles(input, output);
+    Compile();
+    FinishOutputCodeFile();
+    Finish(timer.elapsed());
+    CloseAllFiles();
+    return EXIT_SUCCESS;
+}

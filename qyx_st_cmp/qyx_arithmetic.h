@@ -1,0 +1,37 @@
+// Expressions: arithmetic, bitwise, relational and Boolean.
+//
+// Each level of the grammar is a function that compiles one operand of its level, writes the
+// target code at once and returns the type of the value that the code leaves in the accumulator.
+// It takes the variables that the expression sees and the type so far: what the tokens before
+// have settled, or the type of the literal that the last Scan read, TYP_NONE for none.
+// The current token is the first of the expression on entry and the first behind it on return.
+#pragma once
+
+#include "qyx_globals.h"
+
+// A whole expression. The "true" jumps of a short-circuit OR go to `label`: an empty label is
+// filled with a new one when the first OR needs it, and then the caller posts it where the
+// expression's value is due; a caller's own label is posted by the caller at its own place.
+Typ BoolExpression(const VarsList& vars, Typ typ, QString& label);
+
+// A numeric expression: no comparison and no Boolean operator outside parentheses.
+Typ Expression(const VarsList& vars, Typ typ);
+
+// ---------------------------------------------------------------------------------------------
+// Array elements, as values here and as targets of assignments
+// ---------------------------------------------------------------------------------------------
+
+// Where an element operand takes its index from: "#POP" for one dimension, "#R1" for more.
+inline constexpr QLatin1String ELEMENT_POP = "#POP"_L1;
+inline constexpr QLatin1String ELEMENT_REGISTER_1 = "#R1"_L1;
+
+// Compiles "[" and the indices and leaves them on the value stack; the token behind the last
+// index is current then. Aborts on an index that is no integer and on a wrong number of indices.
+// With asDInt each index is converted to DINT first.
+void ArrayIndices(const VarsList& vars, const VarItem& array, bool asDInt);
+
+// Folds the indices on the value stack into one linear index, left in #A0 and #R0.
+void EmitLinearIndex(const VarItem& array);
+
+// "@name[<index>.<short type>]"
+QString ElementOperand(const VarItem& array, const QString& name, QLatin1String index);

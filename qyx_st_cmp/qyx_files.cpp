@@ -1,0 +1,469 @@
+#include "qyx_files.h"
+
+#include "qyx_messages.h"
+#include "qyx_scanner.h"
+
+#include <cassert>
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+bool flag_SaveListFile = false;
+bool flag_ShowOnScreen = false;
+bool flag_ShowInputFileLines = false;
+bool flag_ShowCommentedLines = false;
+bool flag_ShowMessages = false;
+bool flag_ShowLinesNumber = false;
+bool flag_SaveResFile = false;
+bool flag_SaveErrFile = false;
+
+std::unique_ptr<FileHandle> g_InputCodeFileHandle;
+std::unique_ptr<FileHandle> g_OutputCodeFileHandle;
+std::unique_ptr<FileHandle> g_OutputListFileHandle;
+std::unique_ptr<FileHandle> g_OutputResFileHandle;
+std::unique_ptr<FileHandle> g_OutputErrFileHandle;
+QString g_OutputCodeFileName;
+int g_OutputCodeFileCurrentLineCount = 0;
+std::vector<int> g_InputCodeFileLinesList;
+int g_InputCodeFileTmpLineCount = -1;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The largest source, in bytes: its text must fit a QString.
+constexpr qint64 MAX_SOURCE_SIZE = 1'000'000'000;
+
+// How much output a file collects before it is written.
+constexpr std::size_t WRITE_BLOCK_SIZE = std::size_t{256} * 1024;
+
+// Digits of a code line's number in the listing; larger numbers take more.
+constexpr int LINE_NUMBER_WIDTH = 4;
+
+fs::path NativePath(const QString& name) {
+    return QFile::encodeName(name).toStdString();
+}
+
+// Removes an old output file. False if something is there that may not or cannot be removed:
+// only a regular file is, or a symbolic link, and never a link to a device, pipe or socket.
+bool RemoveOldFile(const QString& name) {
+    std::error_code error;
+    const fs::path path = NativePath(name);
+    const fs::file_status entry = fs::symlink_status(path, error);
+    if (entry.type() == fs::file_type::not_found) {
+        return true;
+    }
+    if (!fs::is_regular_file(entry) && !fs::is_symlink(entry)) {
+        return false;
+    }
+    const fs::file_status target = fs::status(path, error);
+    if (fs::is_other(target)) {
+        return false;
+    }
+    return fs::remove(path, error);
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// FileHandle
+// ---------------------------------------------------------------------------------------------
+
+FileHandle::FileHandle(const QString& name, bool forReading) : QFile(name), reading_(forReading) {
+    if (reading_) {
+        readAllText();
+    } else {
+        opened_ = open(QIODevice::Append | QIODevice::Text | QIODevice::Unbuffered);
+    }
+}
+
+FileHandle::~FileHandle() {
+    if (opened_ && !reading_) {
+        writeCollected();
+    }
+}
+
+// Text mode drops every carriage return; a byte order mark is skipped by the decoder. A pipe or
+// a device is refused before it is opened, as opening could wait for ever.
+void FileHandle::readAllText() {
+    std::error_code error;
+    if (!fs::is_regular_file(NativePath(fileName()), error)) {
+        return;
+    }
+    if (!open(QIODevice::ReadOnly | QIODevice::Text) || size() > MAX_SOURCE_SIZE) {
+        return;
+    }
+    text_ = QString::fromUtf8(readAll());
+    opened_ = QFile::error() == QFileDevice::NoError;
+    close();
+}
+
+bool FileHandle::appendText(std::string_view utf8) {
+    if (!opened_) {
+        return false;
+    }
+    unwritten_.append(utf8);
+    if (unwritten_.size() >= WRITE_BLOCK_SIZE) {
+        return writeCollected();
+    }
+    return !writeFailed_;
+}
+
+bool FileHandle::writeCollected() {
+    const auto size = static_cast<qint64>(unwritten_.size());
+    if (!writeFailed_ && write(unwritten_.data(), size) != size) {
+        writeFailed_ = true;
+    }
+    unwritten_.clear();
+    return !writeFailed_;
+}
+
+bool FileHandle::finish() {
+    const bool written = opened_ && writeCollected();
+    close();
+    opened_ = false;
+    return written && QFile::error() == QFileDevice::NoError;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Names on the command line
+// ---------------------------------------------------------------------------------------------
+
+bool FileExists(const QString& name) {
+    return QFile::exists(name);
+}
+
+bool IsSameFile(const QString& a, const QString& b) {
+    std::error_code error;
+    return fs::equivalent(NativePath(a), NativePath(b), error);
+}
+
+bool FileCanExists(const QString& name, bool removeAfter) {
+    if (!RemoveOldFile(name)) {
+        return false;
+    }
+    QFile probe(name);
+    if (!probe.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        return false;
+    }
+    probe.close();
+    return !removeAfter || RemoveOldFile(name);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The source
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+// Notes where each line of the source begins. Text behind the last line feed is a line too, even
+// when it is empty.
+void InitInputCodeFileParams(const QString& text) {
+    g_InputCodeFileLinesList.assign(1, 0);
+    int lineFeed = -1;
+    while ((lineFeed = text.indexOf(QLatin1Char('\n'), lineFeed + 1)) >= 0) {
+        g_InputCodeFileLinesList.push_back(lineFeed + 1);
+    }
+}
+
+}  // namespace
+
+// The line table and the scanner share one text, read once. It is only needed for the echo.
+void OpenInputCodeFile(const QString& name) {
+    assert(!g_InputCodeFileHandle);
+    g_InputCodeFileHandle = std::make_unique<FileHandle>(name, true);
+    if (!g_InputCodeFileHandle->isOpened()) {
+        Abort(TXT_OPEN_FAILED_ON_INPUT_FILE, false);
+    }
+    if (flag_ShowInputFileLines) {
+        InitInputCodeFileParams(g_InputCodeFileHandle->text());
+    }
+}
+
+void CloseInputCodeFile() {
+    g_InputCodeFileHandle.reset();
+    g_InputCodeFileLinesList.clear();
+}
+
+int ReadCharFromInputCodeFile() {
+    if (!g_InputCodeFileHandle) {
+        Abort(TXT_PROBLEM_READING_INPUT_FILE, false);
+    }
+    return g_InputCodeFileHandle->getChar();
+}
+
+QString OutlineInputCodeString(const QString& text, int line) {
+    if (text.isEmpty()) {
+        return text;
+    }
+    QString number;
+    IntToStr(line + 1, number, DECIMAL);
+    return StringsToString(";", TXT_LINE, " ", number, ": \"", text, "\"");
+}
+
+// QUIRK: -c promises to show comment lines, yet the echo shows comments with and without it. The
+// option is wired to this place, and listings that are compared across versions rely on the echo.
+QString RemoveComment(const QString& text) {
+    return text;
+}
+
+QString GetInputCodeFileCurrentLineParams(int line) {
+    const int count = static_cast<int>(g_InputCodeFileLinesList.size());
+    if (line >= count) {
+        return QString();
+    }
+    const auto index = static_cast<std::size_t>(line);
+    const QString& text = g_InputCodeFileHandle->text();
+    const int begin = g_InputCodeFileLinesList[index];
+    const int end = line + 1 < count ? g_InputCodeFileLinesList[index + 1] : text.size();
+    return OutlineInputCodeString(RemoveComment(text.mid(begin, end - begin).trimmed()), line);
+}
+
+void TypeInputCodeCurrentLine() {
+    if (g_InputCodeFileTmpLineCount == g_InputCodeFileCurrentLineCount) {
+        return;
+    }
+    g_InputCodeFileTmpLineCount = g_InputCodeFileCurrentLineCount;
+    if (!flag_ShowInputFileLines) {
+        return;
+    }
+    const QString echo = GetInputCodeFileCurrentLineParams(g_InputCodeFileCurrentLineCount);
+    if (!echo.isEmpty()) {
+        WriteToOutputFiles(echo, WHAT_SOURCE_ECHO, false);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Opening and closing
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+void OpenOutputFile(std::unique_ptr<FileHandle>& handle, const QString& name,
+                    QLatin1String openFailed) {
+    if (!RemoveOldFile(name)) {
+        Abort(openFailed, true);
+    }
+    assert(!handle);
+    handle = std::make_unique<FileHandle>(name, false);
+    if (!handle->isOpened()) {
+        Abort(openFailed, true);
+    }
+}
+
+}  // namespace
+
+void OpenOutputCodeFile(const QString& name) {
+    g_OutputCodeFileName = name;
+    OpenOutputFile(g_OutputCodeFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE);
+}
+
+void OpenOutputListFile(const QString& name) {
+    OpenOutputFile(g_OutputListFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_LST);
+}
+
+void OpenOutputResFile(const QString& name) {
+    OpenOutputFile(g_OutputResFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_RES);
+}
+
+void OpenOutputErrFile(const QString& name) {
+    OpenOutputFile(g_OutputErrFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_ERR);
+}
+
+void FinishOutputCodeFile() {
+    if (!g_OutputCodeFileHandle || !g_OutputCodeFileHandle->finish()) {
+        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
+    }
+}
+
+void CloseOutputCodeFile() {
+    g_OutputCodeFileHandle.reset();
+}
+
+void CloseOutputListFile() {
+    g_OutputListFileHandle.reset();
+}
+
+void CloseOutputResFile() {
+    g_OutputResFileHandle.reset();
+}
+
+void CloseOutputErrFile() {
+    g_OutputErrFileHandle.reset();
+}
+
+void CloseAllFiles() {
+    CloseInputCodeFile();
+    CloseOutputCodeFile();
+    CloseOutputListFile();
+    CloseOutputResFile();
+    CloseOutputErrFile();
+}
+
+void DeleteOutputCodeFile() {
+    if (!g_OutputCodeFileName.isEmpty()) {
+        RemoveOldFile(g_OutputCodeFileName);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Writing to one output
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+void WriteStringToStandardOutput(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void WriteStringToSideFile(bool isWanted, const std::unique_ptr<FileHandle>& handle,
+                           std::string_view text) {
+    if (isWanted && handle) {
+        handle->appendText(text);
+    }
+}
+
+}  // namespace
+
+void WriteStringToOutputCodeFile(std::string_view text) {
+    if (!g_OutputCodeFileHandle || !g_OutputCodeFileHandle->appendText(text)) {
+        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
+    }
+}
+
+void WriteStringToOutputListFile(std::string_view text) {
+    WriteStringToSideFile(flag_SaveListFile, g_OutputListFileHandle, text);
+}
+
+void WriteStringToOutputResFile(std::string_view text) {
+    WriteStringToSideFile(flag_SaveResFile, g_OutputResFileHandle, text);
+}
+
+void WriteStringToOutputErrFile(std::string_view text) {
+    WriteStringToSideFile(flag_SaveErrFile, g_OutputErrFileHandle, text);
+}
+
+void WriteStringToScreen(std::string_view text, bool force) {
+    if (flag_ShowOnScreen || force) {
+        WriteStringToStandardOutput(text);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// The router
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+// A code line as the listing shows it: its number with -n, the text, a line feed.
+std::string ListingForm(std::string_view item) {
+    std::string line;
+    if (flag_ShowLinesNumber) {
+        QString number;
+        IntToStr(g_OutputCodeFileCurrentLineCount + 1, number, LINE_NUMBER_WIDTH, DECIMAL);
+        AppendPart(line, number);
+        line.push_back('\t');
+    }
+    line.append(item);
+    line.push_back('\n');
+    return line;
+}
+
+// QUIRK: the code file is one single line: every item is followed by one blank and no line end,
+// the last one too. The engine reads it so; lines exist in the listing alone.
+void RouteCode(std::string_view item, bool force) {
+    if (force) {
+        WriteStringToStandardOutput(ListingForm(item));
+    } else {
+        if (flag_ShowOnScreen || flag_SaveListFile) {
+            const std::string line = ListingForm(item);
+            WriteStringToScreen(line, false);
+            WriteStringToOutputListFile(line);
+        }
+        WriteStringToOutputCodeFile(item);
+        WriteStringToOutputCodeFile(" ");
+    }
+    ++g_OutputCodeFileCurrentLineCount;
+}
+
+void RouteMessage(const std::string& line, bool force) {
+    const std::string marked = ';' + line;
+    if (force) {
+        WriteStringToStandardOutput(marked);
+        return;
+    }
+    WriteStringToScreen(line, false);
+    if (flag_ShowMessages) {
+        WriteStringToOutputListFile(marked);
+    }
+    WriteStringToOutputResFile(line);
+}
+
+// QUIRK: the error file gets the place of the look-ahead character, which may lie behind the
+// token that the message names, and nothing separates two records. Readers of the file rely on
+// it.
+void RecordPosition() {
+    const std::string line = std::to_string(g_InputCodeFileCurrentLineCount + 1);
+    const std::string column = std::to_string(g_InputCodeFileCurrentPosCount + 1);
+    WriteStringToOutputErrFile("e:" + line + ',' + column);
+}
+
+void RouteEcho(const std::string& line, bool force) {
+    if (force) {
+        WriteStringToStandardOutput(line);
+        return;
+    }
+    WriteStringToScreen(line, false);
+    if (flag_ShowInputFileLines) {
+        WriteStringToOutputListFile(line);
+    }
+}
+
+}  // namespace
+
+void WriteToOutputFiles(const QString& text, TWhatStr kind, bool force) {
+    if (kind == WHAT_CODE) {
+        RouteCode(text.toStdString(), force);
+        return;
+    }
+    const std::string line = text.toStdString() + '\n';
+    switch (kind) {
+        case WHAT_INFORMATION:
+        case WHAT_COMMAND_LINE_ERROR:
+            RouteMessage(line, force);
+            break;
+        case WHAT_DIAGNOSTIC:
+            RouteMessage(line, force);
+            if (!force) {
+                RecordPosition();
+            }
+            break;
+        case WHAT_SOURCE_ECHO:
+            RouteEcho(line, force);
+            break;
+        default:
+            WriteStringToStandardOutput(line);
+            break;
+    }
+}
+
+void WriteCodeItem(std::string_view item) {
+    RouteCode(item, false);
+}
+
+void WriteLn(const QString& text, TWhatStr kind) {
+    WriteToOutputFiles(text, kind, false);
+}
+
+void AppendPart(std::string& item, QStringView part) {
+    for (const QChar unit : part) {
+        if (unit.unicode() > 0x7F) {
+            const QByteArray utf8 = part.toUtf8();
+            item.append(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+            return;
+        }
+    }
+    for (const QChar unit : part) {
+        item.push_back(static_cast<char>(unit.unicode()));
+    }
+}

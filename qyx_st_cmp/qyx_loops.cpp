@@ -1,0 +1,633 @@
+#include "qyx_loops.h"
+
+#include "qyx_arithmetic.h"
+#include "qyx_functions.h"
+#include "qyx_il.h"
+#include "qyx_lists.h"
+#include "qyx_messages.h"
+#include "qyx_scanner.h"
+#include "qyx_types.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <vector>
+
+namespace {
+
+// ---------------------------------------------------------------------------------------------
+// Shared by the statements
+// ---------------------------------------------------------------------------------------------
+
+bool IsOneOf(Token code, std::initializer_list<Token> codes) {
+    return std::find(codes.begin(), codes.end(), code) != codes.end();
+}
+
+// { statements ";" } up to one of the tokens that end the statement's body
+void Statements(const Body& body, const LoopLabels& loop, std::initializer_list<Token> ends) {
+    const NestingGuard guard;
+    while (!IsOneOf(TokenChar, ends)) {
+        Block(body, loop);
+        Scan();
+    }
+}
+
+// The end of a compound statement: keyword ";"
+void MatchEnd(Token keyword) {
+    Match(keyword);
+    Scan();
+    Match(TOKEN_SEMICOLON);
+}
+
+// The condition of a statement, a BoolExpression that must be BOOL; see there for `label`.
+void Condition(const Body& body, Typ literal, QString& label) {
+    const Typ typ = BoolExpression(body.variables, literal, label);
+    if (!IsTypBoolean(typ)) {
+        Abort(TXT_TYPE_OF_EXPRESSION_MUST_BE_BOOLEAN, false);
+    }
+}
+
+// "JMPF <target>", [ "L1:" ]: a true operand of OR jumps behind the JMPF.
+void EmitJumpIfFalse(const QString& target, const QString& pendingLabel) {
+    Emit(sJMPF, target);
+    PostPendingLabel(pendingLabel);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Labels, assignments, TICK
+// ---------------------------------------------------------------------------------------------
+
+// name ":"
+// "<NAME>:"; the statement counts as ended, no ";" follows.
+void LabelDefinition(const Body& body, const QString& name) {
+    const QString label = name.toUpper();
+    CheckDuplicate(label, body.variables);
+    IsLabelItemInLabelLists(body.labels, label);
+    PostLabel(label);
+    TokenChar = TOKEN_SEMICOLON;
+}
+
+// Where an assignment stores its value.
+struct Target {
+    VarItem& variable;
+    Typ type;
+    QString operand;  // with its mark
+};
+
+// name "[" indices "]"
+// <indices>, [ <linear index>, "MOV #R0 $PUSH" ]: the index waits on the value stack.
+Target ElementTarget(const VarsList& vars, const QString& name) {
+    VarItem& array = IsArrayVarInVarsList(vars, name);
+    ArrayIndices(vars, array, true);
+    Match(TOKEN_RIGHT_BRACKET);
+    if (array.arrayDimensions > 1) {
+        EmitLinearIndex(array);
+        EmitPushFromR0();
+    }
+    Scan();
+    return {array, array.elementType, ElementOperand(array, name, ELEMENT_POP)};
+}
+
+Target VariableTarget(const VarsList& vars, const QString& name, bool isResult) {
+    VarItem& variable = IsVarInVarsList(vars, name);
+    const Operand operand = OperandOf(variable, isResult ? QString(sRESULT) : name);
+    return {variable, variable.type, StringsToString(QLatin1Char(operand.mark), operand.name)};
+}
+
+// A variable that a statement has stored into.
+void MarkAssigned(VarItem& variable) {
+    variable.mayBeUninitialized = false;
+    variable.isUsed = true;
+}
+
+// Aborts with Incompatible types: "INT" and function_block.
+[[noreturn]] void AbortFunctionBlockAsValue(Typ target) {
+    Abort(StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(target)), " ",
+                          TXT_AND_FUNCTION_BLOCK),
+          false);
+}
+
+// BoolExpression ";", the first token of the expression being current
+// <expression>, [ "L1:" ]; aborts unless the value converts to the type.
+void AssignedValue(const VarsList& vars, Typ literal, Typ target) {
+    QString label;
+    ConvertTyp(target, BoolExpression(vars, literal, label), false);
+    Match(TOKEN_SEMICOLON);
+    PostPendingLabel(label);
+}
+
+// target ":=" BoolExpression ";"
+// <expression>, "MOV #A0 <target>"
+void AssignTo(const VarsList& vars, const Target& target) {
+    if (target.variable.isConstant) {
+        Abort(TXT_LEFT_SIDE_CANNOT_BE_ASSIGNED_TO, false);
+    }
+    Match(TOKEN_ASSIGN);
+    const Typ literal = Scan();
+    if (TokenChar == TOKEN_FUNCTION_BLOCK) {
+        AbortFunctionBlockAsValue(target.type);
+    }
+    AssignedValue(vars, literal, target.type);
+    MarkAssigned(target.variable);
+    EmitStore(target.operand);
+}
+
+// Assignment = ( name | RESULT | name "[" indices "]" ) ":=" BoolExpression ";" | name ":"
+// The store of the value, or the label.
+void Assignment(const Body& body) {
+    const bool isResult = TokenChar == TOKEN_RESULT;
+    if (!isResult) {
+        Match(TOKEN_IDENTIFIER);
+    }
+    const QString name = TokenName;
+    Scan();
+    if (TokenChar == TOKEN_COLON) {
+        LabelDefinition(body, name);
+    } else if (TokenChar == TOKEN_LEFT_BRACKET) {
+        AssignTo(body.variables, ElementTarget(body.variables, name));
+    } else {
+        AssignTo(body.variables, VariableTarget(body.variables, name, isResult));
+    }
+}
+
+// TICK ":=" BoolExpression ";"
+// <expression>, "MOV #A0 *TICK"
+void DoTick(const VarsList& vars) {
+    Match(TOKEN_TICK);
+    Scan();
+    Match(TOKEN_ASSIGN);
+    const Typ literal = Scan();
+    AssignedValue(vars, literal, TYP_UDINT);
+    EmitStore(TICK);
+}
+
+// ---------------------------------------------------------------------------------------------
+// IF
+// ---------------------------------------------------------------------------------------------
+
+// A branch with a condition: condition THEN statements
+// <condition>, "JMPF N", [ "L1:" ], <statements>; returns N, which the caller posts.
+QString ConditionalBranch(const Body& body, const LoopLabels& loop) {
+    const Typ literal = Scan();
+    QString pending;
+    Condition(body, literal, pending);
+    Match(TOKEN_THEN);
+    Scan();
+    QString next;
+    GetNewLabel(next);
+    EmitJumpIfFalse(next, pending);
+    Statements(body, loop, {TOKEN_ELSIF, TOKEN_ELSE, TOKEN_END_IF});
+    return next;
+}
+
+// IF branch { ELSIF branch } [ ELSE statements ] END_IF ";"
+// <branch>, [ "JMP E", "N:", <branch> ... ], "N:" or "E:"
+//
+// QUIRK: an IF without ELSIF and ELSE draws the label E and never posts it. The numbers of all
+// later labels follow from that.
+void DoIf(const Body& body, const LoopLabels& loop) {
+    Match(TOKEN_IF);
+    QString end;
+    GetNewLabel(end);
+    QString next = ConditionalBranch(body, loop);
+    const bool isSingle = TokenChar == TOKEN_END_IF;
+    if (!isSingle) {
+        Emit(sJMP, end);
+    }
+    while (TokenChar == TOKEN_ELSIF) {
+        PostLabel(next);
+        next = ConditionalBranch(body, loop);
+        Emit(sJMP, end);
+    }
+    const bool hasElse = TokenChar == TOKEN_ELSE;
+    if (hasElse) {
+        PostLabel(next);
+        Scan();
+        Statements(body, loop, {TOKEN_END_IF});
+    }
+    MatchEnd(TOKEN_END_IF);
+    if (!hasElse) {
+        PostLabel(next);
+    }
+    if (!isSingle) {
+        PostLabel(end);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Loops
+// ---------------------------------------------------------------------------------------------
+
+// WHILE condition DO statements END_WHILE ";"
+// "H:", <condition>, "JMPF X", [ "L1:" ], <statements>, "JMP H", "X:"
+void DoWhile(const Body& body) {
+    Match(TOKEN_WHILE);
+    const Typ literal = Scan();
+    QString head;
+    QString exit;
+    GetNewLabel(head);
+    GetNewLabel(exit);
+    PostLabel(head);
+    QString pending;
+    Condition(body, literal, pending);
+    Match(TOKEN_DO);
+    Scan();
+    EmitJumpIfFalse(exit, pending);
+    Statements(body, {exit, head}, {TOKEN_END_WHILE});
+    MatchEnd(TOKEN_END_WHILE);
+    Emit(sJMP, head);
+    PostLabel(exit);
+}
+
+// REPEAT statements UNTIL condition END_REPEAT ";"
+// "H:", <statements>, <condition>, "JMPF H", "X:"; a true operand of OR jumps straight to X.
+void DoRepeat(const Body& body) {
+    Match(TOKEN_REPEAT);
+    Scan();
+    QString head;
+    QString exit;
+    GetNewLabel(head);
+    GetNewLabel(exit);
+    PostLabel(head);
+    Statements(body, {exit, head}, {TOKEN_UNTIL});
+    const Typ literal = Scan();
+    QString conditionExit = exit;
+    Condition(body, literal, conditionExit);
+    MatchEnd(TOKEN_END_REPEAT);
+    Emit(sJMPF, head);
+    PostLabel(exit);
+}
+
+// What differs between the two directions of FOR.
+struct Direction {
+    QLatin1String compareBound;  // true while the variable has not passed the bound
+    QLatin1String step;
+};
+
+constexpr Direction UPWARDS = {sGE, sADD};
+constexpr Direction DOWNWARDS = {sLE, sSUB};
+
+void CheckControlType(Typ typ) {
+    if (!IsTypOrdinal(typ)) {
+        Abort(TXT_FOR_LOOP_CONTROL_VARIABLE_MUST_HAVE_ORDINAL_TYPE, false);
+    }
+}
+
+// The start or the bound of a FOR, an Expression that converts to an integer type.
+void ControlValue(const VarsList& vars, Typ literal, Typ control) {
+    CheckControlType(ConvertTyp(control, Expression(vars, literal), false));
+}
+
+// name ":=" Expression
+// <expression>, "MOV #A0 @name"; returns the control variable.
+VarItem& ForStart(const VarsList& vars, const QString& name) {
+    VarItem& variable = IsVarInVarsList(vars, name);
+    CheckControlType(variable.type);
+    Scan();
+    Match(TOKEN_ASSIGN);
+    const Typ literal = Scan();
+    ControlValue(vars, literal, variable.type);
+    MarkAssigned(variable);
+    EmitStore(OperandOf(variable, name));
+    return variable;
+}
+
+// ( TO | DOWNTO ) Expression
+// <expression>, "MOV #A0 $PUSH"; the bound stays on the value stack for the whole loop.
+const Direction& ForBound(const VarsList& vars, Typ control) {
+    Match(TOKEN_TO, TOKEN_DOWNTO);
+    const Direction& direction = TokenChar == TOKEN_TO ? UPWARDS : DOWNWARDS;
+    const Typ literal = Scan();
+    ControlValue(vars, literal, control);
+    EmitPush();
+    return direction;
+}
+
+// The test of FOR: the variable against the bound, which goes back on the stack.
+void EmitForTest(const Operand& control, const Direction& direction, const QString& exit) {
+    EmitLoad(control);
+    EmitPopToR0();
+    EmitR0Operation(direction.compareBound);
+    EmitTest();
+    EmitPushFromR0();
+    Emit(sJMPF, exit);
+}
+
+// The step of FOR, always 1.
+void EmitForStep(const Operand& control, const Direction& direction) {
+    EmitLoad(control);
+    Emit(direction.step, '1', ACCUMULATOR);
+    EmitStore(control);
+}
+
+// FOR start ( TO | DOWNTO ) bound DO statements END_FOR ";"
+// <start>, <bound>, "H:", <test>, <statements>, "S:", <step>, "JMP H", "X:", "MOV $POP #NIL"
+//
+// QUIRK: test and step address the variable by value even when it is held by reference, while the
+// start is stored through the reference. Target code is fixed.
+void DoFor(const Body& body) {
+    Match(TOKEN_FOR);
+    QString head;
+    QString exit;
+    QString step;
+    GetNewLabel(head);
+    GetNewLabel(exit);
+    GetNewLabel(step);
+    Scan();
+    Match(TOKEN_IDENTIFIER);
+    const Operand control = {BY_VALUE, TokenName};
+    const VarItem& variable = ForStart(body.variables, control.name);
+    const Direction& direction = ForBound(body.variables, variable.type);
+    ++body.stackDepth;
+    Match(TOKEN_DO);
+    PostLabel(head);
+    EmitForTest(control, direction, exit);
+    Scan();
+    Statements(body, {exit, step}, {TOKEN_END_FOR});
+    PostLabel(step);
+    EmitForStep(control, direction);
+    MatchEnd(TOKEN_END_FOR);
+    Emit(sJMP, head);
+    PostLabel(exit);
+    EmitDrop();
+    --body.stackDepth;
+}
+
+// ---------------------------------------------------------------------------------------------
+// CASE
+// ---------------------------------------------------------------------------------------------
+
+enum class TWhatCase : unsigned char { Single, Range };
+
+// A case label of the CASE being compiled; low and high are equal for a single value.
+struct CaseItem {
+    TWhatCase kind;
+    qint64 low;
+    qint64 high;
+
+    bool holds(qint64 value) const { return low <= value && value <= high; }
+};
+
+// QUIRK: a new range that lies strictly inside an older one is not noticed: only the ends of the
+// older range are looked for in the new one. Programs in the field rely on it.
+bool IsDuplicate(const CaseItem& older, const CaseItem& added) {
+    if (added.kind == TWhatCase::Single) {
+        return older.holds(added.low);
+    }
+    return added.holds(older.low) || added.holds(older.high);
+}
+
+// Checks a new label against those before it and adds it to them.
+void CheckCase(std::vector<CaseItem>& items, TWhatCase kind, qint64 low, qint64 high) {
+    if (low > high) {
+        Abort(TXT_CASE_LOW_BOUND_EXCEEDS_HIGH_BOUND, false);
+    }
+    const CaseItem added = {kind, low, high};
+    for (const CaseItem& older : items) {
+        if (IsDuplicate(older, added)) {
+            Abort(TXT_CASE_DUPLICATE_CASE_LABEL, false);
+        }
+    }
+    items.push_back(added);
+}
+
+// Scans where a label or a separator of labels may stand: a "." ends a number there.
+void ScanInCase() {
+    Scan(TokenName, true, true);
+}
+
+// A bound of a case label as the source writes it.
+struct CaseBound {
+    QString text;  // without its sign
+    bool isNegative;
+    qint64 value;
+};
+
+// [ "-" ] number, and the separator behind it
+CaseBound ReadCaseBound() {
+    const bool isNegative = TokenChar == TOKEN_MINUS;
+    if (isNegative) {
+        ScanInCase();
+    }
+    if (TokenChar != TOKEN_NUMBER) {
+        Abort(TXT_ORDINAL_TYPE_REQUIRED, false);
+    }
+    const qint64 magnitude = StrToInt64(TokenName);
+    CaseBound bound = {TokenName, isNegative, isNegative ? -magnitude : magnitude};
+    ScanInCase();
+    Match(TOKEN_COMMA, TOKEN_DOT_DOT, TOKEN_COLON);
+    return bound;
+}
+
+// A test of the selector, which stays on the value stack: jumps unless the comparison holds.
+// "MOV <bound> #A0", [ "SUB 0 #A0" ], "MOV $POP #R0", "<comparison> #R0 #A0", "TST #A0",
+// "MOV #R0 $PUSH", "JMPF <target>"
+void EmitCaseTest(const CaseBound& bound, QLatin1String comparison, const QString& target) {
+    EmitLoad(bound.text);
+    if (bound.isNegative) {
+        EmitNegate();
+    }
+    EmitPopToR0();
+    EmitR0Operation(comparison);
+    EmitTest();
+    EmitPushFromR0();
+    Emit(sJMPF, target);
+}
+
+// The rest of lo ".." hi, ".." being current
+// <lo test to H>, "JMP X", "H:", <hi test to B>, "X:"
+void CaseRange(std::vector<CaseItem>& items, const CaseBound& low, const QString& branch) {
+    ScanInCase();
+    const CaseBound high = ReadCaseBound();
+    Match(TOKEN_COMMA, TOKEN_COLON);
+    CheckCase(items, TWhatCase::Range, low.value, high.value);
+    QString highTest;
+    QString next;
+    GetNewLabelAndNextLabel(highTest, next);
+    GetNewLabel(next);
+    EmitCaseTest(low, sLT, highTest);
+    Emit(sJMP, next);
+    PostLabel(highTest);
+    EmitCaseTest(high, sGT, branch);
+    PostLabel(next);
+}
+
+// bound [ ".." bound ], and the separator behind it
+// <tests>, which jump to the branch when the selector matches
+void CaseLabel(std::vector<CaseItem>& items, const QString& branch) {
+    const CaseBound bound = ReadCaseBound();
+    if (TokenChar == TOKEN_DOT_DOT) {
+        CaseRange(items, bound, branch);
+    } else {
+        CheckCase(items, TWhatCase::Single, bound.value, bound.value);
+        EmitCaseTest(bound, sNE, branch);
+    }
+}
+
+bool IsCaseBranchEnd(Token code) {
+    return IsOneOf(code, {TOKEN_NUMBER, TOKEN_MINUS, TOKEN_ELSE, TOKEN_END_CASE});
+}
+
+// The statements of a branch, up to the next label.
+//
+// QUIRK: the branches of a CASE know no loop: BREAK and CONTINUE are refused in them even when
+// the CASE stands in a loop. The language has it so.
+void CaseBranch(const Body& body) {
+    const NestingGuard guard;
+    ScanInCase();
+    while (!IsCaseBranchEnd(TokenChar)) {
+        Block(body, LoopLabels());
+        ScanInCase();
+    }
+}
+
+// label { "," label } ":" statements
+// <tests>, "JMP N", "B:", <statements>, "JMP E", "N:"
+void CaseElement(const Body& body, std::vector<CaseItem>& items, const QString& branch,
+                 const QString& next, const QString& end) {
+    CaseLabel(items, branch);
+    while (TokenChar == TOKEN_COMMA) {
+        ScanInCase();
+        CaseLabel(items, branch);
+    }
+    Emit(sJMP, next);
+    PostLabel(branch);
+    CaseBranch(body);
+    Emit(sJMP, end);
+    PostLabel(next);
+}
+
+// BoolExpression OF
+// <expression>, [ "L1:" ], "MOV #A0 $PUSH"
+void CaseSelector(const Body& body) {
+    const Typ literal = Scan();
+    QString label;
+    const Typ typ = ConvertTyp(literal, BoolExpression(body.variables, literal, label), false);
+    if (!IsTypOrdinal(typ)) {
+        Abort(TXT_ORDINAL_TYPE_REQUIRED, false);
+    }
+    PostPendingLabel(label);
+    EmitPush();
+    Match(TOKEN_OF);
+}
+
+// CASE selector OF element { element } [ ELSE statements ] END_CASE ";"
+// <selector>, { <element> }, [ <statements> ], "E:", "MOV $POP #NIL"
+//
+// QUIRK: the selector on the value stack is not counted in the stack depth, so an EXIT in a
+// branch leaves it there. Target code is fixed. For the same reason a fresh pair of labels is
+// drawn behind every element, the last one included.
+void DoCase(const Body& body) {
+    Match(TOKEN_CASE);
+    CaseSelector(body);
+    QString end;
+    QString branch;
+    QString next;
+    GetNewLabel(end);
+    GetNewLabel(branch);
+    GetNewLabel(next);
+    std::vector<CaseItem> items;
+    ScanInCase();
+    do {
+        CaseElement(body, items, branch, next, end);
+        GetNewLabel(branch);
+        GetNewLabel(next);
+    } while (!IsOneOf(TokenChar, {TOKEN_ELSE, TOKEN_END_CASE}));
+    if (TokenChar == TOKEN_ELSE) {
+        Scan();
+        Statements(body, LoopLabels(), {TOKEN_END_CASE});
+    }
+    MatchEnd(TOKEN_END_CASE);
+    PostLabel(end);
+    EmitDrop();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Jumps
+// ---------------------------------------------------------------------------------------------
+
+// keyword ";"
+// "JMP <target>"; aborts with that text outside a loop.
+void JumpInLoop(Token keyword, const QString& target, QLatin1String outsideOfLoop) {
+    MatchEnd(keyword);
+    if (target.isEmpty()) {
+        Abort(outsideOfLoop, false);
+    }
+    Emit(sJMP, target);
+}
+
+void DoBreak(const QString& breakLabel) {
+    JumpInLoop(TOKEN_BREAK, breakLabel, TXT_BREAK_OUTSIDE_OF_LOOP);
+}
+
+void DoContinue(const QString& continueLabel) {
+    JumpInLoop(TOKEN_CONTINUE, continueLabel, TXT_CONTINUE_OUTSIDE_OF_LOOP);
+}
+
+// EXIT ";"
+// "MOV $POP #NIL" for each value on the stack, [ "MOV @RESULT #A0" ], "RET"
+void DoExit(const Body& body) {
+    MatchEnd(TOKEN_EXIT);
+    for (int i = 0; i < body.stackDepth; ++i) {
+        EmitDrop();
+    }
+    if (body.inFunction) {
+        EmitLoad(Operand{BY_VALUE, sRESULT});
+    }
+    EmitReturn();
+}
+
+// GOTO name ";"
+// "JMP <NAME>"; values on the stack stay there.
+void DoGoTo(LabelsList& labels) {
+    Match(TOKEN_GOTO);
+    Scan();
+    Match(TOKEN_IDENTIFIER);
+    const QString name = TokenName.toUpper();
+    Scan();
+    Match(TOKEN_SEMICOLON);
+    AddPeferenceToLabelItemInLabelLists(labels, name);
+    Emit(sJMP, name);
+}
+
+// Statement = assignment | label | TICK | IF | loop | CASE | jump | call
+// A function called as a statement has its result dropped: "MOV $POP #NIL".
+void Statement(const Body& body, const LoopLabels& loop) {
+    switch (TokenChar) {
+        case TOKEN_IF:
+            return DoIf(body, loop);
+        case TOKEN_WHILE:
+            return DoWhile(body);
+        case TOKEN_REPEAT:
+            return DoRepeat(body);
+        case TOKEN_FOR:
+            return DoFor(body);
+        case TOKEN_CASE:
+            return DoCase(body);
+        case TOKEN_BREAK:
+            return DoBreak(loop.breakLabel);
+        case TOKEN_CONTINUE:
+            return DoContinue(loop.continueLabel);
+        case TOKEN_EXIT:
+            return DoExit(body);
+        case TOKEN_GOTO:
+            return DoGoTo(body.labels);
+        case TOKEN_TICK:
+            return DoTick(body.variables);
+        case TOKEN_FUNCTION_BLOCK:
+            return DoFuncBlock(body.functions, body.variables);
+        case TOKEN_FUNCTION:
+            DoFunc(body.functions, body.variables);
+            return EmitDrop();
+        default:
+            return Assignment(body);
+    }
+}
+
+}  // namespace
+
+// Block = { Statement } ";"
+void Block(const Body& body, const LoopLabels& loop) {
+    while (TokenChar != TOKEN_SEMICOLON) {
+        Statement(body, loop);
+    }
+}

@@ -1,0 +1,742 @@
+#include "qyx_scanner.h"
+
+#include "qyx_files.h"
+#include "qyx_il.h"
+#include "qyx_lists.h"
+#include "qyx_messages.h"
+
+#include <array>
+
+QChar Look;
+int g_InputCodeFileCurrentLineCount = 0;
+int g_InputCodeFileCurrentPosCount = -1;
+TokenPos TokenPosBeg = {-1, -1};
+TokenPos TokenPosEnd = {-1, -1};
+TokenPlace IdentPlace = {{-1, -1}, {-1, -1}};
+Token TokenChar = TOKEN_UNKNOWN;
+QString TokenName;
+int LabelCount = 1;
+
+// ---------------------------------------------------------------------------------------------
+// Character classes
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+enum CharacterClass : unsigned {
+    CLASS_WHITE = 1U << 0U,
+    CLASS_ALPHA = 1U << 1U,
+    CLASS_DIGIT = 1U << 2U,
+    CLASS_HEX_DIGIT = 1U << 3U,
+    CLASS_OCT_DIGIT = 1U << 4U,
+    CLASS_BIN_DIGIT = 1U << 5U,
+    CLASS_OPERATION = 1U << 6U,
+    CLASS_SIMBOL = 1U << 7U
+};
+
+constexpr std::size_t ASCII_COUNT = 128;
+using ClassTable = std::array<unsigned, ASCII_COUNT>;
+
+constexpr void AddClass(ClassTable& table, const char* characters, unsigned characterClass) {
+    for (; *characters != '\0'; ++characters) {
+        table[static_cast<std::size_t>(*characters)] |= characterClass;
+    }
+}
+
+constexpr ClassTable MakeClassTable() {
+    ClassTable table = {};
+    AddClass(table, "\t\n\r ", CLASS_WHITE);
+    AddClass(table, "ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz", CLASS_ALPHA);
+    AddClass(table, "0123456789", CLASS_DIGIT);
+    AddClass(table, "0123456789ABCDEFabcdef", CLASS_HEX_DIGIT);
+    AddClass(table, "01234567", CLASS_OCT_DIGIT);
+    AddClass(table, "01", CLASS_BIN_DIGIT);
+    AddClass(table, "*+-/:<=>", CLASS_OPERATION);
+    AddClass(table, "!\"#$%&'*+-/:<=>?@^|~", CLASS_SIMBOL);
+    return table;
+}
+
+constexpr ClassTable CLASSES = MakeClassTable();
+
+constexpr ushort CYRILLIC_CAPITAL_A = 0x0410;
+constexpr ushort CYRILLIC_CAPITAL_YA = 0x042F;
+constexpr QLatin1Char QUOTE('\'');
+
+bool HasClass(QChar c, unsigned characterClass) {
+    return c.unicode() < ASCII_COUNT && (CLASSES[c.unicode()] & characterClass) != 0;
+}
+
+}  // namespace
+
+bool IsWhite(QChar c) {
+    return HasClass(c, CLASS_WHITE);
+}
+
+bool IsSemicolumn(QChar c) {
+    return c == QLatin1Char(';');
+}
+
+// A few letters outside ASCII have a Latin capital; they count as that capital does.
+bool IsAlpha(QChar c) {
+    return HasClass(c.unicode() < ASCII_COUNT ? c : c.toUpper(), CLASS_ALPHA);
+}
+
+bool IsAlphaR(QChar c) {
+    if (c.unicode() < ASCII_COUNT) {
+        return HasClass(c, CLASS_ALPHA);
+    }
+    const ushort capital = c.toUpper().unicode();
+    return (capital >= CYRILLIC_CAPITAL_A && capital <= CYRILLIC_CAPITAL_YA) || IsAlpha(c);
+}
+
+bool IsDigit(QChar c) {
+    return HasClass(c, CLASS_DIGIT);
+}
+
+bool IsHexDigit(QChar c) {
+    return HasClass(c, CLASS_HEX_DIGIT);
+}
+
+bool IsOctDigit(QChar c) {
+    return HasClass(c, CLASS_OCT_DIGIT);
+}
+
+bool IsBinDigit(QChar c) {
+    return HasClass(c, CLASS_BIN_DIGIT);
+}
+
+bool IsString(QChar c) {
+    return c == QUOTE;
+}
+
+bool IsOperation(QChar c) {
+    return HasClass(c, CLASS_OPERATION);
+}
+
+bool IsSimbol(QChar c) {
+    return HasClass(c, CLASS_SIMBOL);
+}
+
+bool IsAlphaOrDigit(QChar c) {
+    return IsAlpha(c) || IsDigit(c);
+}
+
+bool IsAlphaOrDigitR(QChar c) {
+    return IsAlphaR(c) || IsDigit(c);
+}
+
+bool IsCharacter(QChar c) {
+    return IsAlphaOrDigit(c) || IsSimbol(c);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The look-ahead character
+// ---------------------------------------------------------------------------------------------
+
+// A line feed stands at column -1 of the line that it opens, so that every line begins at 0.
+void GetChar() {
+    Look = QChar(static_cast<ushort>(ReadCharFromInputCodeFile()));
+    ++g_InputCodeFileCurrentPosCount;
+    if (Look == QLatin1Char('\n')) {
+        g_InputCodeFileCurrentPosCount = -1;
+        ++g_InputCodeFileCurrentLineCount;
+    }
+}
+
+void SkipWhite() {
+    while (IsWhite(Look)) {
+        GetChar();
+    }
+}
+
+void SkipSemicolumn() {
+    while (IsSemicolumn(Look)) {
+        GetChar();
+    }
+    SkipWhite();
+}
+
+namespace {
+
+bool IsEndOfInput() {
+    return Look == QChar(END_OF_INPUT);
+}
+
+TokenPos LookPlace() {
+    return {g_InputCodeFileCurrentLineCount, g_InputCodeFileCurrentPosCount};
+}
+
+void StoreTokenBeg(TokenPos place) {
+    TokenPosBeg = place;
+    TokenPosEnd = place;
+}
+
+void StoreTokenEnd(TokenPos place) {
+    TokenPosEnd = place;
+}
+
+// Takes Look into the text and advances.
+void TakeLook(QString& text) {
+    text += Look;
+    GetChar();
+}
+
+// Aborts with `expectedBut` '<Look>' found.
+[[noreturn]] void AbortAtLook(QLatin1String expectedBut) {
+    Abort(StringsToString(expectedBut, " '", Look, "' ", TXT_FOUND), false);
+}
+
+Token TokenOf(QStringView text) {
+    const int row = Lookup(text);
+    return row < 0 ? TOKEN_UNKNOWN : TokensTable[row].code;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Comments
+// ---------------------------------------------------------------------------------------------
+
+// Comment = "//" { any character but a line feed }
+// Look stands behind the "//", white space not skipped.
+void SkipLineComment() {
+    StoreTokenBeg(LookPlace());
+    while (Look != QLatin1Char('\n') && !IsEndOfInput()) {
+        GetChar();
+    }
+    SkipWhite();
+}
+
+// A piece of a multi-line comment: one character that is no operator, or one or two that could
+// make up "*)". Every "*" begins the pair anew, so that "**)" ends a comment as "*)" does.
+void GetEndComment(QString& text) {
+    text.resize(0);
+    if (!IsOperation(Look)) {
+        GetChar();
+        return;
+    }
+    while (text.size() < 2 && (IsOperation(Look) || Look == QLatin1Char(')'))) {
+        if (Look == QLatin1Char('*')) {
+            text.resize(0);
+        }
+        TakeLook(text);
+    }
+    StoreTokenEnd({g_InputCodeFileCurrentLineCount, g_InputCodeFileCurrentPosCount - 1});
+    SkipWhite();
+}
+
+// Begins a token: echoes its line and clears the text. Aborts at the end of the source.
+void StartToken(QString& text) {
+    TypeInputCodeCurrentLine();
+    text.resize(0);
+    if (IsEndOfInput()) {
+        Abort(TXT_UNEXPECTED_END_OF_INPUT_FILE, false);
+    }
+}
+
+void ScanCommentPiece(QString& text) {
+    StartToken(text);
+    GetEndComment(text);
+    TokenChar = TokenOf(text);
+}
+
+// Comment = "(*" { any character } "*)"
+// Look stands on the "*" of "(*". Comments do not nest: "(*" within is comment text.
+//
+// QUIRK: the first piece goes to TokenName even where the token is being read into another text,
+// so a message that quotes TokenName after such a comment quotes that piece. Messages are fixed.
+void SkipMultiLinesComment(QString& text) {
+    GetChar();
+    SkipWhite();
+    ScanCommentPiece(TokenName);
+    while (TokenChar != TOKEN_COMMENT_END) {
+        SkipWhite();
+        ScanCommentPiece(text);
+    }
+    SkipWhite();
+}
+
+void SkipComment(Token code, QString& text) {
+    if (code == TOKEN_LINE_COMMENT) {
+        SkipLineComment();
+    } else {
+        SkipMultiLinesComment(text);
+    }
+}
+
+bool IsCommentBegin(Token code) {
+    return code == TOKEN_LINE_COMMENT || code == TOKEN_COMMENT_BEGIN;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Names and strings
+// ---------------------------------------------------------------------------------------------
+
+// Aborts unless Look can begin a name.
+void CheckNameBegin(bool (*isBegin)(QChar)) {
+    if (isBegin(Look)) {
+        return;
+    }
+    if (IsDigit(Look)) {
+        Abort(TXT_IDENTIFIER_EXPECTED_BUT_NUMBER_FOUND, false);
+    }
+    AbortAtLook(TXT_IDENTIFIER_EXPECTED_BUT);
+}
+
+// Name = letter { letter | digit }, Latin or Cyrillic, kept as written.
+void GetNameR(QString& text, bool skipWhite) {
+    text.resize(0);
+    StoreTokenBeg(LookPlace());
+    CheckNameBegin(IsAlphaR);
+    while (IsAlphaOrDigitR(Look)) {
+        TakeLook(text);
+    }
+    StoreTokenEnd(LookPlace());
+    const int row = Lookup(text);
+    TokenChar = row < 0 ? TOKEN_IDENTIFIER : TokensTable[row].code;
+    if (skipWhite) {
+        SkipWhite();
+    }
+}
+
+// String = "'" { any character but "'" and a line feed } "'", upper-cased.
+void GetString(QString& text) {
+    StoreTokenBeg(LookPlace());
+    GetChar();
+    while (!IsString(Look)) {
+        if (Look == QLatin1Char('\n') || IsEndOfInput()) {
+            Abort(TXT_UNTERMINATED_STRING, false);
+        }
+        text += Look.toUpper();
+        GetChar();
+    }
+    StoreTokenEnd(LookPlace());
+    GetChar();
+    SkipWhite();
+}
+
+// Operator = one or two operation characters
+// QUIRK: two operation characters always make one token, so "a+-b" holds the unknown token "+-".
+// A blank between them is the language's way to write two operators; scripts rely on "//" alone
+// keeping the white space behind it, which is comment text.
+void GetOperation(QString& text) {
+    StoreTokenBeg(LookPlace());
+    TakeLook(text);
+    if (IsOperation(Look)) {
+        TakeLook(text);
+    }
+    StoreTokenEnd(LookPlace());
+    TokenChar = TokenOf(text);
+    if (TokenChar != TOKEN_LINE_COMMENT) {
+        SkipWhite();
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Numbers
+// ---------------------------------------------------------------------------------------------
+
+constexpr int NUMBER_LENGTH_LIMIT = 254;
+constexpr int BIN_DIGITS_LIMIT = 32;
+constexpr qint64 LITERAL_LIMIT = 0xFFFFFFFF;
+constexpr double REAL_LIMIT = 3.4e+38;
+
+// The notations with a base, by the prefix that selects them.
+struct Notation {
+    QLatin1String prefix;
+    int base;
+    int typingBase;  // base of the value that chooses the literal's type
+    int digitsLimit;
+    bool (*isDigit)(QChar);
+    QLatin1String digitExpectedBut;
+};
+
+// QUIRK: an octal literal is typed by its digits read in base 16, so 8#377 is an INT and not a
+// USINT. Programs in the field rely on the types that follow; the value itself is read in base 8.
+constexpr std::array<Notation, 3> NOTATIONS = {{
+    {"16#"_L1, 16, 16, NUMBER_LENGTH_LIMIT, IsHexDigit, TXT_HEX_NUMBER_EXPECTED_BUT},
+    {"8#"_L1, 8, 16, NUMBER_LENGTH_LIMIT, IsOctDigit, TXT_OCT_NUMBER_EXPECTED_BUT},
+    {"2#"_L1, 2, 2, BIN_DIGITS_LIMIT, IsBinDigit, TXT_BIN_NUMBER_EXPECTED_BUT},
+}};
+
+// The integer types by the largest literal that each takes.
+struct LiteralRange {
+    qint64 limit;
+    Typ type;
+};
+constexpr std::array<LiteralRange, 6> LITERAL_RANGES = {{
+    {0x7F, TYP_SINT},
+    {0xFF, TYP_USINT},
+    {0x7FFF, TYP_INT},
+    {0xFFFF, TYP_UINT},
+    {0x7FFFFFFF, TYP_DINT},
+    {LITERAL_LIMIT, TYP_UDINT},
+}};
+
+Typ TypeOfInteger(qint64 value) {
+    for (const LiteralRange& range : LITERAL_RANGES) {
+        if (value <= range.limit) {
+            return range.type;
+        }
+    }
+    Abort(TXT_TOO_MUCH_CONSTANT, false);
+}
+
+void AppendToNumber(QString& text, QChar c) {
+    text += c;
+    if (text.size() > NUMBER_LENGTH_LIMIT) {
+        Abort(TXT_TOO_MUCH_CONSTANT, false);
+    }
+}
+
+void TakeDigits(QString& text, bool (*isDigit)(QChar)) {
+    while (isDigit(Look)) {
+        AppendToNumber(text, Look.toUpper());
+        GetChar();
+    }
+}
+
+// The notation whose prefix begins the text, or null.
+const Notation* NotationOf(const QString& text) {
+    for (const Notation& notation : NOTATIONS) {
+        if (text.startsWith(notation.prefix)) {
+            return &notation;
+        }
+    }
+    return nullptr;
+}
+
+// BasedNumber = ( "16#" | "8#" | "2#" ) digit { digit }
+// The prefix stands in the text already; Look stands behind it.
+Typ GetBasedDigit(const Notation& notation, QString& text) {
+    if (!notation.isDigit(Look)) {
+        AbortAtLook(notation.digitExpectedBut);
+    }
+    TakeDigits(text, notation.isDigit);
+    StoreTokenEnd(LookPlace());
+    SkipWhite();
+    const QString digits = text.mid(notation.prefix.size());
+    bool isInRange = false;
+    const qint64 value = digits.toLongLong(&isInRange, notation.typingBase);
+    if (!isInRange || digits.size() > notation.digitsLimit) {
+        Abort(TXT_TOO_MUCH_CONSTANT, false);
+    }
+    return TypeOfInteger(value);
+}
+
+// Fraction = { digit } [ "E" [ "+" | "-" ] { digit } ]
+// The integer part and "." stand in the text already. No digit behind the "." reads as "0".
+Typ GetFloatDigit(QString& text) {
+    if (!IsDigit(Look)) {
+        AppendToNumber(text, QLatin1Char('0'));
+    }
+    TakeDigits(text, IsDigit);
+    if (Look.toUpper() == QLatin1Char('E')) {
+        AppendToNumber(text, QLatin1Char('E'));
+        GetChar();
+        if (Look == QLatin1Char('+') || Look == QLatin1Char('-')) {
+            AppendToNumber(text, Look);
+            GetChar();
+        }
+        TakeDigits(text, IsDigit);
+    }
+    StoreTokenEnd(LookPlace());
+    SkipWhite();
+    return text.toDouble() <= REAL_LIMIT ? TYP_REAL : TYP_LREAL;
+}
+
+// Digits followed by "#": the digits must be a base's own prefix, "016#" is none.
+Typ GetNotation(QString& text) {
+    AppendToNumber(text, Look);
+    GetChar();
+    const Notation* notation = NotationOf(text);
+    if (notation == nullptr || text != notation->prefix) {
+        Abort(TXT_BAD_SUFFIX_ON_NUMBER, false);
+    }
+    return GetBasedDigit(*notation, text);
+}
+
+// Digits alone.
+// QUIRK: digits that exceed 64 bits count as the value 0 and so as a SINT; only their number is
+// limited. The engine reads the digits themselves, and programs rely on the type.
+Typ GetInteger(QString& text) {
+    StoreTokenEnd(LookPlace());
+    SkipWhite();
+    return TypeOfInteger(text.toLongLong());
+}
+
+// Number = BasedNumber | digit { digit } [ "." Fraction ] | "." Fraction
+// With integerOnly a "." ends the number. Returns the type of the literal.
+Typ GetDigit(QString& text, bool integerOnly) {
+    StoreTokenBeg(LookPlace());
+    TakeDigits(text, IsDigit);
+    if (Look == QLatin1Char('#')) {
+        return GetNotation(text);
+    }
+    if (Look != QLatin1Char('.') || integerOnly) {
+        return GetInteger(text);
+    }
+    if (text.isEmpty()) {
+        AppendToNumber(text, QLatin1Char('0'));
+    }
+    AppendToNumber(text, Look);
+    GetChar();
+    return GetFloatDigit(text);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The next token
+// ---------------------------------------------------------------------------------------------
+
+// Gives the name of a declared function or function block the code of its keyword.
+void ClassifyIdentifier(const QString& name) {
+    IdentPlace = {TokenPosBeg, TokenPosEnd};
+    const FunctionItem* function = FunctionsList.find(name);
+    if (function != nullptr) {
+        TokenChar = function->isFunction ? TOKEN_FUNCTION : TOKEN_FUNCTION_BLOCK;
+    }
+}
+
+Typ ScanWord(QString& text) {
+    GetNameR(text, true);
+    if (TokenChar == TOKEN_IDENTIFIER) {
+        ClassifyIdentifier(text);
+    }
+    return TokenChar == TOKEN_TRUE || TokenChar == TOKEN_FALSE ? TYP_BOOL : TYP_NONE;
+}
+
+// Any other character, alone but for ".." and the "(*" that begins a comment.
+void ScanSymbol(QString& text, bool skipWhite) {
+    StoreTokenBeg(LookPlace());
+    const QChar first = Look;
+    TakeLook(text);
+    if (first == QLatin1Char('.') && Look == first) {
+        TakeLook(text);
+    }
+    if (first == QLatin1Char('(') && Look == QLatin1Char('*')) {
+        TokenChar = TOKEN_COMMENT_BEGIN;
+        return;
+    }
+    TokenChar = TokenOf(text);
+    if (TokenChar != TOKEN_UNKNOWN) {
+        StoreTokenEnd(LookPlace());
+    }
+    if (skipWhite) {
+        SkipWhite();
+    }
+}
+
+// Reads one token, or the beginning of a comment.
+Typ ScanToken(QString& text, bool integerOnly, bool skipWhite) {
+    StartToken(text);
+    if (IsAlphaR(Look)) {
+        return ScanWord(text);
+    }
+    if (IsString(Look)) {
+        GetString(text);
+        TokenChar = TOKEN_STRING;
+        return TYP_NONE;
+    }
+    if (IsDigit(Look) || (!integerOnly && Look == QLatin1Char('.'))) {
+        const Typ type = GetDigit(text, integerOnly);
+        TokenChar = TOKEN_NUMBER;
+        return type;
+    }
+    if (IsOperation(Look)) {
+        GetOperation(text);
+    } else {
+        ScanSymbol(text, skipWhite);
+    }
+    return TYP_NONE;
+}
+
+}  // namespace
+
+// QUIRK: a token behind a comment is read with fractions allowed whatever the caller asked, and
+// the type of a literal behind a comment is lost: the comment's own type, none, is returned. So a
+// comment between an operator and its literal changes how the expression is typed. Existing
+// programs were compiled so.
+Typ Scan(QString& text, bool integerOnly, bool skipWhite) {
+    const Typ type = ScanToken(text, integerOnly, skipWhite);
+    if (!IsCommentBegin(TokenChar)) {
+        return type;
+    }
+    do {
+        SkipComment(TokenChar, text);
+        ScanToken(text, false, true);
+    } while (IsCommentBegin(TokenChar));
+    return TYP_NONE;
+}
+
+Typ Scan() {
+    return Scan(TokenName, false, true);
+}
+
+void ScanName(QString& text, bool skipWhite) {
+    StartToken(text);
+    GetNameR(text, skipWhite);
+    IdentPlace = {TokenPosBeg, TokenPosEnd};
+}
+
+// Type = letter { letter | digit }, Latin only, upper-cased.
+void GetType(QString& text, bool skipWhite) {
+    text.resize(0);
+    StoreTokenBeg(LookPlace());
+    CheckNameBegin(IsAlpha);
+    while (IsAlphaOrDigit(Look)) {
+        text += Look.toUpper();
+        GetChar();
+    }
+    StoreTokenEnd(LookPlace());
+    if (skipWhite) {
+        SkipWhite();
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Matching the current token
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+// What a message calls a token: its text in quotes, or the name of its kind; empty for neither.
+QString TokenDescription(Token code) {
+    if (code == TOKEN_NUMBER) {
+        return TXT_NUMBER;
+    }
+    if (code == TOKEN_IDENTIFIER) {
+        return TXT_IDENTIFIER;
+    }
+    const int row = Lookup(code);
+    return row < 0 ? QString() : Quoted(TokensTable[row].text);
+}
+
+// Aborts with <alternatives> expected but "<current token>" found (<context>).
+[[noreturn]] void AbortMismatch(const QString& alternatives, QLatin1String context) {
+    const QString suffix = context.isEmpty() ? QString() : StringsToString(" (", context, ")");
+    if (alternatives.isEmpty()) {
+        Abort(StringsToString(TXT_UNRECOGNIZED_KEYWORD, " ", Quoted(TokenName), suffix), false);
+    }
+    Abort(StringsToString(alternatives, " ", TXT_EXPECTED_BUT, " ", Quoted(TokenName), " ",
+                          TXT_FOUND, suffix),
+          false);
+}
+
+// The alternatives joined by "or".
+QString Alternatives(std::initializer_list<Token> codes) {
+    QString joined;
+    for (const Token code : codes) {
+        if (Lookup(code) < 0) {
+            return QString();
+        }
+        if (!joined.isEmpty()) {
+            joined += StringsToString(" ", TXT_OR, " ");
+        }
+        joined += TokenDescription(code);
+    }
+    return joined;
+}
+
+}  // namespace
+
+void Match(Token code, QLatin1String context) {
+    if (TokenChar != code) {
+        AbortMismatch(TokenDescription(code), context);
+    }
+}
+
+void Match(Token first, Token second, QLatin1String context) {
+    if (TokenChar != first && TokenChar != second) {
+        AbortMismatch(Alternatives({first, second}), context);
+    }
+}
+
+void Match(Token first, Token second, Token third, QLatin1String context) {
+    if (TokenChar != first && TokenChar != second && TokenChar != third) {
+        AbortMismatch(Alternatives({first, second, third}), context);
+    }
+}
+
+qint64 StrToInt64(const QString& text) {
+    if (text.isEmpty()) {
+        AbortAtLook(TXT_STRING_EXPECTED_BUT);
+    }
+    for (const QChar c : text) {
+        if (!IsDigit(c) && c != QLatin1Char('#')) {
+            Abort(TXT_BAD_SUFFIX_ON_NUMBER, false);
+        }
+    }
+    const Notation* notation = NotationOf(text);
+    bool isInRange = false;
+    const qint64 value =
+        notation == nullptr
+            ? text.toLongLong(&isInRange, DECIMAL)
+            : text.mid(notation->prefix.size()).toLongLong(&isInRange, notation->base);
+    if (!isInRange) {
+        Abort(TXT_TOO_MUCH_CONSTANT, false);
+    }
+    return value;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Code labels
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+QString LabelOf(int number) {
+    QString digits;
+    return StringsToString(sLABEL, IntToStr(number, digits, DECIMAL));
+}
+
+}  // namespace
+
+void GetNewLabel(QString& label) {
+    label = LabelOf(LabelCount);
+    ++LabelCount;
+}
+
+// QUIRK: the second label is told, not reserved: whoever draws next gets it again. The numbers of
+// all later labels follow from that, and they are part of the target code.
+void GetNewLabelAndNextLabel(QString& label, QString& next) {
+    GetNewLabel(label);
+    next = LabelOf(LabelCount);
+}
+
+void PostLabel(const QString& label) {
+    WriteItem(label, ':');
+}
+
+void PostLabel(QLatin1String label) {
+    WriteItem(label, ':');
+}
+
+void PostPendingLabel(const QString& label) {
+    if (!label.isEmpty()) {
+        PostLabel(label);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Texts
+// ---------------------------------------------------------------------------------------------
+
+QString IntToStr(int value, QString& out, int base) {
+    return Int64ToStr(value, out, base);
+}
+
+QString Int64ToStr(qint64 value, QString& out, int base) {
+    out = QString::number(value, base);
+    return out;
+}
+
+QString IntToStr(int value, QString& out, int width, int base) {
+    out = QStringLiteral("%1").arg(value, width, base, QLatin1Char('0'));
+    return out;
+}
+
+QString Quoted(const QString& text) {
+    return StringsToString("\"", text, "\"");
+}
+
+int StrCmp(QStringView a, QStringView b, bool ignoreCase) {
+    return a.compare(b, ignoreCase ? Qt::CaseInsensitive : Qt::CaseSensitive);
+}

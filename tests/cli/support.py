@@ -1,0 +1,57 @@
+"""Runs the compiler for the command line tests.
+
+The binary is the one that the environment variable YXSTCMP names, else build/yxstcmp.
+"""
+
+import os
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+from typing import Dict, NamedTuple
+
+ROOT = Path(__file__).resolve().parents[2]
+BINARY = Path(os.environ.get("YXSTCMP", ROOT / "build" / "yxstcmp")).resolve()
+TIMEOUT_SECONDS = 60
+
+VALID_SOURCE = b"PROGRAM main\nVAR\n    a : INT;\nEND_VAR\n    a := 1;\nEND_PROGRAM\n"
+
+
+class Result(NamedTuple):
+    status: int
+    stdout: bytes
+    stderr: bytes
+    files: Dict[str, bytes]  # the files in the folder after the run
+
+
+class Compiler:
+    """The compiler in a temporary folder of its own."""
+
+    def __init__(self):
+        self._folder = tempfile.TemporaryDirectory()
+        self.path = Path(self._folder.name)
+
+    def close(self):
+        self._folder.cleanup()
+
+    def write(self, name, data):
+        (self.path / name).write_bytes(data)
+
+    def run(self, *arguments):
+        process = subprocess.run(
+            [BINARY, *arguments],
+            cwd=self.path,
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            timeout=TIMEOUT_SECONDS,
+        )
+        files = {path.name: path.read_bytes() for path in self.path.iterdir() if path.is_file()}
+        return Result(process.returncode, process.stdout, process.stderr, files)
+
+
+class CompilerTestCase(unittest.TestCase):
+    """A fresh self.compiler for every test."""
+
+    def setUp(self):
+        self.compiler = Compiler()
+        self.addCleanup(self.compiler.close)
