@@ -8,6 +8,7 @@
 #include "qyx_types.h"
 
 #include <iterator>
+#include <string>
 
 namespace {
 
@@ -211,9 +212,9 @@ Typ PushAndOperate(const VarsList& vars, Typ typ) {
 // ---------------------------------------------------------------------------------------------
 
 // Warns of a variable that no assignment has reached yet.
-void WarnIfUninitialized(const VarItem& variable, const QString& name) {
+void WarnIfUninitialized(const VarItem& variable, const Spelling& name) {
     if (variable.mayBeUninitialized) {
-        Warning(StringsToString(TXT_VARIABLE, " ", Quoted(name), " ",
+        Warning(StringsToString(TXT_VARIABLE, " ", Quoted(name.text), " ",
                                 TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED),
                 false);
     }
@@ -221,9 +222,9 @@ void WarnIfUninitialized(const VarItem& variable, const QString& name) {
 
 // name
 // "MOV @name #A0"
-Typ LoadVariable(const VarsList& vars, const QString& name, bool isResult) {
+Typ LoadVariable(const VarsList& vars, const Spelling& name) {
     VarItem& variable = IsVarInVarsList(vars, name);
-    EmitLoad(OperandOf(variable, isResult ? QString(sRESULT) : name));
+    EmitLoad(OperandOf(variable, name));
     variable.isUsed = true;
     WarnIfUninitialized(variable, name);
     return variable.type;
@@ -233,14 +234,14 @@ Typ LoadVariable(const VarsList& vars, const QString& name, bool isResult) {
 // <indices>, [ <linear index> ], "MOV @name[#POP.SI] #A0" or "MOV @name[#R1.SI] #A0"
 //
 // QUIRK: the linear index is made in #R0 while the operand names #R1. The engine pairs the two.
-Typ LoadElement(const VarsList& vars, const QString& name) {
+Typ LoadElement(const VarsList& vars, const Spelling& name) {
     const VarItem& array = IsArrayVarInVarsList(vars, name);
     ArrayIndices(vars, array, false);
     if (array.arrayDimensions == 1) {
-        EmitLoad(ElementOperand(array, name, ELEMENT_POP));
+        EmitLoad(ElementOperand(array, name, INDEX_ON_STACK));
     } else {
         EmitLinearIndex(array);
-        EmitLoad(ElementOperand(array, name, ELEMENT_REGISTER_1));
+        EmitLoad(ElementOperand(array, name, INDEX_IN_REGISTER_1));
     }
     Match(TOKEN_RIGHT_BRACKET);
     Scan();
@@ -253,13 +254,12 @@ Typ Ident(const VarsList& vars) {
     if (TokenChar == TOKEN_FUNCTION) {
         return DoFunc1(FunctionsList, vars);
     }
-    const bool isResult = TokenChar == TOKEN_RESULT;
-    const QString name = TokenName;
+    const Spelling& name = *TokenSpelling;
     Scan();
     if (TokenChar == TOKEN_LEFT_BRACKET) {
         return LoadElement(vars, name);
     }
-    return LoadVariable(vars, name, isResult);
+    return LoadVariable(vars, name);
 }
 
 // Turns a loaded BOOL into a condition and keeps the value: the flag is set from a copy.
@@ -278,7 +278,7 @@ Typ Parenthesis(const VarsList& vars, Typ typ) {
     const NestingGuard guard;
     Match(TOKEN_LEFT_PARENTHESIS);
     const Typ literal = Scan();
-    QString label;
+    Label label;
     typ = ConvertTyp(typ, BoolExpression(vars, literal, label), false);
     Match(TOKEN_RIGHT_PARENTHESIS);
     PostPendingLabel(label);
@@ -333,7 +333,7 @@ Typ Factor(const VarsList& vars, Typ typ) {
 
 // A number behind "-". Its load is written when the token behind it has been read.
 void NegatedNumber() {
-    const QString text = TokenName;
+    const QStringView text = TokenName;
     Scan();
     EmitLoad(text);
 }
@@ -442,17 +442,11 @@ void EmitLinearIndex(const VarItem& array) {
     qint64 elements = 1;
     for (int dimension = array.arrayDimensions - 1; dimension > 0; --dimension) {
         elements *= array.arrayBounds.at(dimension);
-        QString text;
-        EmitLoad(Int64ToStr(elements, text, DECIMAL));
+        EmitLoad(std::string_view(std::to_string(elements)));
         EmitStackOperation(sMUL);
         EmitR0Operation(sADD);
         EmitStore(REGISTER_0);
     }
-}
-
-QString ElementOperand(const VarItem& array, const QString& name, QLatin1String index) {
-    return StringsToString(QLatin1Char(BY_VALUE), name, "[", index, ".",
-                           TypToShortStr(array.elementType), "]");
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -593,7 +587,7 @@ Typ NotFactor(const VarsList& vars, Typ typ) {
 //
 // QUIRK: AND, OR and XOR thus group to the right, and AND does not bind tighter than an OR behind
 // it: a AND b OR c is a AND (b OR c). Programs in the field rely on it.
-Typ BoolRightOperand(const VarsList& vars, QString& label) {
+Typ BoolRightOperand(const VarsList& vars, Label& label) {
     const NestingGuard guard;
     const Typ literal = Scan();
     return MergeUnlessBool(TYP_BOOL, BoolExpression(vars, literal, label));
@@ -608,7 +602,7 @@ void CheckBoolLeftOperand(Token code, Typ typ) {
 
 // <right operand>, [ "L1:" ], "<keyword> $POP #A0", "TST #A0"
 Typ StackedBoolOperation(QLatin1String keyword, const VarsList& vars) {
-    QString label;
+    Label label;
     const Typ typ = BoolRightOperand(vars, label);
     PostPendingLabel(label);
     EmitStackOperation(keyword);
@@ -633,7 +627,7 @@ Typ BoolXOr(const VarsList& vars, Typ typ) {
 // OR BoolExpression
 // "JMPT L1", <right operand>: a true left operand skips the rest, with 1 in #A0 and the flag
 // true. Every OR of a chain jumps to the one label.
-Typ BoolOr(const VarsList& vars, Typ typ, QString& label) {
+Typ BoolOr(const VarsList& vars, Typ typ, Label& label) {
     CheckBoolLeftOperand(TOKEN_OR, typ);
     if (label.isEmpty()) {
         GetNewLabel(label);
@@ -656,7 +650,7 @@ Typ BoolTerm(const VarsList& vars, Typ typ) {
 }  // namespace
 
 // BoolExpression = BoolTerm { ( OR | XOR ) BoolExpression }
-Typ BoolExpression(const VarsList& vars, Typ typ, QString& label) {
+Typ BoolExpression(const VarsList& vars, Typ typ, Label& label) {
     typ = MergeUnlessBool(typ, BoolTerm(vars, typ));
     while (IsOrORXor(TokenChar)) {
         typ = TokenChar == TOKEN_OR ? BoolOr(vars, typ, label) : BoolXOr(vars, typ);

@@ -12,7 +12,7 @@
 // A whole expression. The "true" jumps of a short-circuit OR go to `label`: an empty label is
 // filled with a new one when the first OR needs it, and then the caller posts it where the
 // expression's value is due; a caller's own label is posted by the caller at its own place.
-Typ BoolExpression(const VarsList& vars, Typ typ, QString& label);
+Typ BoolExpression(const VarsList& vars, Typ typ, Label& label);
 
 // A numeric expression: no comparison and no Boolean operator outside parentheses.
 Typ Expression(const VarsList& vars, Typ typ);
@@ -21,10 +21,6 @@ Typ Expression(const VarsList& vars, Typ typ);
 // Array elements, as values here and as targets of assignments
 // ---------------------------------------------------------------------------------------------
 
-// Where an element operand takes its index from: "#POP" for one dimension, "#R1" for more.
-inline constexpr QLatin1String ELEMENT_POP = "#POP"_L1;
-inline constexpr QLatin1String ELEMENT_REGISTER_1 = "#R1"_L1;
-
 // Compiles "[" and the indices and leaves them on the value stack; the token behind the last
 // index is current then. Aborts on an index that is no integer and on a wrong number of indices.
 // With asDInt each index is converted to DINT first.
@@ -32,6 +28,3 @@ void ArrayIndices(const VarsList& vars, const VarItem& array, bool asDInt);
 
 // Folds the indices on the value stack into one linear index, left in #A0 and #R0.
 void EmitLinearIndex(const VarItem& array);
-
-// "@name[<index>.<short type>]"
-QString ElementOperand(const VarItem& array, const QString& name, QLatin1String index);

@@ -1,11 +1,16 @@
 #include "qyx_files.h"
 
+#include "qyx_il.h"
 #include "qyx_messages.h"
 #include "qyx_scanner.h"
 
+#include <algorithm>
 #include <cassert>
+#include <charconv>
 #include <cstdio>
 #include <filesystem>
+#include <limits>
+#include <string>
 #include <system_error>
 
 bool flag_SaveListFile = false;
@@ -94,35 +99,40 @@ void FileHandle::readAllText() {
         return;
     }
     text_ = QString::fromUtf8(readAll());
+    next_ = text_.constData();
+    end_ = next_ + text_.size();
     opened_ = QFile::error() == QFileDevice::NoError;
     close();
 }
 
-bool FileHandle::appendText(std::string_view utf8) {
-    if (!opened_) {
-        return false;
+char* FileHandle::reserve(std::size_t size) {
+    if (capacity_ - used_ < size) {
+        writeCollected();
+        if (capacity_ < size) {
+            capacity_ = std::max(size, WRITE_BLOCK_SIZE);
+            buffer_.reset(new char[capacity_]);
+        }
     }
-    unwritten_.append(utf8);
-    if (unwritten_.size() >= WRITE_BLOCK_SIZE) {
-        return writeCollected();
-    }
-    return !writeFailed_;
+    return buffer_.get() + used_;
 }
 
-bool FileHandle::writeCollected() {
-    const auto size = static_cast<qint64>(unwritten_.size());
-    if (!writeFailed_ && write(unwritten_.data(), size) != size) {
+void FileHandle::appendText(std::string_view utf8) {
+    commit(PutPart(reserve(utf8.size()), utf8));
+}
+
+void FileHandle::writeCollected() {
+    const auto size = static_cast<qint64>(used_);
+    if (!writeFailed_ && used_ > 0 && write(buffer_.get(), size) != size) {
         writeFailed_ = true;
     }
-    unwritten_.clear();
-    return !writeFailed_;
+    used_ = 0;
 }
 
 bool FileHandle::finish() {
-    const bool written = opened_ && writeCollected();
+    writeCollected();
     close();
     opened_ = false;
-    return written && QFile::error() == QFileDevice::NoError;
+    return !writeFailed_ && QFile::error() == QFileDevice::NoError;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -312,6 +322,18 @@ void DeleteOutputCodeFile() {
 
 namespace {
 
+// Space at the end of the code file. Aborts when there is no code file or it cannot be written.
+char* ReserveCode(std::size_t size) {
+    if (!g_OutputCodeFileHandle) {
+        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
+    }
+    char* space = g_OutputCodeFileHandle->reserve(size);
+    if (g_OutputCodeFileHandle->hasFailed()) {
+        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
+    }
+    return space;
+}
+
 void WriteStringToStandardOutput(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
@@ -326,9 +348,7 @@ void WriteStringToSideFile(bool isWanted, const std::unique_ptr<FileHandle>& han
 }  // namespace
 
 void WriteStringToOutputCodeFile(std::string_view text) {
-    if (!g_OutputCodeFileHandle || !g_OutputCodeFileHandle->appendText(text)) {
-        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
-    }
+    g_OutputCodeFileHandle->commit(PutPart(ReserveCode(text.size()), text));
 }
 
 void WriteStringToOutputListFile(std::string_view text) {
@@ -361,27 +381,21 @@ std::string ListingForm(std::string_view item) {
     if (flag_ShowLinesNumber) {
         QString number;
         IntToStr(g_OutputCodeFileCurrentLineCount + 1, number, LINE_NUMBER_WIDTH, DECIMAL);
-        AppendPart(line, number);
-        line.push_back('\t');
+        line = number.toStdString() + '\t';
     }
     line.append(item);
     line.push_back('\n');
     return line;
 }
 
-// QUIRK: the code file is one single line: every item is followed by one blank and no line end,
-// the last one too. The engine reads it so; lines exist in the listing alone.
+// Sends a code line to all outputs but the code file.
 void RouteCode(std::string_view item, bool force) {
     if (force) {
         WriteStringToStandardOutput(ListingForm(item));
-    } else {
-        if (flag_ShowOnScreen || flag_SaveListFile) {
-            const std::string line = ListingForm(item);
-            WriteStringToScreen(line, false);
-            WriteStringToOutputListFile(line);
-        }
-        WriteStringToOutputCodeFile(item);
-        WriteStringToOutputCodeFile(" ");
+    } else if (flag_ShowOnScreen || flag_SaveListFile) {
+        const std::string line = ListingForm(item);
+        WriteStringToScreen(line, false);
+        WriteStringToOutputListFile(line);
     }
     ++g_OutputCodeFileCurrentLineCount;
 }
@@ -421,13 +435,24 @@ void RouteEcho(const std::string& line, bool force) {
 
 }  // namespace
 
-void WriteToOutputFiles(const QString& text, TWhatStr kind, bool force) {
-    if (kind == WHAT_CODE) {
-        RouteCode(text.toStdString(), force);
-        return;
+namespace {
+
+void WriteCodeLine(const QString& text, bool force) {
+    if (force) {
+        RouteCode(text.toStdString(), true);
+    } else {
+        WriteItem(text);
     }
+}
+
+}  // namespace
+
+void WriteToOutputFiles(const QString& text, TWhatStr kind, bool force) {
     const std::string line = text.toStdString() + '\n';
     switch (kind) {
+        case WHAT_CODE:
+            WriteCodeLine(text, force);
+            break;
         case WHAT_INFORMATION:
         case WHAT_COMMAND_LINE_ERROR:
             RouteMessage(line, force);
@@ -447,23 +472,50 @@ void WriteToOutputFiles(const QString& text, TWhatStr kind, bool force) {
     }
 }
 
-void WriteCodeItem(std::string_view item) {
-    RouteCode(item, false);
-}
-
 void WriteLn(const QString& text, TWhatStr kind) {
     WriteToOutputFiles(text, kind, false);
 }
 
-void AppendPart(std::string& item, QStringView part) {
+// ---------------------------------------------------------------------------------------------
+// Items of target code
+// ---------------------------------------------------------------------------------------------
+
+// The blank behind the item needs a byte more.
+char* BeginItem(std::size_t size) {
+    return ReserveCode(size + 1);
+}
+
+// QUIRK: the code file is one single line: every item is followed by one blank and no line end,
+// the last one too. The engine reads it so; lines exist in the listing alone.
+void EndItem(char* begin, char* end) {
+    RouteCode({begin, static_cast<std::size_t>(end - begin)}, false);
+    *end = ' ';
+    g_OutputCodeFileHandle->commit(end + 1);
+}
+
+// UTF-8 takes at most three bytes for a UTF-16 unit.
+std::size_t PartSize(QStringView part) {
+    constexpr std::size_t bytesPerUnit = 3;
+    return bytesPerUnit * static_cast<std::size_t>(part.size());
+}
+
+char* PutPart(char* to, QStringView part) {
+    constexpr ushort asciiEnd = 0x80;
+    char* end = to;
     for (const QChar unit : part) {
-        if (unit.unicode() > 0x7F) {
-            const QByteArray utf8 = part.toUtf8();
-            item.append(utf8.constData(), static_cast<std::size_t>(utf8.size()));
-            return;
+        if (unit.unicode() >= asciiEnd) {
+            return PutPart(to, part.toUtf8().toStdString());
         }
+        *end++ = static_cast<char>(unit.unicode());
     }
-    for (const QChar unit : part) {
-        item.push_back(static_cast<char>(unit.unicode()));
-    }
+    return end;
+}
+
+std::size_t PartSize(Label) {
+    return PartSize(sLABEL) + std::numeric_limits<int>::digits10 + 1;
+}
+
+char* PutPart(char* to, Label part) {
+    to = PutPart(to, sLABEL);
+    return std::to_chars(to, to + std::numeric_limits<int>::digits10 + 1, part.number).ptr;
 }

@@ -9,7 +9,8 @@
 
 #include <QFile>
 
-#include <string>
+#include <cstring>
+#include <memory>
 #include <string_view>
 
 // A file that is read whole when it is opened, or written in large blocks. Names are taken as the
@@ -24,30 +25,47 @@ public:
     bool isOpened() const { return opened_; }
     const QString& text() const { return text_; }
 
-    // Reading: the next UTF-16 unit of the source, -1 behind its end, 0 from a file not opened.
-    int getChar() {
-        if (!opened_ || !reading_) {
-            return 0;
+    // Reading: the next UTF-16 unit of the source, -1 behind its end.
+    int getChar() { return next_ == end_ ? -1 : (next_++)->unicode(); }
+
+    // Reading: the character read last and those behind it of which isIn holds; they are read
+    // then. Holds them without a copy for as long as the file is open.
+    template <typename Predicate>
+    QStringView takeRun(Predicate isIn) {
+        const QChar* first = next_ - 1;
+        while (next_ != end_ && isIn(*next_)) {
+            ++next_;
         }
-        return pos_ == text_.size() ? -1 : text_.at(pos_++).unicode();
+        return QStringView(first, next_);
     }
 
-    // Writing: appends the text. False once anything could not be written.
-    bool appendText(std::string_view utf8);
+    // Writing: space for that many bytes behind all that was written; commit tells how much of
+    // it was filled.
+    char* reserve(std::size_t size);
+    void commit(const char* end) { used_ = static_cast<std::size_t>(end - buffer_.get()); }
 
-    // Writing: writes what is still buffered and closes. False if anything could not be written.
+    // Writing: appends the text.
+    void appendText(std::string_view utf8);
+
+    // Writing: whether some of the text could not be written.
+    bool hasFailed() const { return writeFailed_; }
+
+    // Writing: writes what is still collected and closes. False if anything could not be written.
     bool finish();
 
 private:
     bool opened_ = false;
     bool reading_;
-    QString text_;           // the whole content when reading
-    int pos_ = 0;            // index in text_ of the next character
-    std::string unwritten_;  // what writing has collected and not yet handed to the file
+    QString text_;                    // the whole content when reading
+    const QChar* next_ = nullptr;     // in text_, the next character
+    const QChar* end_ = nullptr;      // the end of text_
+    std::unique_ptr<char[]> buffer_;  // what writing has collected and not yet handed to the file
+    std::size_t capacity_ = 0;
+    std::size_t used_ = 0;
     bool writeFailed_ = false;
 
     void readAllText();
-    bool writeCollected();
+    void writeCollected();
 };
 
 // ---------------------------------------------------------------------------------------------
@@ -119,33 +137,54 @@ void WriteStringToScreen(std::string_view text, bool force);
 // The router. With force the line goes to standard output alone, whatever the options.
 void WriteToOutputFiles(const QString& text, TWhatStr kind, bool force);
 
-// The router's row for target code: one item, not forced.
-void WriteCodeItem(std::string_view item);
-
 // WriteToOutputFiles, not forced.
 void WriteLn(const QString& text, TWhatStr kind);
 
 // ---------------------------------------------------------------------------------------------
 // Items of target code
+//
+// An item is put together where it stands in the code file, from parts with nothing between them:
+// for each kind of part its largest size and how it is put.
 // ---------------------------------------------------------------------------------------------
 
-void AppendPart(std::string& item, QStringView part);
-inline void AppendPart(std::string& item, const QString& part) {
-    AppendPart(item, QStringView(part));
+// Space in the code file for an item of at most that size; EndItem sends it to the other outputs.
+char* BeginItem(std::size_t size);
+void EndItem(char* begin, char* end);
+
+inline std::size_t PartSize(char) {
+    return 1;
 }
-inline void AppendPart(std::string& item, QLatin1String part) {
-    item.append(part.data(), static_cast<std::size_t>(part.size()));
-}
-inline void AppendPart(std::string& item, char part) {
-    item.push_back(part);
+inline char* PutPart(char* to, char part) {
+    *to = part;
+    return to + 1;
 }
 
-// Writes one item of target code, the parts joined with nothing between them. The item is built
-// in place in one buffer that all items share.
+inline std::size_t PartSize(std::string_view part) {
+    return part.size();
+}
+inline char* PutPart(char* to, std::string_view part) {
+    std::memcpy(to, part.data(), part.size());
+    return to + part.size();
+}
+
+inline std::size_t PartSize(QLatin1String part) {
+    return static_cast<std::size_t>(part.size());
+}
+inline char* PutPart(char* to, QLatin1String part) {
+    return PutPart(to, std::string_view(part.data(), PartSize(part)));
+}
+
+std::size_t PartSize(QStringView part);
+char* PutPart(char* to, QStringView part);
+
+std::size_t PartSize(Label part);
+char* PutPart(char* to, Label part);
+
+// Writes one item of target code.
 template <typename... Parts>
 void WriteItem(const Parts&... parts) {
-    static std::string item;
-    item.clear();
-    (AppendPart(item, parts), ...);
-    WriteCodeItem(item);
+    char* const begin = BeginItem((PartSize(parts) + ...));
+    char* end = begin;
+    ((end = PutPart(end, parts)), ...);
+    EndItem(begin, end);
 }

@@ -98,11 +98,11 @@ namespace {
 // "MOVA @name #A0"
 void ReferenceParameter(const VarsList& vars, const VarItem& formal) {
     Match(TOKEN_IDENTIFIER);
-    VarItem& variable = IsVarInVarsList(vars, TokenName);
+    VarItem& variable = IsVarInVarsList(vars, *TokenSpelling);
     if (variable.type != formal.type) {
         Abort(TXT_TYPES_ACTUAL_FORMAL_MUST_BE_IDENTICAL, false);
     }
-    Emit(sMOVA, Operand{BY_VALUE, TokenName}, ACCUMULATOR);
+    Emit(sMOVA, Operand{BY_VALUE, TokenSpelling->utf8}, ACCUMULATOR);
     variable.isUsed = true;
     Scan();
 }
@@ -112,7 +112,7 @@ void ReferenceParameter(const VarsList& vars, const VarItem& formal) {
 // <expression>, [ "L1:" ]
 void ValueParameter(const VarsList& vars, const VarItem* formal, Typ literal) {
     const NestingGuard guard;
-    QString label;
+    Label label;
     const Typ typ = BoolExpression(vars, literal, label);
     if (formal != nullptr) {
         ConvertTyp(formal->type, typ, true);
@@ -159,7 +159,7 @@ std::size_t Parameters(const FunctionItem& callee, const VarsList& vars) {
 // names, yet nothing is declared under them.
 FunctionItem& Callee(const FunctionList& functions, Token code) {
     Match(code);
-    FunctionItem* callee = functions.find(TokenName);
+    FunctionItem* callee = functions.find(*TokenSpelling);
     if (callee == nullptr) {
         Unrecognized(TokenName);
     }

@@ -11,9 +11,10 @@
 #include <QStringView>
 #include <QVector>
 
+#include <cstddef>
 #include <list>
 #include <memory>
-#include <unordered_map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -50,6 +51,7 @@ enum TWhatStr : unsigned char {
 };
 
 class FileHandle;
+struct Spelling;
 
 extern std::unique_ptr<FileHandle> g_InputCodeFileHandle;   // the source, null when closed
 extern std::unique_ptr<FileHandle> g_OutputCodeFileHandle;  // the code file, null when closed
@@ -174,8 +176,19 @@ extern TokenPlace IdentPlace;                // the last identifier; reader: qyx
 
 // The current token. Assignment (qyx_loops) ends a label definition by setting TokenChar to
 // TOKEN_SEMICOLON. Every parser reads both.
+//
+// TokenName is a piece of the source text, or a kept text where the token's text differs from it
+// (KeepText); either lives as long as the source. TokenSpelling is set with every word.
 extern Token TokenChar;
-extern QString TokenName;
+extern QStringView TokenName;
+extern const Spelling* TokenSpelling;
+
+// A code label, "L" and a number; 0 is no label.
+struct Label {
+    int number = 0;
+
+    bool isEmpty() const { return number == 0; }
+};
 
 extern int LabelCount;  // number of the next code label; starts at 1 and is never reset
 
@@ -218,6 +231,78 @@ struct typ {
 // Constant tables (qyx_lists). TypsTable stands in the order of the type codes, from TYP_BOOL on.
 extern const token TokensTable[TOKENS_COUNT];
 extern const typ TypsTable[TYPS_COUNT];
+
+// ---------------------------------------------------------------------------------------------
+// Names
+//
+// A word of the source is looked up once, when it is scanned: its spelling leads to all that is
+// known about the name, and names are equal exactly if they are the same Name.
+// ---------------------------------------------------------------------------------------------
+
+constexpr int NO_ROW = -1;  // of a word that stands in no table
+
+// One name in all its spellings; spellings that differ in case alone are one name.
+struct Name {
+    std::size_t hash;  // of the case-folded characters
+    QString text;      // the spelling seen first
+    int row;           // in TokensTable, NO_ROW if the name is not reserved
+};
+
+// One way to spell a name.
+struct Spelling {
+    std::size_t hash;  // of the characters as they are
+    QString text;
+    std::string utf8;
+    const Name* name;
+};
+
+// The one spelling with that text; it lives as long as the process.
+const Spelling& SpellingOf(QStringView text);
+
+// The text, kept for as long as the process lives.
+QStringView KeepText(const QString& text);
+
+// A hash table of slots by open addressing. A slot tells its hash, and an empty one is false.
+template <typename Slot>
+class HashSlots {
+public:
+    // The slot with that hash of which isSought holds, else an empty one.
+    template <typename IsSought>
+    Slot find(std::size_t hash, IsSought isSought) const {
+        std::size_t index = hash & (slots_.size() - 1);
+        while (slots_[index] && !(slots_[index].hash() == hash && isSought(slots_[index]))) {
+            index = (index + 1) & (slots_.size() - 1);
+        }
+        return slots_[index];
+    }
+    void insert(Slot slot) {
+        if (++used_ > slots_.size() / 2) {
+            grow();
+        }
+        place(slots_, slot);
+    }
+
+private:
+    std::vector<Slot> slots_ = std::vector<Slot>(2);  // a power of two, at most half of it used
+    std::size_t used_ = 0;
+
+    static void place(std::vector<Slot>& slots, Slot slot) {
+        std::size_t index = slot.hash() & (slots.size() - 1);
+        while (slots[index]) {
+            index = (index + 1) & (slots.size() - 1);
+        }
+        slots[index] = slot;
+    }
+    void grow() {
+        std::vector<Slot> larger(slots_.size() * 4);
+        for (const Slot& slot : slots_) {
+            if (slot) {
+                place(larger, slot);
+            }
+        }
+        slots_ = std::move(larger);
+    }
+};
 
 // ---------------------------------------------------------------------------------------------
 // Symbols
@@ -266,17 +351,8 @@ struct LabelItem {
     bool isReferenced = false;
 };
 
-// Hash and equality of names without regard to case.
-struct NameHash {
-    std::size_t operator()(QStringView name) const;
-};
-struct NamesEqual {
-    bool operator()(QStringView a, QStringView b) const;
-};
-
 // Records in the order in which they were appended, found by their names without regard to case.
-// A record stays where it is while others are appended; its name must not change. Names may
-// repeat: the first record of a name is the one that is found.
+// A record stays where it is while others are appended; its name must not change.
 template <typename Record>
 class NameList {
 public:
@@ -289,26 +365,33 @@ public:
 
     Record& append(Record record) {
         Record& stored = records_.emplace_back(std::move(record));
-        index_.emplace(QStringView(stored.name), &stored);
+        index_.insert({SpellingOf(stored.name).name, &stored});
         return stored;
     }
     // The record of that name, or null. A list that may not grow still lets its records be
     // marked.
-    Record* find(QStringView name) const {
-        const auto found = index_.find(name);
-        return found == index_.end() ? nullptr : found->second;
+    Record* find(const Spelling& spelling) const {
+        const Name* name = spelling.name;
+        return index_.find(name->hash, [name](const Slot& slot) { return slot.name == name; })
+            .record;
     }
-    void clear() {
-        index_.clear();
-        records_.clear();
-    }
+    Record* find(QStringView text) const { return find(SpellingOf(text)); }
+    void clear() { *this = NameList(); }
     bool isEmpty() const { return records_.empty(); }
     auto begin() const { return records_.begin(); }
     auto end() const { return records_.end(); }
 
 private:
+    struct Slot {
+        const Name* name = nullptr;
+        Record* record = nullptr;
+
+        explicit operator bool() const { return name != nullptr; }
+        std::size_t hash() const { return name->hash; }
+    };
+
     std::list<Record> records_;
-    std::unordered_map<QStringView, Record*, NameHash, NamesEqual> index_;
+    HashSlots<Slot> index_;
 };
 
 using VarsList = NameList<VarItem>;

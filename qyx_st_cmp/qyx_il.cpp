@@ -1,7 +1,37 @@
 #include "qyx_il.h"
 
-Operand OperandOf(const VarItem& variable, const QString& name) {
-    return {variable.isReference ? BY_REFERENCE : BY_VALUE, name};
+#include "qyx_types.h"
+
+namespace {
+
+constexpr std::size_t ELEMENT_PUNCTUATION_SIZE = 3;  // "[", "." and "]"
+
+}  // namespace
+
+std::size_t PartSize(const Operand& operand) {
+    return 1 + operand.name.size() + PartSize(operand.index) + PartSize(operand.elementType) +
+           ELEMENT_PUNCTUATION_SIZE;
+}
+
+char* PutPart(char* to, const Operand& operand) {
+    to = PutPart(PutPart(to, operand.mark), operand.name);
+    if (operand.index.isEmpty()) {
+        return to;
+    }
+    to = PutPart(PutPart(to, '['), operand.index);
+    to = PutPart(PutPart(to, '.'), operand.elementType);
+    return PutPart(to, ']');
+}
+
+Operand OperandOf(const VarItem& variable, const Spelling& name) {
+    if (name.name->row != NO_ROW) {
+        return RESULT_OPERAND;
+    }
+    return {variable.isReference ? BY_REFERENCE : BY_VALUE, name.utf8};
+}
+
+Operand ElementOperand(const VarItem& array, const Spelling& name, QLatin1String index) {
+    return {BY_VALUE, name.utf8, index, TypToShortStr(array.elementType)};
 }
 
 void EmitPush() {

@@ -69,18 +69,29 @@ inline constexpr QLatin1String TICK = "*TICK"_L1;
 inline constexpr char BY_VALUE = '@';      // before the name of a variable
 inline constexpr char BY_REFERENCE = '^';  // before the name of a variable held by reference
 
-// A variable as an operand, "@name" or "^name", spelled as the source spells it at that use.
+// A variable as an operand, "@name" or "^name", or an element of an array, "@name[#POP.SI]"; the
+// name as the source spells it at that use.
 struct Operand {
     char mark;
-    QString name;
+    std::string_view name;           // UTF-8
+    QLatin1String index = {};        // where the index of an element is, empty for a variable
+    QLatin1String elementType = {};  // the short code of its type
 };
 
-Operand OperandOf(const VarItem& variable, const QString& name);
+std::size_t PartSize(const Operand& operand);
+char* PutPart(char* to, const Operand& operand);
 
-inline void AppendPart(std::string& item, const Operand& operand) {
-    item.push_back(operand.mark);
-    AppendPart(item, operand.name);
-}
+// The result variable of a function, "@RESULT"
+inline constexpr Operand RESULT_OPERAND = {BY_VALUE, "RESULT"};
+
+// The operand of a variable with the spelling of this use. The result variable, the only one with
+// a reserved name, is always spelled RESULT.
+Operand OperandOf(const VarItem& variable, const Spelling& name);
+
+// The operand of an element of an array, whose index is in that place.
+inline constexpr QLatin1String INDEX_ON_STACK = "#POP"_L1;
+inline constexpr QLatin1String INDEX_IN_REGISTER_1 = "#R1"_L1;
+Operand ElementOperand(const VarItem& array, const Spelling& name, QLatin1String index);
 
 // "<keyword> <first> <second>"
 template <typename First, typename Second>

@@ -4,7 +4,10 @@
 #include "qyx_messages.h"
 #include "qyx_scanner.h"
 
+#include <algorithm>
 #include <array>
+#include <cstring>
+#include <deque>
 
 FunctionList FunctionsList;
 
@@ -12,7 +15,7 @@ FunctionList FunctionsList;
 //
 // QUIRK: SHL has a higher code than SHR, and VAR_ARG and VAR_REF carry late codes among the
 // sections. The codes are fixed.
-const token TokensTable[TOKENS_COUNT] = {
+constexpr token TokensTable[TOKENS_COUNT] = {
     {TOKEN_PROGRAM, "PROGRAM"_L1},
     {TOKEN_END_PROGRAM, "END_PROGRAM"_L1},
     {TOKEN_SEMICOLON, ";"_L1},
@@ -110,70 +113,147 @@ const QVector<qint64>& ScalarBounds() {
     return bounds;
 }
 
-// FNV-1a over the case-folded characters.
-std::size_t NameHash::operator()(QStringView name) const {
-    std::uint64_t hash = 14695981039346656037ULL;
-    for (const QChar c : name) {
-        hash = (hash ^ c.toCaseFolded().unicode()) * 1099511628211ULL;
-    }
-    return static_cast<std::size_t>(hash);
-}
-
-bool NamesEqual::operator()(QStringView a, QStringView b) const {
-    return a.size() == b.size() && StrCmp(a, b, true) == 0;
-}
-
-// ---------------------------------------------------------------------------------------------
-// Tables
-// ---------------------------------------------------------------------------------------------
-
 namespace {
 
-constexpr int NO_ROW = -1;
-constexpr int TOKEN_CODES_COUNT = TOKEN_VAR_REF + 1;
+struct SpellingSlot {
+    const Spelling* spelling = nullptr;
 
-// The rows of TokensTable by text and by code, told once.
-struct TokensIndex {
-    std::array<QString, TOKENS_COUNT> texts;
-    std::unordered_map<QStringView, int, NameHash, NamesEqual> byText;
-    std::array<int, TOKEN_CODES_COUNT> byCode = {};
+    explicit operator bool() const { return spelling != nullptr; }
+    std::size_t hash() const { return spelling->hash; }
+};
 
-    TokensIndex() {
-        byCode.fill(NO_ROW);
+struct NameSlot {
+    const Name* name = nullptr;
+
+    explicit operator bool() const { return name != nullptr; }
+    std::size_t hash() const { return name->hash; }
+};
+
+constexpr std::size_t HASH_SEED = 0xCBF29CE484222325;
+constexpr std::size_t HASH_FACTOR = 0x9E3779B97F4A7C15;
+constexpr unsigned HASH_SHIFT = 32;
+
+std::size_t Mix(std::size_t hash, std::size_t value) {
+    hash = (hash ^ value) * HASH_FACTOR;
+    return hash ^ (hash >> HASH_SHIFT);
+}
+
+// Four characters at a time, then the rest one by one.
+std::size_t HashOf(QStringView text) {
+    constexpr qsizetype step = sizeof(std::size_t) / sizeof(QChar);
+    std::size_t hash = HASH_SEED;
+    qsizetype i = 0;
+    for (; i + step <= text.size(); i += step) {
+        std::size_t four = 0;
+        std::memcpy(&four, text.data() + i, sizeof four);
+        hash = Mix(hash, four);
+    }
+    for (; i < text.size(); ++i) {
+        hash = Mix(hash, text[i].unicode());
+    }
+    return hash;
+}
+
+std::size_t FoldedHashOf(QStringView text) {
+    std::size_t hash = HASH_SEED;
+    for (const QChar c : text) {
+        hash = Mix(hash, c.toCaseFolded().unicode());
+    }
+    return hash;
+}
+
+bool IsSameText(QStringView a, QStringView b) {
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin());
+}
+
+// All names and their spellings, the reserved words from the start.
+class NameTable {
+public:
+    NameTable() {
         for (int row = 0; row < TOKENS_COUNT; ++row) {
-            const auto index = static_cast<std::size_t>(row);
-            texts[index] = TokensTable[row].text;
-            byText.emplace(texts[index], row);
-            byCode[TokensTable[row].code] = row;
+            addName(QString(TokensTable[row].text), row);
         }
+    }
+
+    const Spelling& spellingOf(QStringView text) {
+        const std::size_t hash = HashOf(text);
+        const SpellingSlot found = spellingSlots_.find(hash, [text](const SpellingSlot& slot) {
+            return IsSameText(slot.spelling->text, text);
+        });
+        return found ? *found.spelling : addSpelling(text, hash);
+    }
+
+private:
+    std::deque<Name> names_;
+    std::deque<Spelling> spellings_;
+    HashSlots<NameSlot> nameSlots_;
+    HashSlots<SpellingSlot> spellingSlots_;
+
+    const Name& addName(const QString& text, int row) {
+        names_.push_back({FoldedHashOf(text), text, row});
+        nameSlots_.insert({&names_.back()});
+        return names_.back();
+    }
+
+    const Name& nameOf(QStringView text) {
+        const NameSlot found = nameSlots_.find(FoldedHashOf(text), [text](const NameSlot& slot) {
+            return StrCmp(slot.name->text, text, true) == 0;
+        });
+        return found ? *found.name : addName(text.toString(), NO_ROW);
+    }
+
+    const Spelling& addSpelling(QStringView text, std::size_t hash) {
+        const Name& name = nameOf(text);
+        spellings_.push_back({hash, text.toString(), text.toUtf8().toStdString(), &name});
+        spellingSlots_.insert({&spellings_.back()});
+        return spellings_.back();
     }
 };
 
-const TokensIndex& Index() {
-    static const TokensIndex index;
-    return index;
+constexpr int TOKEN_CODES_COUNT = TOKEN_VAR_REF + 1;
+using RowsByCode = std::array<int, TOKEN_CODES_COUNT>;
+
+constexpr RowsByCode MakeRowsByCode() {
+    RowsByCode rows = {};
+    for (int& row : rows) {
+        row = NO_ROW;
+    }
+    for (int row = 0; row < TOKENS_COUNT; ++row) {
+        rows[TokensTable[row].code] = row;
+    }
+    return rows;
 }
 
-[[noreturn]] void AbortDuplicate(QLatin1String beforeName, const QString& name) {
+constexpr RowsByCode ROWS_BY_CODE = MakeRowsByCode();
+
+[[noreturn]] void AbortDuplicate(QLatin1String beforeName, QStringView name) {
     Abort(StringsToString(TXT_DUPLICATE_VARIABLE_NAME, beforeName, Quoted(name)), false);
 }
 
 }  // namespace
 
+const Spelling& SpellingOf(QStringView text) {
+    static NameTable table;
+    return table.spellingOf(text);
+}
+
+QStringView KeepText(const QString& text) {
+    return SpellingOf(text).text;
+}
+
 int Lookup(QStringView text) {
-    const auto found = Index().byText.find(text);
-    return found == Index().byText.end() ? NO_ROW : found->second;
+    return SpellingOf(text).name->row;
 }
 
 int Lookup(Token code) {
-    return Index().byCode[code];
+    return ROWS_BY_CODE[code];
 }
 
-bool IsItReservedWord(const QString& name) {
+bool IsItReservedWord(QStringView name) {
     return Lookup(name) != NO_ROW || GetTypFromTypsTable(name) != TYP_NONE;
 }
 
-Typ GetTypFromTypsTable(const QString& name) {
+Typ GetTypFromTypsTable(QStringView name) {
     for (const typ& row : TypsTable) {
         if (name.compare(row.name, Qt::CaseInsensitive) == 0) {
             return row.code;
@@ -182,7 +262,7 @@ Typ GetTypFromTypsTable(const QString& name) {
     return TYP_NONE;
 }
 
-Typ IsTypInTypsTable(const QString& name) {
+Typ IsTypInTypsTable(QStringView name) {
     const Typ type = GetTypFromTypsTable(name);
     if (type == TYP_NONE) {
         TypeInputCodeCurrentLine();
@@ -191,7 +271,7 @@ Typ IsTypInTypsTable(const QString& name) {
     return type;
 }
 
-bool IsItInFunctionsList(const FunctionList& list, const QString& name) {
+bool IsItInFunctionsList(const FunctionList& list, QStringView name) {
     return list.find(name) != nullptr;
 }
 
@@ -206,15 +286,15 @@ VarItem& AddVarToVarsList(VarsList& list, VarItem item) {
     return list.append(std::move(item));
 }
 
-VarItem& IsVarInVarsList(const VarsList& list, const QString& name) {
+VarItem& IsVarInVarsList(const VarsList& list, const Spelling& name) {
     VarItem* item = list.find(name);
     if (item == nullptr) {
-        Unrecognized(name);
+        Unrecognized(name.text);
     }
     return *item;
 }
 
-VarItem& IsArrayVarInVarsList(const VarsList& list, const QString& name) {
+VarItem& IsArrayVarInVarsList(const VarsList& list, const Spelling& name) {
     VarItem& item = IsVarInVarsList(list, name);
     if (!item.isArray) {
         Abort(TXT_ARRAY_TYPE_REQUIRED, false);
@@ -224,18 +304,18 @@ VarItem& IsArrayVarInVarsList(const VarsList& list, const QString& name) {
 
 // QUIRK: this message has two blanks before the name where CheckDuplicate has one: the text ends
 // in a blank and one more is put behind it. Messages are fixed.
-void IsVarAlreadyInVarsList(const VarsList& list, const QString& name) {
+void IsVarAlreadyInVarsList(const VarsList& list, QStringView name) {
     if (list.find(name) != nullptr) {
         AbortDuplicate(" "_L1, name);
     }
 }
 
-void CheckDuplicate(const QString& name, const VarsList& list1, const VarsList& list2) {
+void CheckDuplicate(QStringView name, const VarsList& list1, const VarsList& list2) {
     CheckDuplicate(name, list2);
     CheckDuplicate(name, list1);
 }
 
-void CheckDuplicate(const QString& name, const VarsList& list) {
+void CheckDuplicate(QStringView name, const VarsList& list) {
     if (list.find(name) != nullptr) {
         AbortDuplicate(QLatin1String(), name);
     }
@@ -253,18 +333,18 @@ void CheckOnTop(const VarsList& locals) {
 
 namespace {
 
-LabelItem& FindOrAddLabel(LabelsList& labels, const QString& name) {
+LabelItem& FindOrAddLabel(LabelsList& labels, QStringView name) {
     LabelItem* found = labels.find(name);
-    return found != nullptr ? *found : labels.append({name, false, false});
+    return found != nullptr ? *found : labels.append({name.toString(), false, false});
 }
 
-[[noreturn]] void AbortAtLabel(QLatin1String text, const QString& name) {
+[[noreturn]] void AbortAtLabel(QLatin1String text, QStringView name) {
     Abort(StringsToString(text, ": ", Quoted(name)), false);
 }
 
 }  // namespace
 
-void IsLabelItemInLabelLists(LabelsList& labels, const QString& name) {
+void IsLabelItemInLabelLists(LabelsList& labels, QStringView name) {
     LabelItem& label = FindOrAddLabel(labels, name);
     if (label.isDefined) {
         AbortAtLabel(TXT_LABEL_ALREADY_DEFINED, name);
@@ -272,7 +352,7 @@ void IsLabelItemInLabelLists(LabelsList& labels, const QString& name) {
     label.isDefined = true;
 }
 
-void AddPeferenceToLabelItemInLabelLists(LabelsList& labels, const QString& name) {
+void AddPeferenceToLabelItemInLabelLists(LabelsList& labels, QStringView name) {
     FindOrAddLabel(labels, name).isReferenced = true;
 }
 

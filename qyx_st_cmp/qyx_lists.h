@@ -12,18 +12,18 @@
 // ---------------------------------------------------------------------------------------------
 
 // Whether the name is the text of any token, punctuation included, or the name of a type.
-bool IsItReservedWord(const QString& name);
+bool IsItReservedWord(QStringView name);
 
 // The type of that name. IsTypInTypsTable aborts on an unknown name with An unrecognized keyword
 // "name", its source line echoed before; GetTypFromTypsTable returns TYP_NONE.
-Typ IsTypInTypsTable(const QString& name);
-Typ GetTypFromTypsTable(const QString& name);
+Typ IsTypInTypsTable(QStringView name);
+Typ GetTypFromTypsTable(QStringView name);
 
 // ---------------------------------------------------------------------------------------------
 // Functions
 // ---------------------------------------------------------------------------------------------
 
-bool IsItInFunctionsList(const FunctionList& list, const QString& name);
+bool IsItInFunctionsList(const FunctionList& list, QStringView name);
 
 // ---------------------------------------------------------------------------------------------
 // Variables
@@ -34,16 +34,16 @@ bool IsItInFunctionsList(const FunctionList& list, const QString& name);
 VarItem& AddVarToVarsList(VarsList& list, VarItem item);
 
 // The variable of that name. Aborts with An unrecognized keyword "name" if there is none.
-VarItem& IsVarInVarsList(const VarsList& list, const QString& name);
+VarItem& IsVarInVarsList(const VarsList& list, const Spelling& name);
 
 // The array of that name. Aborts as above, and with Array type required on any other variable.
-VarItem& IsArrayVarInVarsList(const VarsList& list, const QString& name);
+VarItem& IsArrayVarInVarsList(const VarsList& list, const Spelling& name);
 
 // Abort with the duplicate message if a list holds the name. IsVarAlreadyInVarsList puts two
 // blanks before the quoted name, CheckDuplicate one.
-void IsVarAlreadyInVarsList(const VarsList& list, const QString& name);
-void CheckDuplicate(const QString& name, const VarsList& list1, const VarsList& list2);
-void CheckDuplicate(const QString& name, const VarsList& list);
+void IsVarAlreadyInVarsList(const VarsList& list, QStringView name);
+void CheckDuplicate(QStringView name, const VarsList& list1, const VarsList& list2);
+void CheckDuplicate(QStringView name, const VarsList& list);
 
 // Aborts if locals are declared already: arguments must come first.
 void CheckOnTop(const VarsList& locals);
@@ -53,10 +53,10 @@ void CheckOnTop(const VarsList& locals);
 // ---------------------------------------------------------------------------------------------
 
 // Notes that the label is defined here. Aborts if it was defined before.
-void IsLabelItemInLabelLists(LabelsList& labels, const QString& name);
+void IsLabelItemInLabelLists(LabelsList& labels, QStringView name);
 
 // Notes that a GOTO names the label.
-void AddPeferenceToLabelItemInLabelLists(LabelsList& labels, const QString& name);
+void AddPeferenceToLabelItemInLabelLists(LabelsList& labels, QStringView name);
 
 // Aborts if a label is referenced and not defined; called when all statements are compiled.
 void CheckLabelsInLabelsLists(const LabelsList& labels);

@@ -39,7 +39,7 @@ void MatchEnd(Token keyword) {
 }
 
 // The condition of a statement, a BoolExpression that must be BOOL; see there for `label`.
-void Condition(const Body& body, Typ literal, QString& label) {
+void Condition(const Body& body, Typ literal, Label& label) {
     const Typ typ = BoolExpression(body.variables, literal, label);
     if (!IsTypBoolean(typ)) {
         Abort(TXT_TYPE_OF_EXPRESSION_MUST_BE_BOOLEAN, false);
@@ -47,7 +47,7 @@ void Condition(const Body& body, Typ literal, QString& label) {
 }
 
 // "JMPF <target>", [ "L1:" ]: a true operand of OR jumps behind the JMPF.
-void EmitJumpIfFalse(const QString& target, const QString& pendingLabel) {
+void EmitJumpIfFalse(Label target, Label pendingLabel) {
     Emit(sJMPF, target);
     PostPendingLabel(pendingLabel);
 }
@@ -58,8 +58,8 @@ void EmitJumpIfFalse(const QString& target, const QString& pendingLabel) {
 
 // name ":"
 // "<NAME>:"; the statement counts as ended, no ";" follows.
-void LabelDefinition(const Body& body, const QString& name) {
-    const QString label = name.toUpper();
+void LabelDefinition(const Body& body, const Spelling& name) {
+    const QString label = name.text.toUpper();
     CheckDuplicate(label, body.variables);
     IsLabelItemInLabelLists(body.labels, label);
     PostLabel(label);
@@ -70,12 +70,12 @@ void LabelDefinition(const Body& body, const QString& name) {
 struct Target {
     VarItem& variable;
     Typ type;
-    QString operand;  // with its mark
+    Operand operand;
 };
 
 // name "[" indices "]"
 // <indices>, [ <linear index>, "MOV #R0 $PUSH" ]: the index waits on the value stack.
-Target ElementTarget(const VarsList& vars, const QString& name) {
+Target ElementTarget(const VarsList& vars, const Spelling& name) {
     VarItem& array = IsArrayVarInVarsList(vars, name);
     ArrayIndices(vars, array, true);
     Match(TOKEN_RIGHT_BRACKET);
@@ -84,13 +84,12 @@ Target ElementTarget(const VarsList& vars, const QString& name) {
         EmitPushFromR0();
     }
     Scan();
-    return {array, array.elementType, ElementOperand(array, name, ELEMENT_POP)};
+    return {array, array.elementType, ElementOperand(array, name, INDEX_ON_STACK)};
 }
 
-Target VariableTarget(const VarsList& vars, const QString& name, bool isResult) {
+Target VariableTarget(const VarsList& vars, const Spelling& name) {
     VarItem& variable = IsVarInVarsList(vars, name);
-    const Operand operand = OperandOf(variable, isResult ? QString(sRESULT) : name);
-    return {variable, variable.type, StringsToString(QLatin1Char(operand.mark), operand.name)};
+    return {variable, variable.type, OperandOf(variable, name)};
 }
 
 // A variable that a statement has stored into.
@@ -109,7 +108,7 @@ void MarkAssigned(VarItem& variable) {
 // BoolExpression ";", the first token of the expression being current
 // <expression>, [ "L1:" ]; aborts unless the value converts to the type.
 void AssignedValue(const VarsList& vars, Typ literal, Typ target) {
-    QString label;
+    Label label;
     ConvertTyp(target, BoolExpression(vars, literal, label), false);
     Match(TOKEN_SEMICOLON);
     PostPendingLabel(label);
@@ -134,18 +133,17 @@ void AssignTo(const VarsList& vars, const Target& target) {
 // Assignment = ( name | RESULT | name "[" indices "]" ) ":=" BoolExpression ";" | name ":"
 // The store of the value, or the label.
 void Assignment(const Body& body) {
-    const bool isResult = TokenChar == TOKEN_RESULT;
-    if (!isResult) {
+    if (TokenChar != TOKEN_RESULT) {
         Match(TOKEN_IDENTIFIER);
     }
-    const QString name = TokenName;
+    const Spelling& name = *TokenSpelling;
     Scan();
     if (TokenChar == TOKEN_COLON) {
         LabelDefinition(body, name);
     } else if (TokenChar == TOKEN_LEFT_BRACKET) {
         AssignTo(body.variables, ElementTarget(body.variables, name));
     } else {
-        AssignTo(body.variables, VariableTarget(body.variables, name, isResult));
+        AssignTo(body.variables, VariableTarget(body.variables, name));
     }
 }
 
@@ -166,13 +164,13 @@ void DoTick(const VarsList& vars) {
 
 // A branch with a condition: condition THEN statements
 // <condition>, "JMPF N", [ "L1:" ], <statements>; returns N, which the caller posts.
-QString ConditionalBranch(const Body& body, const LoopLabels& loop) {
+Label ConditionalBranch(const Body& body, const LoopLabels& loop) {
     const Typ literal = Scan();
-    QString pending;
+    Label pending;
     Condition(body, literal, pending);
     Match(TOKEN_THEN);
     Scan();
-    QString next;
+    Label next;
     GetNewLabel(next);
     EmitJumpIfFalse(next, pending);
     Statements(body, loop, {TOKEN_ELSIF, TOKEN_ELSE, TOKEN_END_IF});
@@ -186,9 +184,9 @@ QString ConditionalBranch(const Body& body, const LoopLabels& loop) {
 // later labels follow from that.
 void DoIf(const Body& body, const LoopLabels& loop) {
     Match(TOKEN_IF);
-    QString end;
+    Label end;
     GetNewLabel(end);
-    QString next = ConditionalBranch(body, loop);
+    Label next = ConditionalBranch(body, loop);
     const bool isSingle = TokenChar == TOKEN_END_IF;
     if (!isSingle) {
         Emit(sJMP, end);
@@ -222,12 +220,12 @@ void DoIf(const Body& body, const LoopLabels& loop) {
 void DoWhile(const Body& body) {
     Match(TOKEN_WHILE);
     const Typ literal = Scan();
-    QString head;
-    QString exit;
+    Label head;
+    Label exit;
     GetNewLabel(head);
     GetNewLabel(exit);
     PostLabel(head);
-    QString pending;
+    Label pending;
     Condition(body, literal, pending);
     Match(TOKEN_DO);
     Scan();
@@ -243,14 +241,14 @@ void DoWhile(const Body& body) {
 void DoRepeat(const Body& body) {
     Match(TOKEN_REPEAT);
     Scan();
-    QString head;
-    QString exit;
+    Label head;
+    Label exit;
     GetNewLabel(head);
     GetNewLabel(exit);
     PostLabel(head);
     Statements(body, {exit, head}, {TOKEN_UNTIL});
     const Typ literal = Scan();
-    QString conditionExit = exit;
+    Label conditionExit = exit;
     Condition(body, literal, conditionExit);
     MatchEnd(TOKEN_END_REPEAT);
     Emit(sJMPF, head);
@@ -279,7 +277,7 @@ void ControlValue(const VarsList& vars, Typ literal, Typ control) {
 
 // name ":=" Expression
 // <expression>, "MOV #A0 @name"; returns the control variable.
-VarItem& ForStart(const VarsList& vars, const QString& name) {
+VarItem& ForStart(const VarsList& vars, const Spelling& name) {
     VarItem& variable = IsVarInVarsList(vars, name);
     CheckControlType(variable.type);
     Scan();
@@ -303,7 +301,7 @@ const Direction& ForBound(const VarsList& vars, Typ control) {
 }
 
 // The test of FOR: the variable against the bound, which goes back on the stack.
-void EmitForTest(const Operand& control, const Direction& direction, const QString& exit) {
+void EmitForTest(const Operand& control, const Direction& direction, Label exit) {
     EmitLoad(control);
     EmitPopToR0();
     EmitR0Operation(direction.compareBound);
@@ -326,16 +324,17 @@ void EmitForStep(const Operand& control, const Direction& direction) {
 // start is stored through the reference. Target code is fixed.
 void DoFor(const Body& body) {
     Match(TOKEN_FOR);
-    QString head;
-    QString exit;
-    QString step;
+    Label head;
+    Label exit;
+    Label step;
     GetNewLabel(head);
     GetNewLabel(exit);
     GetNewLabel(step);
     Scan();
     Match(TOKEN_IDENTIFIER);
-    const Operand control = {BY_VALUE, TokenName};
-    const VarItem& variable = ForStart(body.variables, control.name);
+    const Spelling& name = *TokenSpelling;
+    const Operand control = {BY_VALUE, name.utf8};
+    const VarItem& variable = ForStart(body.variables, name);
     const Direction& direction = ForBound(body.variables, variable.type);
     ++body.stackDepth;
     Match(TOKEN_DO);
@@ -397,7 +396,7 @@ void ScanInCase() {
 
 // A bound of a case label as the source writes it.
 struct CaseBound {
-    QString text;  // without its sign
+    QStringView text;  // without its sign
     bool isNegative;
     qint64 value;
 };
@@ -421,7 +420,7 @@ CaseBound ReadCaseBound() {
 // A test of the selector, which stays on the value stack: jumps unless the comparison holds.
 // "MOV <bound> #A0", [ "SUB 0 #A0" ], "MOV $POP #R0", "<comparison> #R0 #A0", "TST #A0",
 // "MOV #R0 $PUSH", "JMPF <target>"
-void EmitCaseTest(const CaseBound& bound, QLatin1String comparison, const QString& target) {
+void EmitCaseTest(const CaseBound& bound, QLatin1String comparison, Label target) {
     EmitLoad(bound.text);
     if (bound.isNegative) {
         EmitNegate();
@@ -435,13 +434,13 @@ void EmitCaseTest(const CaseBound& bound, QLatin1String comparison, const QStrin
 
 // The rest of lo ".." hi, ".." being current
 // <lo test to H>, "JMP X", "H:", <hi test to B>, "X:"
-void CaseRange(std::vector<CaseItem>& items, const CaseBound& low, const QString& branch) {
+void CaseRange(std::vector<CaseItem>& items, const CaseBound& low, Label branch) {
     ScanInCase();
     const CaseBound high = ReadCaseBound();
     Match(TOKEN_COMMA, TOKEN_COLON);
     CheckCase(items, TWhatCase::Range, low.value, high.value);
-    QString highTest;
-    QString next;
+    Label highTest;
+    Label next;
     GetNewLabelAndNextLabel(highTest, next);
     GetNewLabel(next);
     EmitCaseTest(low, sLT, highTest);
@@ -453,7 +452,7 @@ void CaseRange(std::vector<CaseItem>& items, const CaseBound& low, const QString
 
 // bound [ ".." bound ], and the separator behind it
 // <tests>, which jump to the branch when the selector matches
-void CaseLabel(std::vector<CaseItem>& items, const QString& branch) {
+void CaseLabel(std::vector<CaseItem>& items, Label branch) {
     const CaseBound bound = ReadCaseBound();
     if (TokenChar == TOKEN_DOT_DOT) {
         CaseRange(items, bound, branch);
@@ -482,8 +481,8 @@ void CaseBranch(const Body& body) {
 
 // label { "," label } ":" statements
 // <tests>, "JMP N", "B:", <statements>, "JMP E", "N:"
-void CaseElement(const Body& body, std::vector<CaseItem>& items, const QString& branch,
-                 const QString& next, const QString& end) {
+void CaseElement(const Body& body, std::vector<CaseItem>& items, Label branch, Label next,
+                 Label end) {
     CaseLabel(items, branch);
     while (TokenChar == TOKEN_COMMA) {
         ScanInCase();
@@ -500,7 +499,7 @@ void CaseElement(const Body& body, std::vector<CaseItem>& items, const QString& 
 // <expression>, [ "L1:" ], "MOV #A0 $PUSH"
 void CaseSelector(const Body& body) {
     const Typ literal = Scan();
-    QString label;
+    Label label;
     const Typ typ = ConvertTyp(literal, BoolExpression(body.variables, literal, label), false);
     if (!IsTypOrdinal(typ)) {
         Abort(TXT_ORDINAL_TYPE_REQUIRED, false);
@@ -519,9 +518,9 @@ void CaseSelector(const Body& body) {
 void DoCase(const Body& body) {
     Match(TOKEN_CASE);
     CaseSelector(body);
-    QString end;
-    QString branch;
-    QString next;
+    Label end;
+    Label branch;
+    Label next;
     GetNewLabel(end);
     GetNewLabel(branch);
     GetNewLabel(next);
@@ -547,7 +546,7 @@ void DoCase(const Body& body) {
 
 // keyword ";"
 // "JMP <target>"; aborts with that text outside a loop.
-void JumpInLoop(Token keyword, const QString& target, QLatin1String outsideOfLoop) {
+void JumpInLoop(Token keyword, Label target, QLatin1String outsideOfLoop) {
     MatchEnd(keyword);
     if (target.isEmpty()) {
         Abort(outsideOfLoop, false);
@@ -555,11 +554,11 @@ void JumpInLoop(Token keyword, const QString& target, QLatin1String outsideOfLoo
     Emit(sJMP, target);
 }
 
-void DoBreak(const QString& breakLabel) {
+void DoBreak(Label breakLabel) {
     JumpInLoop(TOKEN_BREAK, breakLabel, TXT_BREAK_OUTSIDE_OF_LOOP);
 }
 
-void DoContinue(const QString& continueLabel) {
+void DoContinue(Label continueLabel) {
     JumpInLoop(TOKEN_CONTINUE, continueLabel, TXT_CONTINUE_OUTSIDE_OF_LOOP);
 }
 
@@ -571,7 +570,7 @@ void DoExit(const Body& body) {
         EmitDrop();
     }
     if (body.inFunction) {
-        EmitLoad(Operand{BY_VALUE, sRESULT});
+        EmitLoad(RESULT_OPERAND);
     }
     EmitReturn();
 }
@@ -582,7 +581,7 @@ void DoGoTo(LabelsList& labels) {
     Match(TOKEN_GOTO);
     Scan();
     Match(TOKEN_IDENTIFIER);
-    const QString name = TokenName.toUpper();
+    const QString name = TokenSpelling->text.toUpper();
     Scan();
     Match(TOKEN_SEMICOLON);
     AddPeferenceToLabelItemInLabelLists(labels, name);

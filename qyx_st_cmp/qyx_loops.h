@@ -19,8 +19,8 @@ struct Body {
 
 // Where BREAK and CONTINUE jump; empty outside a loop.
 struct LoopLabels {
-    QString breakLabel;
-    QString continueLabel;
+    Label breakLabel;
+    Label continueLabel;
 };
 
 // Compiles statements up to a ";", which is current on return.

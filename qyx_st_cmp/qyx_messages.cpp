@@ -54,11 +54,11 @@ void Expected(const QString& what) {
     Abort(StringsToString(what, " ", TXT_EXPECTED), false);
 }
 
-void Undefined(const QString& name) {
+void Undefined(QStringView name) {
     Abort(StringsToString(TXT_UNDEFINED_IDENTIFIER, " ", Quoted(name)), false);
 }
 
-void Unrecognized(const QString& name) {
+void Unrecognized(QStringView name) {
     Abort(StringsToString(TXT_UNRECOGNIZED_KEYWORD, " ", Quoted(name)), false);
 }
 

@@ -31,10 +31,10 @@ void Error(const QString& text, bool force);
 [[noreturn]] void Expected(const QString& what);
 
 // Aborts with Undefined Identifier "name".
-[[noreturn]] void Undefined(const QString& name);
+[[noreturn]] void Undefined(QStringView name);
 
 // Aborts with An unrecognized keyword "name".
-[[noreturn]] void Unrecognized(const QString& name);
+[[noreturn]] void Unrecognized(QStringView name);
 
 // Abort unless the current token is an identifier: a program's, a function's or a function
 // block's name must stand here.

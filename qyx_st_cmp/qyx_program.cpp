@@ -47,18 +47,18 @@ bool IsEndDeclVars(Token code) {
 }
 
 // Aborts with <using> "name" here is illegal.
-[[noreturn]] void AbortIllegalName(QLatin1String usingWhat, const QString& name) {
+[[noreturn]] void AbortIllegalName(QLatin1String usingWhat, QStringView name) {
     Abort(StringsToString(usingWhat, " ", Quoted(name), " ", TXT_HERE_IS_ILLEGAL), false);
 }
 
-void CheckNotReserved(const QString& name) {
+void CheckNotReserved(QStringView name) {
     if (IsItReservedWord(name)) {
         AbortIllegalName(TXT_USING_RESERVED_WORD, name);
     }
 }
 
 // A name that may be declared: no reserved word and no function.
-void CheckNewName(const QString& name) {
+void CheckNewName(QStringView name) {
     CheckNotReserved(name);
     if (IsItInFunctionsList(FunctionsList, name)) {
         AbortIllegalName(TXT_USING_FUNCTION_NAME, name);
@@ -87,7 +87,7 @@ QString SignedNumber(Typ declared, Typ literal) {
     }
     Match(TOKEN_NUMBER);
     ConvertTyp(declared, literal, false);
-    return isNegative ? StringsToString("-", TokenName) : TokenName;
+    return isNegative ? StringsToString("-", TokenName) : TokenName.toString();
 }
 
 // TRUE | FALSE as an initial value; empty for a spelling of mixed case.
@@ -107,7 +107,7 @@ QString BooleanValue() {
 QString InitialValue(Typ declared, Typ literal) {
     if (TokenChar == TOKEN_STRING) {
         ConvertTyp(declared, TYP_STRING, false);
-        return TokenName;
+        return TokenName.toString();
     }
     const bool isSigned = TokenChar == TOKEN_MINUS || TokenChar == TOKEN_PLUS;
     if (IsTypBoolean(declared) && !isSigned) {
@@ -143,10 +143,10 @@ QString Initialization(const Section& section, VarItem& variable) {
 //
 // QUIRK: a BOOL initialised with a literal of mixed case, as True, has no value field, and an
 // empty item stands in place of its declaration. Programs in the field rely on it.
-void EmitDeclaration(const Section& section, const QString& name, const QString& keyword,
+void EmitDeclaration(const Section& section, QStringView name, const QString& keyword,
                      const QString& value) {
     if (value.isEmpty()) {
-        WriteItem(value);
+        WriteItem(QStringView(value));
     } else {
         WriteItem(name, ' ', section.code, ' ', keyword, ' ', value);
     }
@@ -154,7 +154,7 @@ void EmitDeclaration(const Section& section, const QString& name, const QString&
 
 // The name of a declaration, [ CONSTANT ] name, the first token being current in `name`.
 // Returns the record with what is known so far.
-VarItem DeclaredName(const Section& section, QString& name, const VarsList& list,
+VarItem DeclaredName(const Section& section, QStringView& name, const VarsList& list,
                      const VarsList& otherList) {
     VarItem variable;
     if (TokenChar == TOKEN_CONSTANT) {
@@ -167,7 +167,7 @@ VarItem DeclaredName(const Section& section, QString& name, const VarsList& list
     CheckNewName(name);
     CheckDuplicate(name, list, otherList);
     Match(TOKEN_IDENTIFIER);
-    variable.name = name;
+    variable.name = name.toString();
     variable.isReference = section.keyword == TOKEN_VAR_REF;
     variable.isInitialized = section.isInitialized;
     variable.declBegin = IdentPlace.begin;
@@ -181,7 +181,7 @@ VarItem DeclaredName(const Section& section, QString& name, const VarsList& list
 // QUIRK: the name is read into a text of its own, so "expected but" messages about a token in its
 // place quote the token before. Messages are fixed.
 void DoAllocDecl(const Section& section, VarsList& list, const VarsList& otherList) {
-    QString name;
+    QStringView name;
     Scan(name, false, true);
     if (IsEndDeclVars(TokenChar)) {
         return;
@@ -283,7 +283,7 @@ void DoAllocDeclYX(const EngineSection& section, VarsList& vars) {
         Abort(TXT_THIS_VAIABLE_CANNOT_BE_CONSTANT, false);
     }
     VarItem variable;
-    variable.name = TokenName;
+    variable.name = TokenName.toString();
     CheckNewName(variable.name);
     Match(TOKEN_IDENTIFIER);
     variable.isInitialized = true;  // the engine supplies the value
@@ -401,7 +401,7 @@ FunctionItem& DeclaredFunction(const QString& name) {
 QString DefinitionHead(void (*matchName)()) {
     ScanName(TokenName, false);
     matchName();
-    const QString name = TokenName;
+    const QString name = TokenName.toString();
     DoAllocDeclFunc(IdentPlace, name);
     SkipWhite();
     PostLabel(name);
@@ -506,7 +506,7 @@ void FProlog(const QString& name) {
     for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
         EmitPop();
         Emit(argument->isReference ? sMOVA : sMOV, ACCUMULATOR,
-             Operand{BY_VALUE, argument->name});
+             Operand{BY_VALUE, argument->name.toStdString()});
     }
 }
 
@@ -529,7 +529,7 @@ void WarnOfFunctionVariables(const QString& name, const VarsList& vars) {
 // END_FUNCTION: "MOV @RESULT #A0", "RET"
 void FEpilog(const QString& name, const VarsList& vars) {
     Match(TOKEN_END_FUNCTION);
-    EmitLoad(Operand{BY_VALUE, sRESULT});
+    EmitLoad(RESULT_OPERAND);
     WarnOfFunctionVariables(name, vars);
     EmitReturn();
     SkipWhite();
@@ -628,8 +628,8 @@ void Header() {
     HeaderProlog();
     ScanName(TokenName, false);
     MatchProgName();
-    ProgramName = TokenName;
-    WriteItem(ProgramName);
+    ProgramName = TokenName.toString();
+    WriteItem(QStringView(ProgramName));
     SkipWhite();
 }
 

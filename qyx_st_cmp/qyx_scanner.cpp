@@ -6,6 +6,9 @@
 #include "qyx_messages.h"
 
 #include <array>
+#include <charconv>
+#include <string>
+#include <utility>
 
 QChar Look;
 int g_InputCodeFileCurrentLineCount = 0;
@@ -14,7 +17,8 @@ TokenPos TokenPosBeg = {-1, -1};
 TokenPos TokenPosEnd = {-1, -1};
 TokenPlace IdentPlace = {{-1, -1}, {-1, -1}};
 Token TokenChar = TOKEN_UNKNOWN;
-QString TokenName;
+QStringView TokenName;
+const Spelling* TokenSpelling = nullptr;
 int LabelCount = 1;
 
 // ---------------------------------------------------------------------------------------------
@@ -158,8 +162,13 @@ void SkipSemicolumn() {
 
 namespace {
 
-bool IsEndOfInput() {
-    return Look == QChar(END_OF_INPUT);
+bool IsEndOfInput(QChar c) {
+    return c == QChar(END_OF_INPUT);
+}
+
+// Where a line ends: no comment of one line and no string goes on behind it.
+bool IsLineEnd(QChar c) {
+    return c == QLatin1Char('\n') || IsEndOfInput(c);
 }
 
 TokenPos LookPlace() {
@@ -175,10 +184,22 @@ void StoreTokenEnd(TokenPos place) {
     TokenPosEnd = place;
 }
 
-// Takes Look into the text and advances.
-void TakeLook(QString& text) {
-    text += Look;
+// Takes Look and the characters behind it of which isIn holds, no line end among them, and
+// advances behind them. Look itself is taken in any case.
+template <typename Predicate>
+QStringView TakeRun(Predicate isIn) {
+    const QStringView run = g_InputCodeFileHandle->takeRun(isIn);
+    g_InputCodeFileCurrentPosCount += static_cast<int>(run.size()) - 1;
     GetChar();
+    return run;
+}
+
+// Takes Look and, if it goes with it, the character behind.
+template <typename Predicate>
+QStringView TakeOneOrTwo(Predicate isSecond) {
+    bool isFirst = true;
+    return TakeRun(
+        [&isFirst, isSecond](QChar c) { return std::exchange(isFirst, false) && isSecond(c); });
 }
 
 // Aborts with `expectedBut` '<Look>' found.
@@ -199,42 +220,42 @@ Token TokenOf(QStringView text) {
 // Look stands behind the "//", white space not skipped.
 void SkipLineComment() {
     StoreTokenBeg(LookPlace());
-    while (Look != QLatin1Char('\n') && !IsEndOfInput()) {
-        GetChar();
+    if (!IsLineEnd(Look)) {
+        TakeRun([](QChar c) { return !IsLineEnd(c); });
     }
     SkipWhite();
 }
 
-// A piece of a multi-line comment: one character that is no operator, or one or two that could
+// A piece of a multi-line comment: characters that are no operators, or one or two that could
 // make up "*)". Every "*" begins the pair anew, so that "**)" ends a comment as "*)" does.
-void GetEndComment(QString& text) {
-    text.resize(0);
+QStringView GetEndComment() {
     if (!IsOperation(Look)) {
-        GetChar();
-        return;
+        TakeRun([](QChar c) { return !IsOperation(c) && !IsLineEnd(c); });
+        return {};
     }
-    while (text.size() < 2 && (IsOperation(Look) || Look == QLatin1Char(')'))) {
-        if (Look == QLatin1Char('*')) {
-            text.resize(0);
-        }
-        TakeLook(text);
+    QStringView pair;
+    while (pair.size() < 2 && (IsOperation(Look) || Look == QLatin1Char(')'))) {
+        const bool isStar = Look == QLatin1Char('*');
+        const QStringView taken = TakeRun([](QChar) { return false; });
+        pair = isStar ? taken
+                      : QStringView(pair.isEmpty() ? taken.begin() : pair.begin(), taken.end());
     }
     StoreTokenEnd({g_InputCodeFileCurrentLineCount, g_InputCodeFileCurrentPosCount - 1});
     SkipWhite();
+    return pair;
 }
 
-// Begins a token: echoes its line and clears the text. Aborts at the end of the source.
-void StartToken(QString& text) {
+// Begins a token: echoes its line. Aborts at the end of the source.
+void StartToken() {
     TypeInputCodeCurrentLine();
-    text.resize(0);
-    if (IsEndOfInput()) {
+    if (IsEndOfInput(Look)) {
         Abort(TXT_UNEXPECTED_END_OF_INPUT_FILE, false);
     }
 }
 
-void ScanCommentPiece(QString& text) {
-    StartToken(text);
-    GetEndComment(text);
+void ScanCommentPiece(QStringView& text) {
+    StartToken();
+    text = GetEndComment();
     TokenChar = TokenOf(text);
 }
 
@@ -243,7 +264,7 @@ void ScanCommentPiece(QString& text) {
 //
 // QUIRK: the first piece goes to TokenName even where the token is being read into another text,
 // so a message that quotes TokenName after such a comment quotes that piece. Messages are fixed.
-void SkipMultiLinesComment(QString& text) {
+void SkipMultiLinesComment(QStringView& text) {
     GetChar();
     SkipWhite();
     ScanCommentPiece(TokenName);
@@ -254,7 +275,7 @@ void SkipMultiLinesComment(QString& text) {
     SkipWhite();
 }
 
-void SkipComment(Token code, QString& text) {
+void SkipComment(Token code, QStringView& text) {
     if (code == TOKEN_LINE_COMMENT) {
         SkipLineComment();
     } else {
@@ -282,27 +303,27 @@ void CheckNameBegin(bool (*isBegin)(QChar)) {
 }
 
 // Name = letter { letter | digit }, Latin or Cyrillic, kept as written.
-void GetNameR(QString& text, bool skipWhite) {
-    text.resize(0);
+QStringView GetNameR(bool skipWhite) {
     StoreTokenBeg(LookPlace());
     CheckNameBegin(IsAlphaR);
-    while (IsAlphaOrDigitR(Look)) {
-        TakeLook(text);
-    }
+    const QStringView name = TakeRun(IsAlphaOrDigitR);
     StoreTokenEnd(LookPlace());
-    const int row = Lookup(text);
-    TokenChar = row < 0 ? TOKEN_IDENTIFIER : TokensTable[row].code;
+    TokenSpelling = &SpellingOf(name);
+    const int row = TokenSpelling->name->row;
+    TokenChar = row == NO_ROW ? TOKEN_IDENTIFIER : TokensTable[row].code;
     if (skipWhite) {
         SkipWhite();
     }
+    return name;
 }
 
 // String = "'" { any character but "'" and a line feed } "'", upper-cased.
-void GetString(QString& text) {
+QStringView GetString() {
+    QString text;
     StoreTokenBeg(LookPlace());
     GetChar();
     while (!IsString(Look)) {
-        if (Look == QLatin1Char('\n') || IsEndOfInput()) {
+        if (IsLineEnd(Look)) {
             Abort(TXT_UNTERMINATED_STRING, false);
         }
         text += Look.toUpper();
@@ -311,23 +332,22 @@ void GetString(QString& text) {
     StoreTokenEnd(LookPlace());
     GetChar();
     SkipWhite();
+    return KeepText(text);
 }
 
 // Operator = one or two operation characters
 // QUIRK: two operation characters always make one token, so "a+-b" holds the unknown token "+-".
 // A blank between them is the language's way to write two operators; scripts rely on "//" alone
 // keeping the white space behind it, which is comment text.
-void GetOperation(QString& text) {
+QStringView GetOperation() {
     StoreTokenBeg(LookPlace());
-    TakeLook(text);
-    if (IsOperation(Look)) {
-        TakeLook(text);
-    }
+    const QStringView text = TakeOneOrTwo(IsOperation);
     StoreTokenEnd(LookPlace());
     TokenChar = TokenOf(text);
     if (TokenChar != TOKEN_LINE_COMMENT) {
         SkipWhite();
     }
+    return text;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -395,13 +415,23 @@ void TakeDigits(QString& text, bool (*isDigit)(QChar)) {
 }
 
 // The notation whose prefix begins the text, or null.
-const Notation* NotationOf(const QString& text) {
+const Notation* NotationOf(QStringView text) {
     for (const Notation& notation : NOTATIONS) {
         if (text.startsWith(notation.prefix)) {
             return &notation;
         }
     }
     return nullptr;
+}
+
+// The value of digits in that base; isInRange tells whether it fits 64 bits, else it is 0.
+qint64 ValueOf(QStringView digits, int base, bool* isInRange) {
+    const std::string text = digits.toLatin1().toStdString();
+    qint64 value = 0;
+    const auto [end, error] =
+        std::from_chars(text.data(), text.data() + text.size(), value, base);
+    *isInRange = error == std::errc() && end == text.data() + text.size();
+    return *isInRange ? value : 0;
 }
 
 // BasedNumber = ( "16#" | "8#" | "2#" ) digit { digit }
@@ -413,9 +443,9 @@ Typ GetBasedDigit(const Notation& notation, QString& text) {
     TakeDigits(text, notation.isDigit);
     StoreTokenEnd(LookPlace());
     SkipWhite();
-    const QString digits = text.mid(notation.prefix.size());
+    const QStringView digits = QStringView(text).mid(notation.prefix.size());
     bool isInRange = false;
-    const qint64 value = digits.toLongLong(&isInRange, notation.typingBase);
+    const qint64 value = ValueOf(digits, notation.typingBase, &isInRange);
     if (!isInRange || digits.size() > notation.digitsLimit) {
         Abort(TXT_TOO_MUCH_CONSTANT, false);
     }
@@ -457,23 +487,29 @@ Typ GetNotation(QString& text) {
 // Digits alone.
 // QUIRK: digits that exceed 64 bits count as the value 0 and so as a SINT; only their number is
 // limited. The engine reads the digits themselves, and programs rely on the type.
-Typ GetInteger(QString& text) {
+Typ GetInteger(QStringView digits) {
     StoreTokenEnd(LookPlace());
     SkipWhite();
-    return TypeOfInteger(text.toLongLong());
+    bool isInRange = false;
+    return TypeOfInteger(ValueOf(digits, DECIMAL, &isInRange));
 }
 
-// Number = BasedNumber | digit { digit } [ "." Fraction ] | "." Fraction
-// With integerOnly a "." ends the number. Returns the type of the literal.
-Typ GetDigit(QString& text, bool integerOnly) {
-    StoreTokenBeg(LookPlace());
-    TakeDigits(text, IsDigit);
-    if (Look == QLatin1Char('#')) {
-        return GetNotation(text);
+// The digits that begin a number, none before ".5".
+QStringView TakeFirstDigits() {
+    if (!IsDigit(Look)) {
+        return {};
     }
-    if (Look != QLatin1Char('.') || integerOnly) {
-        return GetInteger(text);
+    int count = 0;
+    const QStringView digits =
+        TakeRun([&count](QChar c) { return ++count < NUMBER_LENGTH_LIMIT && IsDigit(c); });
+    if (IsDigit(Look)) {
+        Abort(TXT_TOO_MUCH_CONSTANT, false);
     }
+    return digits;
+}
+
+// Fraction, Look being the ".".
+Typ GetFraction(QString& text) {
     if (text.isEmpty()) {
         AppendToNumber(text, QLatin1Char('0'));
     }
@@ -482,35 +518,48 @@ Typ GetDigit(QString& text, bool integerOnly) {
     return GetFloatDigit(text);
 }
 
+// Number = BasedNumber | digit { digit } [ "." Fraction ] | "." Fraction
+// With integerOnly a "." ends the number. Returns the type of the literal.
+Typ GetDigit(QStringView& text, bool integerOnly) {
+    StoreTokenBeg(LookPlace());
+    text = TakeFirstDigits();
+    const bool isBased = Look == QLatin1Char('#');
+    const bool isFloat = Look == QLatin1Char('.') && !integerOnly;
+    if (!isBased && !isFloat) {
+        return GetInteger(text);
+    }
+    QString number = text.toString();
+    const Typ type = isBased ? GetNotation(number) : GetFraction(number);
+    text = KeepText(number);
+    return type;
+}
+
 // ---------------------------------------------------------------------------------------------
 // The next token
 // ---------------------------------------------------------------------------------------------
 
 // Gives the name of a declared function or function block the code of its keyword.
-void ClassifyIdentifier(const QString& name) {
+void ClassifyIdentifier() {
     IdentPlace = {TokenPosBeg, TokenPosEnd};
-    const FunctionItem* function = FunctionsList.find(name);
+    const FunctionItem* function = FunctionsList.find(*TokenSpelling);
     if (function != nullptr) {
         TokenChar = function->isFunction ? TOKEN_FUNCTION : TOKEN_FUNCTION_BLOCK;
     }
 }
 
-Typ ScanWord(QString& text) {
-    GetNameR(text, true);
+Typ ScanWord(QStringView& text) {
+    text = GetNameR(true);
     if (TokenChar == TOKEN_IDENTIFIER) {
-        ClassifyIdentifier(text);
+        ClassifyIdentifier();
     }
     return TokenChar == TOKEN_TRUE || TokenChar == TOKEN_FALSE ? TYP_BOOL : TYP_NONE;
 }
 
 // Any other character, alone but for ".." and the "(*" that begins a comment.
-void ScanSymbol(QString& text, bool skipWhite) {
+void ScanSymbol(QStringView& text, bool skipWhite) {
     StoreTokenBeg(LookPlace());
     const QChar first = Look;
-    TakeLook(text);
-    if (first == QLatin1Char('.') && Look == first) {
-        TakeLook(text);
-    }
+    text = TakeOneOrTwo([first](QChar c) { return c == QLatin1Char('.') && c == first; });
     if (first == QLatin1Char('(') && Look == QLatin1Char('*')) {
         TokenChar = TOKEN_COMMENT_BEGIN;
         return;
@@ -525,13 +574,14 @@ void ScanSymbol(QString& text, bool skipWhite) {
 }
 
 // Reads one token, or the beginning of a comment.
-Typ ScanToken(QString& text, bool integerOnly, bool skipWhite) {
-    StartToken(text);
+Typ ScanToken(QStringView& text, bool integerOnly, bool skipWhite) {
+    StartToken();
+    text = QStringView();
     if (IsAlphaR(Look)) {
         return ScanWord(text);
     }
     if (IsString(Look)) {
-        GetString(text);
+        text = GetString();
         TokenChar = TOKEN_STRING;
         return TYP_NONE;
     }
@@ -541,7 +591,7 @@ Typ ScanToken(QString& text, bool integerOnly, bool skipWhite) {
         return type;
     }
     if (IsOperation(Look)) {
-        GetOperation(text);
+        text = GetOperation();
     } else {
         ScanSymbol(text, skipWhite);
     }
@@ -554,7 +604,7 @@ Typ ScanToken(QString& text, bool integerOnly, bool skipWhite) {
 // the type of a literal behind a comment is lost: the comment's own type, none, is returned. So a
 // comment between an operator and its literal changes how the expression is typed. Existing
 // programs were compiled so.
-Typ Scan(QString& text, bool integerOnly, bool skipWhite) {
+Typ Scan(QStringView& text, bool integerOnly, bool skipWhite) {
     const Typ type = ScanToken(text, integerOnly, skipWhite);
     if (!IsCommentBegin(TokenChar)) {
         return type;
@@ -570,9 +620,9 @@ Typ Scan() {
     return Scan(TokenName, false, true);
 }
 
-void ScanName(QString& text, bool skipWhite) {
-    StartToken(text);
-    GetNameR(text, skipWhite);
+void ScanName(QStringView& text, bool skipWhite) {
+    StartToken();
+    text = GetNameR(skipWhite);
     IdentPlace = {TokenPosBeg, TokenPosEnd};
 }
 
@@ -655,7 +705,7 @@ void Match(Token first, Token second, Token third, QLatin1String context) {
     }
 }
 
-qint64 StrToInt64(const QString& text) {
+qint64 StrToInt64(QStringView text) {
     if (text.isEmpty()) {
         AbortAtLook(TXT_STRING_EXPECTED_BUT);
     }
@@ -666,10 +716,9 @@ qint64 StrToInt64(const QString& text) {
     }
     const Notation* notation = NotationOf(text);
     bool isInRange = false;
-    const qint64 value =
-        notation == nullptr
-            ? text.toLongLong(&isInRange, DECIMAL)
-            : text.mid(notation->prefix.size()).toLongLong(&isInRange, notation->base);
+    const qint64 value = notation == nullptr ? ValueOf(text, DECIMAL, &isInRange)
+                                             : ValueOf(text.mid(notation->prefix.size()),
+                                                       notation->base, &isInRange);
     if (!isInRange) {
         Abort(TXT_TOO_MUCH_CONSTANT, false);
     }
@@ -680,36 +729,19 @@ qint64 StrToInt64(const QString& text) {
 // Code labels
 // ---------------------------------------------------------------------------------------------
 
-namespace {
-
-QString LabelOf(int number) {
-    QString digits;
-    return StringsToString(sLABEL, IntToStr(number, digits, DECIMAL));
-}
-
-}  // namespace
-
-void GetNewLabel(QString& label) {
-    label = LabelOf(LabelCount);
+void GetNewLabel(Label& label) {
+    label = {LabelCount};
     ++LabelCount;
 }
 
 // QUIRK: the second label is told, not reserved: whoever draws next gets it again. The numbers of
 // all later labels follow from that, and they are part of the target code.
-void GetNewLabelAndNextLabel(QString& label, QString& next) {
+void GetNewLabelAndNextLabel(Label& label, Label& next) {
     GetNewLabel(label);
-    next = LabelOf(LabelCount);
+    next = {LabelCount};
 }
 
-void PostLabel(const QString& label) {
-    WriteItem(label, ':');
-}
-
-void PostLabel(QLatin1String label) {
-    WriteItem(label, ':');
-}
-
-void PostPendingLabel(const QString& label) {
+void PostPendingLabel(Label label) {
     if (!label.isEmpty()) {
         PostLabel(label);
     }
@@ -733,7 +765,11 @@ QString IntToStr(int value, QString& out, int width, int base) {
     return out;
 }
 
-QString Quoted(const QString& text) {
+QString Quoted(QStringView text) {
+    return StringsToString("\"", text, "\"");
+}
+
+QString Quoted(QLatin1String text) {
     return StringsToString("\"", text, "\"");
 }
 

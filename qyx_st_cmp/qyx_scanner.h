@@ -5,6 +5,7 @@
 // the run through Abort.
 #pragma once
 
+#include "qyx_files.h"
 #include "qyx_globals.h"
 
 #include <type_traits>
@@ -47,13 +48,13 @@ int Lookup(Token code);
 // Returns the type of a numeric literal, TYP_BOOL for TRUE and FALSE, else TYP_NONE. With
 // integerOnly a "." ends a number. skipWhite: also skip the white space behind punctuation; all
 // other tokens skip it anyway. Aborts at the end of the source.
-Typ Scan(QString& text, bool integerOnly, bool skipWhite);
+Typ Scan(QStringView& text, bool integerOnly, bool skipWhite);
 
 // Scan into TokenName with fractions allowed, as nearly every parser does.
 Typ Scan();
 
 // Reads a name, reserved words included, where a name must come.
-void ScanName(QString& text, bool skipWhite);
+void ScanName(QStringView& text, bool skipWhite);
 
 // Reads a type name, upper-cased. TokenChar stays as it is.
 void GetType(QString& text, bool skipWhite);
@@ -66,24 +67,26 @@ void Match(Token first, Token second, Token third, QLatin1String context = QLati
 
 // The value of the text of a number token. Aborts on anything but digits and "#", and on values
 // beyond 64 bits.
-qint64 StrToInt64(const QString& text);
+qint64 StrToInt64(QStringView text);
 
 // ---------------------------------------------------------------------------------------------
 // Code labels
 // ---------------------------------------------------------------------------------------------
 
 // Draws the next label.
-void GetNewLabel(QString& label);
+void GetNewLabel(Label& label);
 
 // Draws the next label and tells the one after it without drawing it.
-void GetNewLabelAndNextLabel(QString& label, QString& next);
+void GetNewLabelAndNextLabel(Label& label, Label& next);
 
 // Writes the item "<label>:".
-void PostLabel(const QString& label);
-void PostLabel(QLatin1String label);
+template <typename Text>
+void PostLabel(const Text& label) {
+    WriteItem(label, ':');
+}
 
 // Posts the label of short-circuit jumps if an expression has drawn one.
-void PostPendingLabel(const QString& label);
+void PostPendingLabel(Label label);
 
 // ---------------------------------------------------------------------------------------------
 // Texts
@@ -98,7 +101,8 @@ QString Int64ToStr(qint64 value, QString& out, int base);
 QString IntToStr(int value, QString& out, int width, int base);
 
 // The text between double quotes, as messages name things.
-QString Quoted(const QString& text);
+QString Quoted(QStringView text);
+QString Quoted(QLatin1String text);
 
 // Compares two texts: negative, 0 or positive.
 int StrCmp(QStringView a, QStringView b, bool ignoreCase);
@@ -110,6 +114,8 @@ QString StringsToString(const Parts&... parts) {
     const auto append = [&joined](const auto& part) {
         if constexpr (std::is_convertible_v<decltype(part), const char*>) {
             joined += QLatin1String(part);
+        } else if constexpr (std::is_same_v<decltype(part), const QStringView&>) {
+            joined.append(part.data(), static_cast<int>(part.size()));
         } else {
             joined += part;
         }
