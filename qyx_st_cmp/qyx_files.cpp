@@ -88,32 +88,35 @@ FileHandle::~FileHandle() {
     }
 }
 
-// Text mode drops every carriage return; a byte order mark is skipped by the decoder. A pipe or
-// a device is refused before it is opened, as opening could wait for ever.
+// Carriage returns are dropped, as text mode has it; a byte order mark is skipped by the decoder.
+// A pipe or a device is refused before it is opened, as opening could wait for ever.
 void FileHandle::readAllText() {
     std::error_code error;
     if (!fs::is_regular_file(NativePath(fileName()), error)) {
         return;
     }
-    if (!open(QIODevice::ReadOnly | QIODevice::Text) || size() > MAX_SOURCE_SIZE) {
+    if (!open(QIODevice::ReadOnly | QIODevice::Unbuffered) || size() > MAX_SOURCE_SIZE) {
         return;
     }
-    text_ = QString::fromUtf8(readAll());
+    QByteArray bytes = readAll();
+    if (bytes.contains('\r')) {
+        bytes.replace('\r', QByteArray());
+    }
+    text_ = QString::fromUtf8(bytes);
     next_ = text_.constData();
     end_ = next_ + text_.size();
     opened_ = QFile::error() == QFileDevice::NoError;
     close();
 }
 
-char* FileHandle::reserve(std::size_t size) {
-    if (capacity_ - used_ < size) {
-        writeCollected();
-        if (capacity_ < size) {
-            capacity_ = std::max(size, WRITE_BLOCK_SIZE);
-            buffer_.reset(new char[capacity_]);
-        }
+void FileHandle::makeSpace(std::size_t size) {
+    writeCollected();
+    if (static_cast<std::size_t>(bufferEnd_ - unused_) < size) {
+        const std::size_t capacity = std::max(size, WRITE_BLOCK_SIZE);
+        buffer_.reset(new char[capacity]);
+        unused_ = buffer_.get();
+        bufferEnd_ = unused_ + capacity;
     }
-    return buffer_.get() + used_;
 }
 
 void FileHandle::appendText(std::string_view utf8) {
@@ -121,11 +124,11 @@ void FileHandle::appendText(std::string_view utf8) {
 }
 
 void FileHandle::writeCollected() {
-    const auto size = static_cast<qint64>(used_);
-    if (!writeFailed_ && used_ > 0 && write(buffer_.get(), size) != size) {
+    const qint64 size = unused_ - buffer_.get();
+    if (!writeFailed_ && size > 0 && write(buffer_.get(), size) != size) {
         writeFailed_ = true;
     }
-    used_ = 0;
+    unused_ = buffer_.get();
 }
 
 bool FileHandle::finish() {
@@ -322,18 +325,6 @@ void DeleteOutputCodeFile() {
 
 namespace {
 
-// Space at the end of the code file. Aborts when there is no code file or it cannot be written.
-char* ReserveCode(std::size_t size) {
-    if (!g_OutputCodeFileHandle) {
-        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
-    }
-    char* space = g_OutputCodeFileHandle->reserve(size);
-    if (g_OutputCodeFileHandle->hasFailed()) {
-        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
-    }
-    return space;
-}
-
 void WriteStringToStandardOutput(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
@@ -348,7 +339,7 @@ void WriteStringToSideFile(bool isWanted, const std::unique_ptr<FileHandle>& han
 }  // namespace
 
 void WriteStringToOutputCodeFile(std::string_view text) {
-    g_OutputCodeFileHandle->commit(PutPart(ReserveCode(text.size()), text));
+    CodeFile().appendText(text);
 }
 
 void WriteStringToOutputListFile(std::string_view text) {
@@ -386,18 +377,6 @@ std::string ListingForm(std::string_view item) {
     line.append(item);
     line.push_back('\n');
     return line;
-}
-
-// Sends a code line to all outputs but the code file.
-void RouteCode(std::string_view item, bool force) {
-    if (force) {
-        WriteStringToStandardOutput(ListingForm(item));
-    } else if (flag_ShowOnScreen || flag_SaveListFile) {
-        const std::string line = ListingForm(item);
-        WriteStringToScreen(line, false);
-        WriteStringToOutputListFile(line);
-    }
-    ++g_OutputCodeFileCurrentLineCount;
 }
 
 void RouteMessage(const std::string& line, bool force) {
@@ -439,9 +418,10 @@ namespace {
 
 void WriteCodeLine(const QString& text, bool force) {
     if (force) {
-        RouteCode(text.toStdString(), true);
+        WriteStringToStandardOutput(ListingForm(text.toStdString()));
+        ++g_OutputCodeFileCurrentLineCount;
     } else {
-        WriteItem(text);
+        WriteItem(QStringView(text));
     }
 }
 
@@ -480,17 +460,20 @@ void WriteLn(const QString& text, TWhatStr kind) {
 // Items of target code
 // ---------------------------------------------------------------------------------------------
 
-// The blank behind the item needs a byte more.
-char* BeginItem(std::size_t size) {
-    return ReserveCode(size + 1);
+FileHandle& CodeFile() {
+    if (!g_OutputCodeFileHandle || g_OutputCodeFileHandle->hasFailed()) {
+        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
+    }
+    return *g_OutputCodeFileHandle;
 }
 
-// QUIRK: the code file is one single line: every item is followed by one blank and no line end,
-// the last one too. The engine reads it so; lines exist in the listing alone.
-void EndItem(char* begin, char* end) {
-    RouteCode({begin, static_cast<std::size_t>(end - begin)}, false);
-    *end = ' ';
-    g_OutputCodeFileHandle->commit(end + 1);
+void ListItem(std::string_view item) {
+    if (flag_ShowOnScreen || flag_SaveListFile) {
+        const std::string line = ListingForm(item);
+        WriteStringToScreen(line, false);
+        WriteStringToOutputListFile(line);
+    }
+    ++g_OutputCodeFileCurrentLineCount;
 }
 
 // UTF-8 takes at most three bytes for a UTF-16 unit.

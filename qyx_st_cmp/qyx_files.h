@@ -41,8 +41,13 @@ public:
 
     // Writing: space for that many bytes behind all that was written; commit tells how much of
     // it was filled.
-    char* reserve(std::size_t size);
-    void commit(const char* end) { used_ = static_cast<std::size_t>(end - buffer_.get()); }
+    char* reserve(std::size_t size) {
+        if (static_cast<std::size_t>(bufferEnd_ - unused_) < size) {
+            makeSpace(size);
+        }
+        return unused_;
+    }
+    void commit(char* end) { unused_ = end; }
 
     // Writing: appends the text.
     void appendText(std::string_view utf8);
@@ -60,11 +65,12 @@ private:
     const QChar* next_ = nullptr;     // in text_, the next character
     const QChar* end_ = nullptr;      // the end of text_
     std::unique_ptr<char[]> buffer_;  // what writing has collected and not yet handed to the file
-    std::size_t capacity_ = 0;
-    std::size_t used_ = 0;
+    char* unused_ = nullptr;          // in buffer_, behind what is collected
+    char* bufferEnd_ = nullptr;
     bool writeFailed_ = false;
 
     void readAllText();
+    void makeSpace(std::size_t size);
     void writeCollected();
 };
 
@@ -147,9 +153,11 @@ void WriteLn(const QString& text, TWhatStr kind);
 // for each kind of part its largest size and how it is put.
 // ---------------------------------------------------------------------------------------------
 
-// Space in the code file for an item of at most that size; EndItem sends it to the other outputs.
-char* BeginItem(std::size_t size);
-void EndItem(char* begin, char* end);
+// The code file. Aborts when there is none or some of it could not be written.
+FileHandle& CodeFile();
+
+// The listing and the screen get the item too, if they are wanted.
+void ListItem(std::string_view item);
 
 inline std::size_t PartSize(char) {
     return 1;
@@ -181,10 +189,15 @@ std::size_t PartSize(Label part);
 char* PutPart(char* to, Label part);
 
 // Writes one item of target code.
+//
+// QUIRK: the code file is one single line: every item is followed by one blank and no line end,
+// the last one too. The engine reads it so; lines exist in the listing alone.
 template <typename... Parts>
 void WriteItem(const Parts&... parts) {
-    char* const begin = BeginItem((PartSize(parts) + ...));
+    FileHandle& file = CodeFile();
+    char* const begin = file.reserve((PartSize(parts) + ...) + 1);
     char* end = begin;
     ((end = PutPart(end, parts)), ...);
-    EndItem(begin, end);
+    ListItem({begin, static_cast<std::size_t>(end - begin)});
+    file.commit(PutPart(end, ' '));
 }

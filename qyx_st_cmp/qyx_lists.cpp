@@ -226,6 +226,24 @@ constexpr RowsByCode MakeRowsByCode() {
 
 constexpr RowsByCode ROWS_BY_CODE = MakeRowsByCode();
 
+// Token codes by the first character and the second, which is 0 where there is none.
+constexpr std::size_t ASCII_COUNT = 128;
+using PunctuationTable = std::array<std::array<Token, ASCII_COUNT>, ASCII_COUNT>;
+
+constexpr PunctuationTable MakePunctuationTable() {
+    PunctuationTable table = {};
+    for (const token& row : TokensTable) {
+        if (row.text.size() <= 2) {
+            const auto first = static_cast<std::size_t>(row.text.data()[0]);
+            const auto second = static_cast<std::size_t>(row.text.data()[1]);
+            table[first][second] = row.code;
+        }
+    }
+    return table;
+}
+
+constexpr PunctuationTable PUNCTUATION = MakePunctuationTable();
+
 [[noreturn]] void AbortDuplicate(QLatin1String beforeName, QStringView name) {
     Abort(StringsToString(TXT_DUPLICATE_VARIABLE_NAME, beforeName, Quoted(name)), false);
 }
@@ -239,6 +257,16 @@ const Spelling& SpellingOf(QStringView text) {
 
 QStringView KeepText(const QString& text) {
     return SpellingOf(text).text;
+}
+
+Token PunctuationToken(QStringView text) {
+    const std::size_t first = text[0].unicode();
+    const std::size_t second = text.size() > 1 ? text[1].unicode() : 0;
+    if (first >= ASCII_COUNT || second >= ASCII_COUNT) {
+        return TOKEN_UNKNOWN;
+    }
+    const Token code = PUNCTUATION[first][second];
+    return code == Token{} ? TOKEN_UNKNOWN : code;
 }
 
 int Lookup(QStringView text) {

@@ -11,6 +11,9 @@
 // Tables
 // ---------------------------------------------------------------------------------------------
 
+// The token of one or two characters that are no letters, TOKEN_UNKNOWN if they make up none.
+Token PunctuationToken(QStringView text);
+
 // Whether the name is the text of any token, punctuation included, or the name of a type.
 bool IsItReservedWord(QStringView name);
 

@@ -5,9 +5,9 @@
 #include "qyx_lists.h"
 #include "qyx_messages.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <string>
 #include <utility>
 
 QChar Look;
@@ -207,11 +207,6 @@ QStringView TakeOneOrTwo(Predicate isSecond) {
     Abort(StringsToString(expectedBut, " '", Look, "' ", TXT_FOUND), false);
 }
 
-Token TokenOf(QStringView text) {
-    const int row = Lookup(text);
-    return row < 0 ? TOKEN_UNKNOWN : TokensTable[row].code;
-}
-
 // ---------------------------------------------------------------------------------------------
 // Comments
 // ---------------------------------------------------------------------------------------------
@@ -256,7 +251,7 @@ void StartToken() {
 void ScanCommentPiece(QStringView& text) {
     StartToken();
     text = GetEndComment();
-    TokenChar = TokenOf(text);
+    TokenChar = text.isEmpty() ? TOKEN_UNKNOWN : PunctuationToken(text);
 }
 
 // Comment = "(*" { any character } "*)"
@@ -343,7 +338,7 @@ QStringView GetOperation() {
     StoreTokenBeg(LookPlace());
     const QStringView text = TakeOneOrTwo(IsOperation);
     StoreTokenEnd(LookPlace());
-    TokenChar = TokenOf(text);
+    TokenChar = PunctuationToken(text);
     if (TokenChar != TOKEN_LINE_COMMENT) {
         SkipWhite();
     }
@@ -426,11 +421,12 @@ const Notation* NotationOf(QStringView text) {
 
 // The value of digits in that base; isInRange tells whether it fits 64 bits, else it is 0.
 qint64 ValueOf(QStringView digits, int base, bool* isInRange) {
-    const std::string text = digits.toLatin1().toStdString();
+    std::array<char, NUMBER_LENGTH_LIMIT> text;
+    const char* const textEnd = std::transform(digits.begin(), digits.end(), text.data(),
+                                               [](QChar c) { return c.toLatin1(); });
     qint64 value = 0;
-    const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), value, base);
-    *isInRange = error == std::errc() && end == text.data() + text.size();
+    const auto [end, error] = std::from_chars(text.data(), textEnd, value, base);
+    *isInRange = error == std::errc() && end == textEnd;
     return *isInRange ? value : 0;
 }
 
@@ -564,7 +560,7 @@ void ScanSymbol(QStringView& text, bool skipWhite) {
         TokenChar = TOKEN_COMMENT_BEGIN;
         return;
     }
-    TokenChar = TokenOf(text);
+    TokenChar = PunctuationToken(text);
     if (TokenChar != TOKEN_UNKNOWN) {
         StoreTokenEnd(LookPlace());
     }

@@ -3,7 +3,7 @@
 #include "qyx_messages.h"
 #include "qyx_scanner.h"
 
-#include <algorithm>
+#include <array>
 
 bool IsTypBoolean(Typ t) {
     return t == TYP_BOOL;
@@ -70,68 +70,67 @@ constexpr Conversion LREAL_CONVERSION = {TYP_LREAL, NOT_NUMBERS, 0};
 constexpr Conversion STRING_CONVERSION = {TYP_STRING, ALL & ~Bit(TYP_STRING), 0};
 constexpr Conversion ARRAY_CONVERSION = {TYP_ARRAY, ALL, 0};
 
-Typ Convert(const Conversion& conversion, Typ next, bool strict) {
+// The result of a pair of types that do not combine.
+constexpr Typ REJECTED = static_cast<Typ>(TYP_ARRAY + 1);
+
+constexpr Typ Convert(const Conversion& conversion, Typ next, bool strict) {
     const unsigned rejected = conversion.rejected | (strict ? conversion.rejectedIfStrict : 0U);
     if ((rejected & Bit(next)) != 0) {
-        Abort(StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(conversion.own)), " ",
-                              TXT_AND, " ", Quoted(TypToStr(next))),
-              false);
+        return REJECTED;
     }
-    return std::max(conversion.own, next);
+    return conversion.own > next ? conversion.own : next;
 }
 
 // QUIRK: a BOOL combines with BOOL alone, not even with a value of no type yet.
-Typ ConvertBoolTo(Typ next) {
+constexpr Typ ConvertBoolTo(Typ next) {
     return Convert(BOOL_CONVERSION, next, false);
 }
 
-Typ ConvertSIntTo(Typ next, bool strict) {
+constexpr Typ ConvertSIntTo(Typ next, bool strict) {
     return Convert(SINT_CONVERSION, next, strict);
 }
 
-// QUIRK: USINT combines exactly as SINT does. Its messages name "SINT", and with a value of no
-// type yet it yields SINT. Programs in the field rely on the types that follow.
-Typ ConvertUSIntTo(Typ next, bool strict) {
+// QUIRK: USINT combines exactly as SINT does: with a value of no type yet it yields SINT.
+// Programs in the field rely on the types that follow.
+constexpr Typ ConvertUSIntTo(Typ next, bool strict) {
     return ConvertSIntTo(next, strict);
 }
 
-Typ ConvertIntTo(Typ next, bool strict) {
+constexpr Typ ConvertIntTo(Typ next, bool strict) {
     return Convert(INT_CONVERSION, next, strict);
 }
 
-Typ ConvertUIntTo(Typ next, bool strict) {
+constexpr Typ ConvertUIntTo(Typ next, bool strict) {
     return Convert(UINT_CONVERSION, next, strict);
 }
 
-Typ ConvertDIntTo(Typ next, bool strict) {
+constexpr Typ ConvertDIntTo(Typ next, bool strict) {
     return Convert(DINT_CONVERSION, next, strict);
 }
 
-Typ ConvertUDIntTo(Typ next, bool strict) {
+constexpr Typ ConvertUDIntTo(Typ next, bool strict) {
     return Convert(UDINT_CONVERSION, next, strict);
 }
 
 // QUIRK: a REAL takes a BOOL, while a BOOL takes no REAL and an LREAL no BOOL. Programs in the
 // field store flags in REAL variables.
-Typ ConvertRealTo(Typ next) {
+constexpr Typ ConvertRealTo(Typ next) {
     return Convert(REAL_CONVERSION, next, false);
 }
 
-Typ ConvertLRealTo(Typ next) {
+constexpr Typ ConvertLRealTo(Typ next) {
     return Convert(LREAL_CONVERSION, next, false);
 }
 
-Typ ConvertStringTo(Typ next) {
+constexpr Typ ConvertStringTo(Typ next) {
     return Convert(STRING_CONVERSION, next, false);
 }
 
-Typ ConvertArrayTo(Typ next) {
+constexpr Typ ConvertArrayTo(Typ next) {
     return Convert(ARRAY_CONVERSION, next, false);
 }
 
-}  // namespace
-
-Typ ConvertTyp(Typ current, Typ next, bool strict) {
+constexpr Typ ConvertTo(Typ current, Typ next, bool strict) {
     switch (current) {
         case TYP_BOOL:
             return ConvertBoolTo(next);
@@ -158,4 +157,42 @@ Typ ConvertTyp(Typ current, Typ next, bool strict) {
         default:
             return next;
     }
+}
+
+// All results, so that a conversion is a look into a table: by strictness, current and next type.
+constexpr std::size_t TYP_CODES_COUNT = TYP_ARRAY + 1;
+using ConversionTable =
+    std::array<std::array<std::array<Typ, TYP_CODES_COUNT>, TYP_CODES_COUNT>, 2>;
+
+constexpr ConversionTable MakeConversionTable() {
+    ConversionTable table = {};
+    for (std::size_t current = 0; current < TYP_CODES_COUNT; ++current) {
+        for (std::size_t next = 0; next < TYP_CODES_COUNT; ++next) {
+            const auto from = static_cast<Typ>(current);
+            const auto to = static_cast<Typ>(next);
+            table[0][current][next] = ConvertTo(from, to, false);
+            table[1][current][next] = ConvertTo(from, to, true);
+        }
+    }
+    return table;
+}
+
+constexpr ConversionTable CONVERSIONS = MakeConversionTable();
+
+// QUIRK: a USINT is named "SINT" here, as it combines like one. Messages are fixed.
+[[noreturn]] void AbortIncompatible(Typ current, Typ next) {
+    const Typ named = current == TYP_USINT ? TYP_SINT : current;
+    Abort(StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(named)), " ", TXT_AND,
+                          " ", Quoted(TypToStr(next))),
+          false);
+}
+
+}  // namespace
+
+Typ ConvertTyp(Typ current, Typ next, bool strict) {
+    const Typ result = CONVERSIONS[strict ? 1 : 0][current][next];
+    if (result == REJECTED) {
+        AbortIncompatible(current, next);
+    }
+    return result;
 }
