@@ -99,10 +99,10 @@ void FileHandle::readAllText() {
         return;
     }
     QByteArray bytes = readAll();
-    if (bytes.contains('\r')) {
+    if (std::memchr(bytes.constData(), '\r', static_cast<std::size_t>(bytes.size())) != nullptr) {
         bytes.replace('\r', QByteArray());
     }
-    text_ = QString::fromUtf8(bytes);
+    text_ = QString::fromUtf8(bytes.constData(), bytes.size());
     next_ = text_.constData();
     end_ = next_ + text_.size();
     opened_ = QFile::error() == QFileDevice::NoError;
@@ -339,7 +339,7 @@ void WriteStringToSideFile(bool isWanted, const std::unique_ptr<FileHandle>& han
 }  // namespace
 
 void WriteStringToOutputCodeFile(std::string_view text) {
-    CodeFile().appendText(text);
+    g_OutputCodeFileHandle->commit(PutPart(ReserveCode(text.size()), text));
 }
 
 void WriteStringToOutputListFile(std::string_view text) {
@@ -460,20 +460,21 @@ void WriteLn(const QString& text, TWhatStr kind) {
 // Items of target code
 // ---------------------------------------------------------------------------------------------
 
-FileHandle& CodeFile() {
-    if (!g_OutputCodeFileHandle || g_OutputCodeFileHandle->hasFailed()) {
+char* MakeCodeSpace(std::size_t size) {
+    if (!g_OutputCodeFileHandle) {
         Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
     }
-    return *g_OutputCodeFileHandle;
+    char* space = g_OutputCodeFileHandle->reserve(size);
+    if (g_OutputCodeFileHandle->hasFailed()) {
+        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
+    }
+    return space;
 }
 
 void ListItem(std::string_view item) {
-    if (flag_ShowOnScreen || flag_SaveListFile) {
-        const std::string line = ListingForm(item);
-        WriteStringToScreen(line, false);
-        WriteStringToOutputListFile(line);
-    }
-    ++g_OutputCodeFileCurrentLineCount;
+    const std::string line = ListingForm(item);
+    WriteStringToScreen(line, false);
+    WriteStringToOutputListFile(line);
 }
 
 // UTF-8 takes at most three bytes for a UTF-16 unit.

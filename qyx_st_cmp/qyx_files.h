@@ -42,10 +42,13 @@ public:
     // Writing: space for that many bytes behind all that was written; commit tells how much of
     // it was filled.
     char* reserve(std::size_t size) {
-        if (static_cast<std::size_t>(bufferEnd_ - unused_) < size) {
+        if (!hasSpace(size)) {
             makeSpace(size);
         }
         return unused_;
+    }
+    bool hasSpace(std::size_t size) const {
+        return size <= static_cast<std::size_t>(bufferEnd_ - unused_);
     }
     void commit(char* end) { unused_ = end; }
 
@@ -153,10 +156,15 @@ void WriteLn(const QString& text, TWhatStr kind);
 // for each kind of part its largest size and how it is put.
 // ---------------------------------------------------------------------------------------------
 
-// The code file. Aborts when there is none or some of it could not be written.
-FileHandle& CodeFile();
+// Space at the end of the code file, made when the last block is full. Aborts when there is no
+// code file or a block of it could not be written.
+char* MakeCodeSpace(std::size_t size);
+inline char* ReserveCode(std::size_t size) {
+    const bool isReady = g_OutputCodeFileHandle && g_OutputCodeFileHandle->hasSpace(size);
+    return isReady ? g_OutputCodeFileHandle->reserve(size) : MakeCodeSpace(size);
+}
 
-// The listing and the screen get the item too, if they are wanted.
+// The listing and the screen get the item too.
 void ListItem(std::string_view item);
 
 inline std::size_t PartSize(char) {
@@ -193,11 +201,13 @@ char* PutPart(char* to, Label part);
 // QUIRK: the code file is one single line: every item is followed by one blank and no line end,
 // the last one too. The engine reads it so; lines exist in the listing alone.
 template <typename... Parts>
-void WriteItem(const Parts&... parts) {
-    FileHandle& file = CodeFile();
-    char* const begin = file.reserve((PartSize(parts) + ...) + 1);
+Q_ALWAYS_INLINE void WriteItem(const Parts&... parts) {
+    char* const begin = ReserveCode((PartSize(parts) + ...) + 1);
     char* end = begin;
     ((end = PutPart(end, parts)), ...);
-    ListItem({begin, static_cast<std::size_t>(end - begin)});
-    file.commit(PutPart(end, ' '));
+    if (flag_ShowOnScreen || flag_SaveListFile) {
+        ListItem({begin, static_cast<std::size_t>(end - begin)});
+    }
+    ++g_OutputCodeFileCurrentLineCount;
+    g_OutputCodeFileHandle->commit(PutPart(end, ' '));
 }

@@ -95,25 +95,25 @@ Operand ElementOperand(const VarItem& array, const Spelling& name, QLatin1String
 
 // "<keyword> <first> <second>"
 template <typename First, typename Second>
-void Emit(QLatin1String keyword, const First& first, const Second& second) {
+Q_ALWAYS_INLINE void Emit(QLatin1String keyword, const First& first, const Second& second) {
     WriteItem(keyword, ' ', first, ' ', second);
 }
 
 // "<keyword> <operand>"
 template <typename Single>
-void Emit(QLatin1String keyword, const Single& operand) {
+Q_ALWAYS_INLINE void Emit(QLatin1String keyword, const Single& operand) {
     WriteItem(keyword, ' ', operand);
 }
 
 // "MOV <source> #A0"
 template <typename Source>
-void EmitLoad(const Source& source) {
+Q_ALWAYS_INLINE void EmitLoad(const Source& source) {
     Emit(sMOV, source, ACCUMULATOR);
 }
 
 // "MOV #A0 <destination>"
 template <typename Destination>
-void EmitStore(const Destination& destination) {
+Q_ALWAYS_INLINE void EmitStore(const Destination& destination) {
     Emit(sMOV, ACCUMULATOR, destination);
 }
 

@@ -4,7 +4,6 @@
 #include "qyx_messages.h"
 #include "qyx_scanner.h"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <deque>
@@ -163,7 +162,9 @@ std::size_t FoldedHashOf(QStringView text) {
 }
 
 bool IsSameText(QStringView a, QStringView b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin());
+    return a.size() == b.size() &&
+           std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(QChar)) ==
+               0;
 }
 
 // All names and their spellings, the reserved words from the start.

@@ -122,11 +122,11 @@ bool IsSimbol(QChar c) {
 }
 
 bool IsAlphaOrDigit(QChar c) {
-    return IsAlpha(c) || IsDigit(c);
+    return HasClass(c, CLASS_ALPHA | CLASS_DIGIT) || IsAlpha(c);
 }
 
 bool IsAlphaOrDigitR(QChar c) {
-    return IsAlphaR(c) || IsDigit(c);
+    return HasClass(c, CLASS_ALPHA | CLASS_DIGIT) || IsAlphaR(c);
 }
 
 bool IsCharacter(QChar c) {
