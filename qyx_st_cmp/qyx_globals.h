@@ -213,7 +213,7 @@ enum Typ : unsigned char {
 };
 
 constexpr int TOKENS_COUNT = 75;
-constexpr int TYPS_COUNT = 11;
+constexpr int TYPS_COUNT = TYP_ARRAY - TYP_BOOL + 1;
 
 // A row of the table of reserved words and punctuation.
 struct token {

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <deque>
+#include <iterator>
 
 FunctionList FunctionsList;
 
@@ -14,7 +15,8 @@ FunctionList FunctionsList;
 //
 // QUIRK: SHL has a higher code than SHR, and VAR_ARG and VAR_REF carry late codes among the
 // sections. The codes are fixed.
-constexpr token TokensTable[TOKENS_COUNT] = {
+// clang-format off
+constexpr token TokensTable[] = {
     {TOKEN_PROGRAM, "PROGRAM"_L1},
     {TOKEN_END_PROGRAM, "END_PROGRAM"_L1},
     {TOKEN_SEMICOLON, ";"_L1},
@@ -91,17 +93,26 @@ constexpr token TokensTable[TOKENS_COUNT] = {
     {TOKEN_FUNCTION_BLOCK, "FUNCTION_BLOCK"_L1},
     {TOKEN_END_FUNCTION_BLOCK, "END_FUNCTION_BLOCK"_L1},
 };
+// clang-format on
+static_assert(std::size(TokensTable) == TOKENS_COUNT, "one row for each token");
 
 // The order is that of the codes in Typ (qyx_globals.h), from TYP_BOOL on; both change together.
-const typ TypsTable[TYPS_COUNT] = {
-    {TYP_BOOL, "BOOL"_L1, "BL"_L1},   {TYP_SINT, "SINT"_L1, "SB"_L1},
-    {TYP_USINT, "USINT"_L1, "UB"_L1}, {TYP_INT, "INT"_L1, "SI"_L1},
-    {TYP_UINT, "UINT"_L1, "UI"_L1},   {TYP_DINT, "DINT"_L1, "SD"_L1},
-    {TYP_UDINT, "UDINT"_L1, "UD"_L1}, {TYP_REAL, "REAL"_L1, "SR"_L1},
-    {TYP_LREAL, "LREAL"_L1, "LR"_L1}, {TYP_STRING, "STRING"_L1, "PS"_L1},
+// clang-format off
+constexpr typ TypsTable[] = {
+    {TYP_BOOL, "BOOL"_L1, "BL"_L1},
+    {TYP_SINT, "SINT"_L1, "SB"_L1},
+    {TYP_USINT, "USINT"_L1, "UB"_L1},
+    {TYP_INT, "INT"_L1, "SI"_L1},
+    {TYP_UINT, "UINT"_L1, "UI"_L1},
+    {TYP_DINT, "DINT"_L1, "SD"_L1},
+    {TYP_UDINT, "UDINT"_L1, "UD"_L1},
+    {TYP_REAL, "REAL"_L1, "SR"_L1},
+    {TYP_LREAL, "LREAL"_L1, "LR"_L1},
+    {TYP_STRING, "STRING"_L1, "PS"_L1},
     {TYP_ARRAY, "ARRAY"_L1, "PA"_L1},
 };
-static_assert(TYPS_COUNT == TYP_ARRAY - TYP_BOOL + 1, "one row for each declared type");
+// clang-format on
+static_assert(std::size(TypsTable) == TYPS_COUNT, "one row for each declared type");
 
 // ---------------------------------------------------------------------------------------------
 // Names and records
@@ -233,6 +244,11 @@ using PunctuationTable = std::array<std::array<Token, ASCII_COUNT>, ASCII_COUNT>
 
 constexpr PunctuationTable MakePunctuationTable() {
     PunctuationTable table = {};
+    for (auto& tokens : table) {
+        for (Token& code : tokens) {
+            code = TOKEN_UNKNOWN;
+        }
+    }
     for (const token& row : TokensTable) {
         if (row.text.size() <= 2) {
             const auto first = static_cast<std::size_t>(row.text.data()[0]);
@@ -263,11 +279,8 @@ QStringView KeepText(const QString& text) {
 Token PunctuationToken(QStringView text) {
     const std::size_t first = text[0].unicode();
     const std::size_t second = text.size() > 1 ? text[1].unicode() : 0;
-    if (first >= ASCII_COUNT || second >= ASCII_COUNT) {
-        return TOKEN_UNKNOWN;
-    }
-    const Token code = PUNCTUATION[first][second];
-    return code == Token{} ? TOKEN_UNKNOWN : code;
+    const bool isAscii = first < ASCII_COUNT && second < ASCII_COUNT;
+    return isAscii ? PUNCTUATION[first][second] : TOKEN_UNKNOWN;
 }
 
 int Lookup(QStringView text) {

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <utility>
 
 QChar Look;
 int g_InputCodeFileCurrentLineCount = 0;
@@ -194,12 +193,13 @@ QStringView TakeRun(Predicate isIn) {
     return run;
 }
 
-// Takes Look and, if it goes with it, the character behind.
-template <typename Predicate>
-QStringView TakeOneOrTwo(Predicate isSecond) {
-    bool isFirst = true;
-    return TakeRun(
-        [&isFirst, isSecond](QChar c) { return std::exchange(isFirst, false) && isSecond(c); });
+QStringView TakeOne() {
+    return TakeRun([](QChar) { return false; });
+}
+
+// Takes Look, which stands directly behind the text, and returns both.
+QStringView TakeBehind(QStringView text) {
+    return {text.begin(), TakeOne().end()};
 }
 
 // Aborts with `expectedBut` '<Look>' found.
@@ -228,12 +228,10 @@ QStringView GetEndComment() {
         TakeRun([](QChar c) { return !IsOperation(c) && !IsLineEnd(c); });
         return {};
     }
-    QStringView pair;
+    QStringView pair = TakeOne();
     while (pair.size() < 2 && (IsOperation(Look) || Look == QLatin1Char(')'))) {
-        const bool isStar = Look == QLatin1Char('*');
-        const QStringView taken = TakeRun([](QChar) { return false; });
-        pair = isStar ? taken
-                      : QStringView(pair.isEmpty() ? taken.begin() : pair.begin(), taken.end());
+        const bool beginsAnew = Look == QLatin1Char('*');
+        pair = beginsAnew ? TakeOne() : TakeBehind(pair);
     }
     StoreTokenEnd({g_InputCodeFileCurrentLineCount, g_InputCodeFileCurrentPosCount - 1});
     SkipWhite();
@@ -336,7 +334,10 @@ QStringView GetString() {
 // keeping the white space behind it, which is comment text.
 QStringView GetOperation() {
     StoreTokenBeg(LookPlace());
-    const QStringView text = TakeOneOrTwo(IsOperation);
+    QStringView text = TakeOne();
+    if (IsOperation(Look)) {
+        text = TakeBehind(text);
+    }
     StoreTokenEnd(LookPlace());
     TokenChar = PunctuationToken(text);
     if (TokenChar != TOKEN_LINE_COMMENT) {
@@ -555,7 +556,10 @@ Typ ScanWord(QStringView& text) {
 void ScanSymbol(QStringView& text, bool skipWhite) {
     StoreTokenBeg(LookPlace());
     const QChar first = Look;
-    text = TakeOneOrTwo([first](QChar c) { return c == QLatin1Char('.') && c == first; });
+    text = TakeOne();
+    if (first == QLatin1Char('.') && Look == first) {
+        text = TakeBehind(text);
+    }
     if (first == QLatin1Char('(') && Look == QLatin1Char('*')) {
         TokenChar = TOKEN_COMMENT_BEGIN;
         return;
