@@ -13,6 +13,11 @@
 #include <cstdio>
 #include <cstdlib>
 
+#ifndef Q_OS_WIN
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
 namespace {
 
 // ---------------------------------------------------------------------------------------------
@@ -102,8 +107,10 @@ constexpr std::array<SideFile, 3> SIDE_FILES = {{
     {"-e"_L1, flag_SaveErrFile, ".err"_L1, OutputERRFileNameError, OpenOutputErrFile},
 }};
 
+// A name that begins with ":" would lead Qt to its resources instead of the file system.
 QString FileName(const char* argument) {
-    return QString::fromLocal8Bit(argument);
+    const QString name = QString::fromLocal8Bit(argument);
+    return name.startsWith(QLatin1Char(':')) ? StringsToString("./", name) : name;
 }
 
 // Sets the flag of an option. False for anything that is no option.
@@ -203,6 +210,18 @@ void TakeFileNamesAsBytes() {
 #endif
 }
 
+// A standard stream that the caller closed must not lend its number to a file: what is meant for
+// the screen would end up in that file.
+void OccupyClosedStreams() {
+#ifndef Q_OS_WIN
+    int opened = 0;
+    while (opened >= 0 && opened <= STDERR_FILENO) {
+        opened = open("/dev/null", O_RDWR);
+    }
+    close(opened);
+#endif
+}
+
 // A file-size limit then shows as a failed write, and a reader of the screen output may leave.
 void IgnoreOutputSignals() {
 #ifndef Q_OS_WIN
@@ -221,6 +240,7 @@ void PrepareScreen() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    OccupyClosedStreams();
     TakeFileNamesAsBytes();
     IgnoreOutputSignals();
     PrepareScreen();

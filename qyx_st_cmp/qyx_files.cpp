@@ -50,13 +50,14 @@ fs::path NativePath(const QString& name) {
 }
 
 // Removes an old output file. False if something is there that may not or cannot be removed:
-// only a regular file is, or a symbolic link, and never a link to a device, pipe or socket.
+// only a regular file is, or a symbolic link, and never a link to a device, pipe or socket. False
+// for an empty name too, which no file can have.
 bool RemoveOldFile(const QString& name) {
     std::error_code error;
     const fs::path path = NativePath(name);
     const fs::file_status entry = fs::symlink_status(path, error);
     if (entry.type() == fs::file_type::not_found) {
-        return true;
+        return !path.empty();
     }
     if (!fs::is_regular_file(entry) && !fs::is_symlink(entry)) {
         return false;

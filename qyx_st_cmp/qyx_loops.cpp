@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <initializer_list>
-#include <vector>
+#include <iterator>
+#include <map>
+#include <set>
 
 namespace {
 
@@ -357,36 +359,38 @@ void DoFor(const Body& body) {
 
 enum class TWhatCase : unsigned char { Single, Range };
 
-// A case label of the CASE being compiled; low and high are equal for a single value.
-struct CaseItem {
-    TWhatCase kind;
-    qint64 low;
-    qint64 high;
-
-    bool holds(qint64 value) const { return low <= value && value <= high; }
+// The labels of the CASE being compiled.
+struct CaseItems {
+    std::set<qint64> ends;            // single values, and the low and high ends of ranges
+    std::map<qint64, qint64> ranges;  // high ends by low ends; none inside another
 };
+
+bool IsInRange(const CaseItems& items, qint64 value) {
+    const auto behind = items.ranges.upper_bound(value);
+    return behind != items.ranges.begin() && std::prev(behind)->second >= value;
+}
 
 // QUIRK: a new range that lies strictly inside an older one is not noticed: only the ends of the
 // older range are looked for in the new one. Programs in the field rely on it.
-bool IsDuplicate(const CaseItem& older, const CaseItem& added) {
-    if (added.kind == TWhatCase::Single) {
-        return older.holds(added.low);
-    }
-    return added.holds(older.low) || added.holds(older.high);
+bool IsDuplicate(const CaseItems& items, TWhatCase kind, qint64 low, qint64 high) {
+    const auto end = items.ends.lower_bound(low);
+    const bool holdsAnEnd = end != items.ends.end() && *end <= high;
+    return holdsAnEnd || (kind == TWhatCase::Single && IsInRange(items, low));
 }
 
-// Checks a new label against those before it and adds it to them.
-void CheckCase(std::vector<CaseItem>& items, TWhatCase kind, qint64 low, qint64 high) {
+// Checks a new label against those before it and adds it to them. A range that passes lies either
+// inside an older one or apart from all.
+void CheckCase(CaseItems& items, TWhatCase kind, qint64 low, qint64 high) {
     if (low > high) {
         Abort(TXT_CASE_LOW_BOUND_EXCEEDS_HIGH_BOUND, false);
     }
-    const CaseItem added = {kind, low, high};
-    for (const CaseItem& older : items) {
-        if (IsDuplicate(older, added)) {
-            Abort(TXT_CASE_DUPLICATE_CASE_LABEL, false);
-        }
+    if (IsDuplicate(items, kind, low, high)) {
+        Abort(TXT_CASE_DUPLICATE_CASE_LABEL, false);
     }
-    items.push_back(added);
+    items.ends.insert({low, high});
+    if (kind == TWhatCase::Range && !IsInRange(items, low)) {
+        items.ranges.emplace(low, high);
+    }
 }
 
 // Scans where a label or a separator of labels may stand: a "." ends a number there.
@@ -434,7 +438,7 @@ void EmitCaseTest(const CaseBound& bound, QLatin1String comparison, Label target
 
 // The rest of lo ".." hi, ".." being current
 // <lo test to H>, "JMP X", "H:", <hi test to B>, "X:"
-void CaseRange(std::vector<CaseItem>& items, const CaseBound& low, Label branch) {
+void CaseRange(CaseItems& items, const CaseBound& low, Label branch) {
     ScanInCase();
     const CaseBound high = ReadCaseBound();
     Match(TOKEN_COMMA, TOKEN_COLON);
@@ -452,7 +456,7 @@ void CaseRange(std::vector<CaseItem>& items, const CaseBound& low, Label branch)
 
 // bound [ ".." bound ], and the separator behind it
 // <tests>, which jump to the branch when the selector matches
-void CaseLabel(std::vector<CaseItem>& items, Label branch) {
+void CaseLabel(CaseItems& items, Label branch) {
     const CaseBound bound = ReadCaseBound();
     if (TokenChar == TOKEN_DOT_DOT) {
         CaseRange(items, bound, branch);
@@ -481,8 +485,7 @@ void CaseBranch(const Body& body) {
 
 // label { "," label } ":" statements
 // <tests>, "JMP N", "B:", <statements>, "JMP E", "N:"
-void CaseElement(const Body& body, std::vector<CaseItem>& items, Label branch, Label next,
-                 Label end) {
+void CaseElement(const Body& body, CaseItems& items, Label branch, Label next, Label end) {
     CaseLabel(items, branch);
     while (TokenChar == TOKEN_COMMA) {
         ScanInCase();
@@ -524,7 +527,7 @@ void DoCase(const Body& body) {
     GetNewLabel(end);
     GetNewLabel(branch);
     GetNewLabel(next);
-    std::vector<CaseItem> items;
+    CaseItems items;
     ScanInCase();
     do {
         CaseElement(body, items, branch, next, end);

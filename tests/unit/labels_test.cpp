@@ -7,21 +7,24 @@
 
 namespace {
 
-TEST(Labels, FirstLabelOfARunIsL1) {
-    QString label;
+TEST(Labels, FirstLabelOfARunIsNumberOne) {
+    LabelCount = 1;
+    Label label;
+    EXPECT_TRUE(label.isEmpty());
     GetNewLabel(label);
-    EXPECT_EQ(label, "L1");
+    EXPECT_EQ(label.number, 1);
+    EXPECT_FALSE(label.isEmpty());
 }
 
 TEST(Labels, SecondLabelOfAPairIsDrawnNext) {
     LabelCount = 5;
-    QString label;
-    QString next;
+    Label label;
+    Label next;
     GetNewLabelAndNextLabel(label, next);
-    EXPECT_EQ(label, "L5");
-    EXPECT_EQ(next, "L6");
+    EXPECT_EQ(label.number, 5);
+    EXPECT_EQ(next.number, 6);
     GetNewLabel(label);
-    EXPECT_EQ(label, "L6");
+    EXPECT_EQ(label.number, 6);
 }
 
 TEST(Texts, WidthFillsWithZerosAndNeverCuts) {

@@ -1,0 +1,138 @@
+// What the unit tests share: a compiler in its initial state, sources and files in a directory of
+// their own, and the check that something ends the run.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <QByteArray>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <array>
+#include <cstdio>
+#include <string>
+
+#include "qyx_files.h"
+#include "qyx_globals.h"
+#include "qyx_scanner.h"
+
+// Brings the global state back to that of a process that has just started.
+inline void ResetCompiler() {
+    CloseAllFiles();
+    for (bool* flag : {&flag_SaveListFile, &flag_ShowOnScreen, &flag_ShowInputFileLines,
+                       &flag_ShowCommentedLines, &flag_ShowMessages, &flag_ShowLinesNumber,
+                       &flag_SaveResFile, &flag_SaveErrFile}) {
+        *flag = false;
+    }
+    g_OutputCodeFileName.clear();
+    g_OutputCodeFileCurrentLineCount = 0;
+    g_InputCodeFileTmpLineCount = -1;
+    g_InputCodeFileCurrentLineCount = 0;
+    g_InputCodeFileCurrentPosCount = -1;
+    Look = QChar();
+    TokenPosBeg = {-1, -1};
+    TokenPosEnd = {-1, -1};
+    IdentPlace = {{-1, -1}, {-1, -1}};
+    TokenChar = TOKEN_UNKNOWN;
+    TokenName = {};
+    LabelCount = 1;
+    FunctionsList.clear();
+    ProgramName.clear();
+}
+
+inline std::string ContentOf(const QString& name) {
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "<no such file>";
+}
+
+inline std::string Utf8(QStringView text) {
+    return text.toUtf8().toStdString();
+}
+
+// A place as "line:column", both 0-based.
+inline std::string Place(TokenPos place) {
+    return std::to_string(place.line) + ':' + std::to_string(place.column);
+}
+
+// The line of an error as the screen shows it; line and column are 1-based.
+inline std::string ErrorAt(int line, int column, const std::string& text) {
+    return "Error: Line " + std::to_string(line) + ", Column " + std::to_string(column) + ": " +
+           text + '\n';
+}
+
+// Checks that the action ends the process with status 1 and that exactly this reaches the
+// screen. The action runs in a process of its own: files that it writes can be read afterwards.
+template <typename Action>
+void ExpectFailure(const Action& action, const testing::Matcher<const std::string&>& screen) {
+    const auto run = [&action] {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        flag_ShowOnScreen = true;
+        action();
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(EXIT_FAILURE), screen);
+}
+
+// Collects what reaches standard output while it lives.
+class ScreenCapture {
+public:
+    ScreenCapture() : file_(std::tmpfile()), standardOutput_(dup(STDOUT_FILENO)) {
+        std::fflush(stdout);
+        dup2(fileno(file_), STDOUT_FILENO);
+    }
+    ~ScreenCapture() {
+        std::fflush(stdout);
+        dup2(standardOutput_, STDOUT_FILENO);
+        close(standardOutput_);
+        std::fclose(file_);
+    }
+    ScreenCapture(const ScreenCapture&) = delete;
+    ScreenCapture& operator=(const ScreenCapture&) = delete;
+
+    std::string text() {
+        std::fflush(stdout);
+        std::rewind(file_);
+        std::string all;
+        std::array<char, 4096> block = {};
+        while (const std::size_t count = std::fread(block.data(), 1, block.size(), file_)) {
+            all.append(block.data(), count);
+        }
+        return all;
+    }
+
+private:
+    std::FILE* file_;
+    int standardOutput_;
+};
+
+// Each test starts with a compiler in its initial state and leaves one.
+class CompilerTest : public testing::Test {
+public:
+    CompilerTest(const CompilerTest&) = delete;
+    CompilerTest& operator=(const CompilerTest&) = delete;
+
+protected:
+    CompilerTest() { ResetCompiler(); }
+    ~CompilerTest() override { ResetCompiler(); }
+
+    // A file in a directory that is gone after the test.
+    QString path(const char* name) const { return directory_.filePath(QLatin1String(name)); }
+
+    QString writeFile(const char* name, const std::string& content) const {
+        QFile file(path(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray::fromStdString(content));
+        return file.fileName();
+    }
+
+    // Opens a source and reads up to its first character that is not white.
+    void openSource(const std::string& source) const {
+        OpenInputCodeFile(writeFile("source.st", source));
+        GetChar();
+        SkipWhite();
+    }
+
+private:
+    QTemporaryDir directory_;
+};
