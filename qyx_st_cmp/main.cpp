@@ -94,17 +94,16 @@ constexpr std::array<Option, 8> OPTIONS = {{
 
 // A file beside the code file, made when its option is given.
 struct SideFile {
-    QLatin1String option;
-    bool& isWanted;
+    const bool& isWanted;
     QLatin1String suffix;
     void (*exitOnFailure)();
     void (*open)(const QString& name);
 };
 
 constexpr std::array<SideFile, 3> SIDE_FILES = {{
-    {"-l"_L1, flag_SaveListFile, ".lst"_L1, OutputLSTFileNameError, OpenOutputListFile},
-    {"-r"_L1, flag_SaveResFile, ".res"_L1, OutputRESFileNameError, OpenOutputResFile},
-    {"-e"_L1, flag_SaveErrFile, ".err"_L1, OutputERRFileNameError, OpenOutputErrFile},
+    {flag_SaveListFile, ".lst"_L1, OutputLSTFileNameError, OpenOutputListFile},
+    {flag_SaveResFile, ".res"_L1, OutputRESFileNameError, OpenOutputResFile},
+    {flag_SaveErrFile, ".err"_L1, OutputERRFileNameError, OpenOutputErrFile},
 }};
 
 // A name that begins with ":" would lead Qt to its resources instead of the file system.
@@ -124,37 +123,28 @@ bool SetOption(QLatin1String argument) {
     return false;
 }
 
-bool HasOption(int argc, char** argv, QLatin1String option) {
+// Sets the flags of all options. False if an argument is no option.
+bool ReadOptions(int argc, char** argv) {
+    bool areKnown = true;
     for (int i = FIRST_OPTION; i < argc; ++i) {
-        if (QLatin1String(argv[i]) == option) {
-            return true;
-        }
+        areKnown = SetOption(QLatin1String(argv[i])) && areKnown;
     }
-    return false;
+    return areKnown;
 }
 
 // Refuses every output name that leads to the source, before anything is removed.
-void CheckSourceIsKept(int argc, char** argv, const QString& input, const QString& output) {
+void CheckSourceIsKept(const QString& input, const QString& output) {
     if (IsSameFile(output, input)) {
         OutputFileNameError();
     }
     for (const SideFile& sideFile : SIDE_FILES) {
-        if (HasOption(argc, argv, sideFile.option) &&
-            IsSameFile(StringsToString(output, sideFile.suffix), input)) {
+        if (sideFile.isWanted && IsSameFile(StringsToString(output, sideFile.suffix), input)) {
             sideFile.exitOnFailure();
         }
     }
 }
 
-void ReadOptions(int argc, char** argv) {
-    for (int i = FIRST_OPTION; i < argc; ++i) {
-        if (!SetOption(QLatin1String(argv[i]))) {
-            ArgumensError();
-        }
-    }
-}
-
-// Probes that every output can be created; old files of their names are gone afterwards.
+// Probes that the side files can be created; old files of their names are gone afterwards.
 void ProbeSideFiles(const QString& output) {
     for (const SideFile& sideFile : SIDE_FILES) {
         if (sideFile.isWanted && !FileCanExists(StringsToString(output, sideFile.suffix), true)) {
@@ -191,7 +181,7 @@ void Compile() {
     int stackDepth = 0;
     DoFunctions(labels, stackDepth);
     DoProgram(labels, stackDepth);
-    if (Look != QChar(END_OF_INPUT)) {
+    if (!IsEndOfInput(Look)) {
         Warning(TXT_UNEXPECTED_DATA_AFTER_END_PROGRAM, false);
     }
 }
@@ -254,11 +244,14 @@ int main(int argc, char** argv) {
         InputFileNameError();
     }
     const QString output = FileName(argv[OUTPUT_ARGUMENT]);
-    CheckSourceIsKept(argc, argv, input, output);
+    const bool areOptionsKnown = ReadOptions(argc, argv);
+    CheckSourceIsKept(input, output);
     if (!FileCanExists(output, true)) {
         OutputFileNameError();
     }
-    ReadOptions(argc, argv);
+    if (!areOptionsKnown) {
+        ArgumensError();
+    }
     ProbeSideFiles(output);
     OpenFiles(input, output);
     Compile();

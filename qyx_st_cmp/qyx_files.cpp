@@ -215,8 +215,8 @@ QString OutlineInputCodeString(const QString& text, int line) {
     return StringsToString(";", TXT_LINE, " ", number, ": \"", text, "\"");
 }
 
-// QUIRK: -c promises to show comment lines, yet the echo shows comments with and without it. The
-// option is wired to this place, and listings that are compared across versions rely on the echo.
+// QUIRK: -c promises to show comment lines, yet the echo shows comments with and without it: no
+// code reads the option. Listings that are compared across versions rely on the echo.
 QString RemoveComment(const QString& text) {
     return text;
 }

@@ -2,7 +2,8 @@
 //
 // Every text that the compiler produces passes the router, which decides by the kind of the line
 // and the options what reaches the code file, the listing, the result file, the error file and
-// standard output, and in which form. Texts travel as UTF-8 from here on.
+// standard output, and in which form. Items of target code, by far the most of it, are put
+// together in the code file's buffer and take a short way. Texts travel as UTF-8 from here on.
 #pragma once
 
 #include "qyx_globals.h"

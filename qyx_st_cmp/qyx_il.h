@@ -84,8 +84,8 @@ char* PutPart(char* to, const Operand& operand);
 // The result variable of a function, "@RESULT"
 inline constexpr Operand RESULT_OPERAND = {BY_VALUE, "RESULT"};
 
-// The operand of a variable with the spelling of this use. The result variable, the only one with
-// a reserved name, is always spelled RESULT.
+// The operand of a variable with the spelling of this use. Only the result variable can have a
+// reserved name, as no declaration takes one; it is always spelled RESULT.
 Operand OperandOf(const VarItem& variable, const Spelling& name);
 
 // The operand of an element of an array, whose index is in that place.

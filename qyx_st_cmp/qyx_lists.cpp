@@ -174,8 +174,8 @@ std::size_t FoldedHashOf(QStringView text) {
 
 bool IsSameText(QStringView a, QStringView b) {
     return a.size() == b.size() &&
-           std::memcmp(a.data(), b.data(), static_cast<std::size_t>(a.size()) * sizeof(QChar)) ==
-               0;
+           (a.isEmpty() || std::memcmp(a.data(), b.data(),
+                                       static_cast<std::size_t>(a.size()) * sizeof(QChar)) == 0);
 }
 
 // All names and their spellings, the reserved words from the start.

@@ -106,7 +106,7 @@ QString BooleanValue() {
 // Returns the value field of the declaration line.
 QString InitialValue(Typ declared, Typ literal) {
     if (TokenChar == TOKEN_STRING) {
-        ConvertTyp(declared, TYP_STRING, false);
+        ConvertTyp(declared, TYP_STRING, false);  // aborts for every type that can be declared
         return TokenName.toString();
     }
     const bool isSigned = TokenChar == TOKEN_MINUS || TokenChar == TOKEN_PLUS;

@@ -10,5 +10,5 @@
 // first token of the source; PROGRAM should be current on return.
 void DoFunctions(LabelsList& labels, int& stackDepth);
 
-// Compiles the program. Entered with PROGRAM current; END_PROGRAM is current on return.
+// Compiles the program; PROGRAM must be current. END_PROGRAM is current on return.
 void DoProgram(LabelsList& labels, int& stackDepth);

@@ -159,11 +159,11 @@ void SkipSemicolumn() {
     SkipWhite();
 }
 
-namespace {
-
 bool IsEndOfInput(QChar c) {
     return c == QChar(END_OF_INPUT);
 }
+
+namespace {
 
 // Where a line ends: no comment of one line and no string goes on behind it.
 bool IsLineEnd(QChar c) {
@@ -410,7 +410,7 @@ void TakeDigits(QString& text, bool (*isDigit)(QChar)) {
     }
 }
 
-// The notation whose prefix begins the text, or null.
+// The notation whose prefix, the only "#" being at its end, begins the text, or null.
 const Notation* NotationOf(QStringView text) {
     for (const Notation& notation : NOTATIONS) {
         if (text.startsWith(notation.prefix)) {
@@ -422,7 +422,11 @@ const Notation* NotationOf(QStringView text) {
 
 // The value of digits in that base; isInRange tells whether it fits 64 bits, else it is 0.
 qint64 ValueOf(QStringView digits, int base, bool* isInRange) {
+    *isInRange = false;
     std::array<char, NUMBER_LENGTH_LIMIT> text;
+    if (digits.size() > NUMBER_LENGTH_LIMIT) {
+        return 0;
+    }
     const char* const textEnd = std::transform(digits.begin(), digits.end(), text.data(),
                                                [](QChar c) { return c.toLatin1(); });
     qint64 value = 0;
@@ -475,7 +479,7 @@ Typ GetNotation(QString& text) {
     AppendToNumber(text, Look);
     GetChar();
     const Notation* notation = NotationOf(text);
-    if (notation == nullptr || text != notation->prefix) {
+    if (notation == nullptr) {
         Abort(TXT_BAD_SUFFIX_ON_NUMBER, false);
     }
     return GetBasedDigit(*notation, text);
@@ -656,7 +660,7 @@ QString TokenDescription(Token code) {
         return TXT_IDENTIFIER;
     }
     const int row = Lookup(code);
-    return row < 0 ? QString() : Quoted(TokensTable[row].text);
+    return row == NO_ROW ? QString() : Quoted(TokensTable[row].text);
 }
 
 // Aborts with <alternatives> expected but "<current token>" found (<context>).
@@ -674,7 +678,7 @@ QString TokenDescription(Token code) {
 QString Alternatives(std::initializer_list<Token> codes) {
     QString joined;
     for (const Token code : codes) {
-        if (Lookup(code) < 0) {
+        if (Lookup(code) == NO_ROW) {
             return QString();
         }
         if (!joined.isEmpty()) {
@@ -706,7 +710,7 @@ void Match(Token first, Token second, Token third, QLatin1String context) {
 }
 
 qint64 StrToInt64(QStringView text) {
-    if (text.isEmpty()) {
+    if (text.isEmpty()) {  // no number token is
         AbortAtLook(TXT_STRING_EXPECTED_BUT);
     }
     for (const QChar c : text) {

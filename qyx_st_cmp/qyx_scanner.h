@@ -21,6 +21,7 @@ void SkipWhite();
 // Skips semicolons, then white space.
 void SkipSemicolumn();
 
+bool IsEndOfInput(QChar c);
 bool IsWhite(QChar c);
 bool IsSemicolumn(QChar c);
 bool IsAlpha(QChar c);   // a Latin letter or "_"

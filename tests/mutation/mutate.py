@@ -19,6 +19,7 @@ import random
 import re
 import resource
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -412,6 +413,9 @@ UNMUTATED_SECONDS = 300  # what a test may take when nothing is changed
 MEMORY_LIMIT = 4 << 30
 FILE_SIZE_LIMIT = 1 << 30
 
+TIMED_OUT = -signal.SIGKILL
+NOT_BUILT = "not built"
+
 COMPILER_TARGET = "yxstcmp"
 UNIT_TARGET = "yxst_unit_tests"
 
@@ -457,7 +461,7 @@ class Worker:
         self.tests = {test.name: test for test in self.find_tests()}
 
     def run(self, command, seconds, environment=None):
-        """Whether the command succeeds in that time; all that it started ends with it."""
+        """The exit status, TIMED_OUT behind that time; all that it started ends with it."""
         self.scratch.mkdir(exist_ok=True)
         process = subprocess.run(
             ["timeout", "--signal=KILL", str(seconds), *command],
@@ -468,10 +472,10 @@ class Worker:
             stderr=subprocess.DEVNULL,
         )
         shutil.rmtree(self.scratch, ignore_errors=True)
-        return process.returncode == 0
+        return process.returncode
 
     def build(self, target):
-        return self.run(["ninja", target], BUILD_SECONDS)
+        return self.run(["ninja", "-j1", target], BUILD_SECONDS) == 0
 
     def find_tests(self):
         """All tests that can be run, those of the unit tests' program as a single one."""
@@ -486,10 +490,10 @@ class Worker:
                     found = Test("unit", [found.command[0], "--gtest_fail_fast"], {})
                 yield found
 
-    def passes(self, name, seconds):
+    def run_test(self, name, seconds):
         test = self.tests[name]
         if test.is_unit() and not self.build(UNIT_TARGET):
-            return False
+            return NOT_BUILT
         return self.run(test.command, seconds, test.environment)
 
     def judge(self, mutant, suite):
@@ -500,9 +504,10 @@ class Worker:
             if not self.build(COMPILER_TARGET):
                 return "not compiled", ""
             for name in suite.in_order(mutant.source.name):
-                if not self.passes(name, suite.limit(name)):
+                status = self.run_test(name, suite.limit(name))
+                if status != 0:
                     suite.kills[mutant.source.name, name] += 1
-                    return "killed", name
+                    return "killed", f"{name} (timed out)" if status == TIMED_OUT else name
             return "survived", ""
         finally:
             path.write_text(mutant.source.text)
@@ -516,12 +521,14 @@ class Suite:
         self.seconds = {}
         for name in worker.tests:
             begin = time.monotonic()
-            if worker.passes(name, UNMUTATED_SECONDS):
+            if worker.run_test(name, UNMUTATED_SECONDS) == 0:
                 self.seconds[name] = time.monotonic() - begin
             else:
                 print(f"{name} fails without a change and is left out", flush=True)
         if "unit" not in worker.tests:
             print("the unit tests do not build and are left out", flush=True)
+        total = sum(self.seconds.values())
+        print(f"{len(self.seconds)} tests pass without a change, in {total:.0f} s", flush=True)
 
     def in_order(self, file):
         """First what is quick and has killed mutants of that file."""

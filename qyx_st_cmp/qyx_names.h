@@ -1,0 +1,128 @@
+// Names, and lists of records that are found by name.
+//
+// A word of the source is looked up once, when it is scanned: its spelling leads to all that is
+// known about the name, and names are equal exactly if they are the same Name.
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+#include <cstddef>
+#include <list>
+#include <string>
+#include <utility>
+#include <vector>
+
+constexpr int NO_ROW = -1;  // of a word that stands in no table
+
+// One name in all its spellings; spellings that differ in case alone are one name.
+struct Name {
+    std::size_t hash;  // of the case-folded characters
+    QString text;      // the spelling seen first
+    int row;           // in TokensTable, NO_ROW if the name is not reserved
+};
+
+// One way to spell a name.
+struct Spelling {
+    std::size_t hash;  // of the characters as they are
+    QString text;
+    std::string utf8;
+    const Name* name;
+};
+
+// The one spelling with that text; it lives as long as the process.
+const Spelling& SpellingOf(QStringView text);
+
+// The text, kept for as long as the process lives.
+QStringView KeepText(const QString& text);
+
+// A hash table of slots by open addressing. A slot tells its hash, and an empty one is false.
+template <typename Slot>
+class HashSlots {
+public:
+    // The slot with that hash of which isSought holds, else an empty one.
+    template <typename IsSought>
+    Slot find(std::size_t hash, IsSought isSought) const {
+        if (slots_.empty()) {
+            return Slot();
+        }
+        std::size_t index = hash & (slots_.size() - 1);
+        while (slots_[index] && !(slots_[index].hash() == hash && isSought(slots_[index]))) {
+            index = (index + 1) & (slots_.size() - 1);
+        }
+        return slots_[index];
+    }
+    void insert(Slot slot) {
+        ++used_;
+        if (used_ > slots_.size() / 2) {
+            grow();
+        }
+        place(slots_, slot);
+    }
+
+private:
+    static constexpr std::size_t GROWTH = 4;
+
+    std::vector<Slot> slots_;  // none or a power of two, at most half of it used
+    std::size_t used_ = 0;
+
+    static void place(std::vector<Slot>& slots, Slot slot) {
+        std::size_t index = slot.hash() & (slots.size() - 1);
+        while (slots[index]) {
+            index = (index + 1) & (slots.size() - 1);
+        }
+        slots[index] = slot;
+    }
+    void grow() {
+        std::vector<Slot> larger(slots_.empty() ? GROWTH : slots_.size() * GROWTH);
+        for (const Slot& slot : slots_) {
+            if (slot) {
+                place(larger, slot);
+            }
+        }
+        slots_ = std::move(larger);
+    }
+};
+
+// Records in the order in which they were appended, found by their names without regard to case.
+// A record stays where it is while others are appended. Names neither change nor repeat.
+template <typename Record>
+class NameList {
+public:
+    NameList() = default;
+    NameList(const NameList&) = delete;  // the index points into the records
+    NameList& operator=(const NameList&) = delete;
+    NameList(NameList&&) noexcept = default;
+    NameList& operator=(NameList&&) noexcept = default;
+    ~NameList() = default;
+
+    Record& append(Record record) {
+        Record& stored = records_.emplace_back(std::move(record));
+        index_.insert({SpellingOf(stored.name).name, &stored});
+        return stored;
+    }
+    // The record of that name, or null. A list that may not grow still lets its records be
+    // marked.
+    Record* find(const Spelling& spelling) const {
+        const Name* name = spelling.name;
+        return index_.find(name->hash, [name](const Slot& slot) { return slot.name == name; })
+            .record;
+    }
+    Record* find(QStringView text) const { return find(SpellingOf(text)); }
+    void clear() { *this = NameList(); }
+    bool isEmpty() const { return records_.empty(); }
+    auto begin() const { return records_.begin(); }
+    auto end() const { return records_.end(); }
+
+private:
+    struct Slot {
+        const Name* name = nullptr;
+        Record* record = nullptr;
+
+        explicit operator bool() const { return name != nullptr; }
+        std::size_t hash() const { return name->hash; }
+    };
+
+    std::list<Record> records_;
+    HashSlots<Slot> index_;
+};
