@@ -5,6 +5,7 @@
 #include "qyx_scanner.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <charconv>
 #include <cstdio>
@@ -43,7 +44,7 @@ constexpr qint64 MAX_SOURCE_SIZE = 1'000'000'000;
 constexpr std::size_t WRITE_BLOCK_SIZE = std::size_t{256} * 1024;
 
 // Digits of a code line's number in the listing; larger numbers take more.
-constexpr int LINE_NUMBER_WIDTH = 4;
+constexpr std::size_t LINE_NUMBER_WIDTH = 4;
 
 fs::path NativePath(const QString& name) {
     return QFile::encodeName(name).toStdString();
@@ -206,9 +207,9 @@ int ReadCharFromInputCodeFile() {
     return g_InputCodeFileHandle->getChar();
 }
 
-QString OutlineInputCodeString(const QString& text, int line) {
+QString OutlineInputCodeString(QStringView text, int line) {
     if (text.isEmpty()) {
-        return text;
+        return QString();
     }
     QString number;
     IntToStr(line + 1, number, DECIMAL);
@@ -217,7 +218,7 @@ QString OutlineInputCodeString(const QString& text, int line) {
 
 // QUIRK: -c promises to show comment lines, yet the echo shows comments with and without it: no
 // code reads the option. Listings that are compared across versions rely on the echo.
-QString RemoveComment(const QString& text) {
+QStringView RemoveComment(QStringView text) {
     return text;
 }
 
@@ -227,9 +228,9 @@ QString GetInputCodeFileCurrentLineParams(int line) {
         return QString();
     }
     const auto index = static_cast<std::size_t>(line);
-    const QString& text = g_InputCodeFileHandle->text();
+    const QStringView text = g_InputCodeFileHandle->text();
     const int begin = g_InputCodeFileLinesList[index];
-    const int end = line + 1 < count ? g_InputCodeFileLinesList[index + 1] : text.size();
+    const qsizetype end = line + 1 < count ? g_InputCodeFileLinesList[index + 1] : text.size();
     return OutlineInputCodeString(RemoveComment(text.mid(begin, end - begin).trimmed()), line);
 }
 
@@ -367,13 +368,23 @@ void WriteStringToScreen(std::string_view text, bool force) {
 
 namespace {
 
-// A code line as the listing shows it: its number with -n, the text, a line feed.
-std::string ListingForm(std::string_view item) {
-    std::string line;
+// Appends the number, filled with zeros to four digits.
+void AppendLineNumber(std::string& line, int number) {
+    std::array<char, std::numeric_limits<int>::digits10 + 1> digits = {};
+    const char* end = std::to_chars(digits.begin(), digits.end(), number).ptr;
+    const auto count = static_cast<std::size_t>(end - digits.data());
+    line.append(LINE_NUMBER_WIDTH - std::min(count, LINE_NUMBER_WIDTH), '0');
+    line.append(digits.data(), count);
+}
+
+// A code line as the listing shows it: its number with -n, the text, a line feed. Holds until the
+// next one is made.
+const std::string& ListingForm(std::string_view item) {
+    static std::string line;
+    line.clear();
     if (flag_ShowLinesNumber) {
-        QString number;
-        IntToStr(g_OutputCodeFileCurrentLineCount + 1, number, LINE_NUMBER_WIDTH, DECIMAL);
-        line = number.toStdString() + '\t';
+        AppendLineNumber(line, g_OutputCodeFileCurrentLineCount + 1);
+        line.push_back('\t');
     }
     line.append(item);
     line.push_back('\n');
@@ -473,7 +484,7 @@ char* MakeCodeSpace(std::size_t size) {
 }
 
 void ListItem(std::string_view item) {
-    const std::string line = ListingForm(item);
+    const std::string& line = ListingForm(item);
     WriteStringToScreen(line, false);
     WriteStringToOutputListFile(line);
 }

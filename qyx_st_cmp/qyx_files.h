@@ -103,10 +103,10 @@ void CloseInputCodeFile();
 int ReadCharFromInputCodeFile();
 
 // A source line as the listing echoes it, `;Line 7: "text"`; an empty line stays empty.
-QString OutlineInputCodeString(const QString& text, int line);
+QString OutlineInputCodeString(QStringView text, int line);
 
 // The place where comments would be taken out of the echo; the text comes back unchanged.
-QString RemoveComment(const QString& text);
+QStringView RemoveComment(QStringView text);
 
 // The echo of the line with that 0-based index; empty for a blank line and beyond the last.
 QString GetInputCodeFileCurrentLineParams(int line);

@@ -24,7 +24,7 @@ char* PutPart(char* to, const Operand& operand) {
 }
 
 Operand OperandOf(const VarItem& variable, const Spelling& name) {
-    if (name.name->row != NO_ROW) {
+    if (name.row != NO_ROW) {
         return RESULT_OPERAND;
     }
     return {variable.isReference ? BY_REFERENCE : BY_VALUE, name.utf8};

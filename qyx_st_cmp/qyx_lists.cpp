@@ -4,6 +4,7 @@
 #include "qyx_messages.h"
 #include "qyx_scanner.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <deque>
@@ -126,10 +127,11 @@ const QVector<qint64>& ScalarBounds() {
 namespace {
 
 struct SpellingSlot {
+    std::size_t textHash = 0;
     const Spelling* spelling = nullptr;
 
     explicit operator bool() const { return spelling != nullptr; }
-    std::size_t hash() const { return spelling->hash; }
+    std::size_t hash() const { return textHash; }
 };
 
 struct NameSlot {
@@ -172,10 +174,15 @@ std::size_t FoldedHashOf(QStringView text) {
     return hash;
 }
 
-bool IsSameText(QStringView a, QStringView b) {
-    return a.size() == b.size() &&
-           (a.isEmpty() || std::memcmp(a.data(), b.data(),
-                                       static_cast<std::size_t>(a.size()) * sizeof(QChar)) == 0);
+// Whether the spelling is that text. The UTF-8 form of a short name lies in the spelling itself
+// and of an ASCII name it is as long as the text, so that most names are compared without a
+// detour.
+bool IsSpelled(const Spelling& spelling, QStringView text) {
+    if (spelling.utf8.size() != static_cast<std::size_t>(text.size())) {
+        return spelling.text == text;
+    }
+    return std::equal(text.begin(), text.end(), spelling.utf8.begin(),
+                      [](QChar c, char ascii) { return c == QLatin1Char(ascii); });
 }
 
 // All names and their spellings, the reserved words from the start.
@@ -189,8 +196,8 @@ public:
 
     const Spelling& spellingOf(QStringView text) {
         const std::size_t hash = HashOf(text);
-        const SpellingSlot found = spellingSlots_.find(hash, [text](const SpellingSlot& slot) {
-            return IsSameText(slot.spelling->text, text);
+        const SpellingSlot found = spellingSlots_.find(hash, [=](const SpellingSlot& slot) {
+            return slot.textHash == hash && IsSpelled(*slot.spelling, text);
         });
         return found ? *found.spelling : addSpelling(text, hash);
     }
@@ -208,16 +215,18 @@ private:
     }
 
     const Name& nameOf(QStringView text) {
-        const NameSlot found = nameSlots_.find(FoldedHashOf(text), [text](const NameSlot& slot) {
-            return StrCmp(slot.name->text, text, true) == 0;
+        const std::size_t hash = FoldedHashOf(text);
+        const NameSlot found = nameSlots_.find(hash, [=](const NameSlot& slot) {
+            return slot.name->hash == hash && StrCmp(slot.name->text, text, true) == 0;
         });
         return found ? *found.name : addName(text.toString(), NO_ROW);
     }
 
     const Spelling& addSpelling(QStringView text, std::size_t hash) {
         const Name& name = nameOf(text);
-        spellings_.push_back({hash, text.toString(), text.toUtf8().toStdString(), &name});
-        spellingSlots_.insert({&spellings_.back()});
+        spellings_.push_back(
+            {&name, name.hash, name.row, text.toString(), text.toUtf8().toStdString()});
+        spellingSlots_.insert({hash, &spellings_.back()});
         return spellings_.back();
     }
 };
@@ -284,7 +293,7 @@ Token PunctuationToken(QStringView text) {
 }
 
 int Lookup(QStringView text) {
-    return SpellingOf(text).name->row;
+    return SpellingOf(text).row;
 }
 
 int Lookup(Token code) {

@@ -22,12 +22,16 @@ struct Name {
     int row;           // in TokensTable, NO_ROW if the name is not reserved
 };
 
-// One way to spell a name.
-struct Spelling {
-    std::size_t hash;  // of the characters as they are
+constexpr std::size_t CACHE_LINE_SIZE = 64;
+
+// One way to spell a name. What every use of the name asks is repeated from Name, so that one
+// cache line holds it all.
+struct alignas(CACHE_LINE_SIZE) Spelling {
+    const Name* name;
+    std::size_t nameHash;
+    int row;
     QString text;
     std::string utf8;
-    const Name* name;
 };
 
 // The one spelling with that text; it lives as long as the process.
@@ -40,14 +44,14 @@ QStringView KeepText(const QString& text);
 template <typename Slot>
 class HashSlots {
 public:
-    // The slot with that hash of which isSought holds, else an empty one.
+    // The slot of which isSought holds among those with that hash, else an empty one.
     template <typename IsSought>
     Slot find(std::size_t hash, IsSought isSought) const {
         if (slots_.empty()) {
             return Slot();
         }
         std::size_t index = hash & (slots_.size() - 1);
-        while (slots_[index] && !(slots_[index].hash() == hash && isSought(slots_[index]))) {
+        while (slots_[index] && !isSought(slots_[index])) {
             index = (index + 1) & (slots_.size() - 1);
         }
         return slots_[index];
@@ -61,7 +65,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t GROWTH = 4;
+    static constexpr std::size_t GROWTH = 2;
 
     std::vector<Slot> slots_;  // none or a power of two, at most half of it used
     std::size_t used_ = 0;
@@ -105,7 +109,8 @@ public:
     // marked.
     Record* find(const Spelling& spelling) const {
         const Name* name = spelling.name;
-        return index_.find(name->hash, [name](const Slot& slot) { return slot.name == name; })
+        return index_
+            .find(spelling.nameHash, [name](const Slot& slot) { return slot.name == name; })
             .record;
     }
     Record* find(QStringView text) const { return find(SpellingOf(text)); }

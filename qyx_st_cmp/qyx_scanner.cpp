@@ -302,7 +302,7 @@ QStringView GetNameR(bool skipWhite) {
     const QStringView name = TakeRun(IsAlphaOrDigitR);
     StoreTokenEnd(LookPlace());
     TokenSpelling = &SpellingOf(name);
-    const int row = TokenSpelling->name->row;
+    const int row = TokenSpelling->row;
     TokenChar = row == NO_ROW ? TOKEN_IDENTIFIER : TokensTable[row].code;
     if (skipWhite) {
         SkipWhite();

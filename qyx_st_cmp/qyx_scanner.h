@@ -8,6 +8,7 @@
 #include "qyx_files.h"
 #include "qyx_globals.h"
 
+#include <cstring>
 #include <type_traits>
 
 // ---------------------------------------------------------------------------------------------
@@ -108,10 +109,22 @@ QString Quoted(QLatin1String text);
 // Compares two texts: negative, 0 or positive.
 int StrCmp(QStringView a, QStringView b, bool ignoreCase);
 
+inline int LengthOf(QChar) {
+    return 1;
+}
+inline int LengthOf(const char* part) {
+    return static_cast<int>(std::strlen(part));
+}
+template <typename Text>
+int LengthOf(const Text& part) {
+    return static_cast<int>(part.size());
+}
+
 // Joins the parts (strings, string literals, characters) in order with nothing between them.
 template <typename... Parts>
 QString StringsToString(const Parts&... parts) {
     QString joined;
+    joined.reserve((LengthOf(parts) + ...));
     const auto append = [&joined](const auto& part) {
         if constexpr (std::is_convertible_v<decltype(part), const char*>) {
             joined += QLatin1String(part);
