@@ -25,16 +25,15 @@ namespace {
 // ---------------------------------------------------------------------------------------------
 
 void Trademark() {
-    WriteToOutputFiles(TXT_TRADEMARK, WHAT_INFORMATION, false);
+    WriteLn(TXT_TRADEMARK, WHAT_INFORMATION);
 }
 
 // "Build successful.  Elapsed time: 42 ms."
 void Finish(qint64 elapsedMs) {
     QString milliseconds;
     Int64ToStr(elapsedMs, milliseconds, DECIMAL);
-    WriteToOutputFiles(
-        StringsToString(TXT_BUILD_SUCCESSFUL, "  Elapsed time: ", milliseconds, " ms."),
-        WHAT_INFORMATION, false);
+    WriteLn(StringsToString(TXT_BUILD_SUCCESSFUL, "  Elapsed time: ", milliseconds, " ms."),
+            WHAT_INFORMATION);
 }
 
 // Ends a run that cannot begin. No output file is open yet and none is deleted.

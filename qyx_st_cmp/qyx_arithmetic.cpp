@@ -235,7 +235,8 @@ Typ LoadVariable(const VarsList& vars, const Spelling& name) {
 //
 // QUIRK: the linear index is made in #R0 while the operand names #R1. The engine pairs the two.
 Typ LoadElement(const VarsList& vars, const Spelling& name) {
-    const VarItem& array = IsArrayVarInVarsList(vars, name);
+    VarItem& array = IsArrayVarInVarsList(vars, name);
+    array.isUsed = true;
     ArrayIndices(vars, array, false);
     if (array.arrayDimensions == 1) {
         EmitLoad(ElementOperand(array, name, INDEX_ON_STACK));
@@ -489,7 +490,7 @@ Typ Comparison(Token code, QLatin1String keyword, const VarsList& vars, Typ typ)
     if (IsBoolean(TokenChar)) {
         ComparedLiteral();
     } else {
-        ConvertTyp(typ, Expression(vars, literal), false);
+        ConvertTyp(typ, Expression(vars, literal), false);  // only a check
     }
     EmitStackOperation(keyword);
     EmitTest();
@@ -593,6 +594,8 @@ Typ BoolRightOperand(const VarsList& vars, Label& label) {
     return MergeUnlessBool(TYP_BOOL, BoolExpression(vars, literal, label));
 }
 
+// The left operand of a Boolean operation must be BOOL. BitTerm has taken the operator already
+// where it is not, with a check of its own in the same words.
 void CheckBoolLeftOperand(Token code, Typ typ) {
     Match(code);
     if (!IsTypBoolean(typ)) {

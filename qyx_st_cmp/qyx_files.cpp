@@ -244,7 +244,7 @@ void TypeInputCodeCurrentLine() {
     }
     const QString echo = GetInputCodeFileCurrentLineParams(g_InputCodeFileCurrentLineCount);
     if (!echo.isEmpty()) {
-        WriteToOutputFiles(echo, WHAT_SOURCE_ECHO, false);
+        WriteLn(echo, WHAT_SOURCE_ECHO);
     }
 }
 
@@ -339,10 +339,6 @@ void WriteStringToSideFile(bool isWanted, const std::unique_ptr<FileHandle>& han
 }
 
 }  // namespace
-
-void WriteStringToOutputCodeFile(std::string_view text) {
-    g_OutputCodeFileHandle->commit(PutPart(ReserveCode(text.size()), text));
-}
 
 void WriteStringToOutputListFile(std::string_view text) {
     WriteStringToSideFile(flag_SaveListFile, g_OutputListFileHandle, text);

@@ -136,9 +136,8 @@ void CloseOutputErrFile();
 void CloseAllFiles();
 void DeleteOutputCodeFile();
 
-// Append to one output. The code file aborts on failure; the others fail silently and take
-// nothing unless their option is set. The screen takes text with -s or with force.
-void WriteStringToOutputCodeFile(std::string_view text);
+// Append to one output. They fail silently and take nothing unless their option is set; the
+// screen takes text with force too.
 void WriteStringToOutputListFile(std::string_view text);
 void WriteStringToOutputResFile(std::string_view text);
 void WriteStringToOutputErrFile(std::string_view text);

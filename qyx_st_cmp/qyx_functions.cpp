@@ -20,9 +20,6 @@ struct Formal {
     Typ type;
 };
 
-constexpr bool FUNCTION = true;
-constexpr bool FUNCTION_BLOCK = false;
-
 void AddBuiltIn(FunctionList& list, const char* name, bool isFunction,
                 std::initializer_list<Formal> formals, Typ resultType) {
     FunctionItem function;
@@ -44,12 +41,12 @@ void AddBuiltIn(FunctionList& list, const char* name, bool isFunction,
 
 // A mathematical function of one LREAL.
 void AddMath(FunctionList& list, const char* name) {
-    AddBuiltIn(list, name, FUNCTION, {{"arg1", TYP_LREAL}}, TYP_LREAL);
+    AddBuiltIn(list, name, IS_FUNCTION, {{"arg1", TYP_LREAL}}, TYP_LREAL);
 }
 
 // A reader of one engine register, which four words address.
 void AddGetRegister(FunctionList& list, const char* name, Typ type) {
-    AddBuiltIn(list, name, FUNCTION,
+    AddBuiltIn(list, name, IS_FUNCTION,
                {{"W0", TYP_UDINT}, {"W1", TYP_UDINT}, {"W2", TYP_UDINT}, {"W3", TYP_UDINT}},
                type);
 }
@@ -57,7 +54,7 @@ void AddGetRegister(FunctionList& list, const char* name, Typ type) {
 // A writer of one engine register.
 void AddSetRegister(FunctionList& list, const char* name, Typ type) {
     AddBuiltIn(
-        list, name, FUNCTION_BLOCK,
+        list, name, IS_FUNCTION_BLOCK,
         {{"W0", TYP_UDINT}, {"W1", TYP_UDINT}, {"W2", TYP_UDINT}, {"W3", TYP_UDINT}, {"V", type}},
         TYP_LREAL);
 }
@@ -71,11 +68,11 @@ void AddBuildInFunctions(FunctionList& list) {
                              "round", "exp", "fabs", "ln", "log10"}) {
         AddMath(list, name);
     }
-    AddBuiltIn(list, "pow", FUNCTION, {{"arg1", TYP_LREAL}, {"arg1", TYP_LREAL}}, TYP_LREAL);
+    AddBuiltIn(list, "pow", IS_FUNCTION, {{"arg1", TYP_LREAL}, {"arg1", TYP_LREAL}}, TYP_LREAL);
     AddMath(list, "sqrt");
-    AddBuiltIn(list, "yxSetGV", FUNCTION_BLOCK, {{"arg1", TYP_UINT}, {"arg2", TYP_LREAL}},
+    AddBuiltIn(list, "yxSetGV", IS_FUNCTION_BLOCK, {{"arg1", TYP_UINT}, {"arg2", TYP_LREAL}},
                TYP_LREAL);
-    AddBuiltIn(list, "yxGetGV", FUNCTION, {{"arg1", TYP_UINT}}, TYP_LREAL);
+    AddBuiltIn(list, "yxGetGV", IS_FUNCTION, {{"arg1", TYP_UINT}}, TYP_LREAL);
     AddGetRegister(list, "yxGetRegUSINT", TYP_USINT);
     AddGetRegister(list, "yxGetRegUINT", TYP_UINT);
     AddGetRegister(list, "yxGetRegUDINT", TYP_UDINT);

@@ -257,11 +257,14 @@ struct VarItem {
     TokenPos declEnd = {-1, -1};
 };
 
+constexpr bool IS_FUNCTION = true;
+constexpr bool IS_FUNCTION_BLOCK = false;  // gives no result
+
 // A user function, a function block or a built-in.
 struct FunctionItem {
     QString name;                    // as declared
     std::vector<VarItem> arguments;  // the formal parameters in declaration order
-    bool isFunction = true;          // false: a function block, which gives no result
+    bool isFunction = IS_FUNCTION;
     Typ resultType = TYP_LREAL;
     bool isUsed = false;
     bool isBuiltIn = false;

@@ -78,7 +78,7 @@ struct Operand {
     QLatin1String elementType = {};  // the short code of its type
 };
 
-std::size_t PartSize(const Operand& operand);
+std::size_t PartSize(const Operand& operand);  // at most, as for an element
 char* PutPart(char* to, const Operand& operand);
 
 // The result variable of a function, "@RESULT"

@@ -260,8 +260,8 @@ constexpr PunctuationTable MakePunctuationTable() {
     }
     for (const token& row : TokensTable) {
         if (row.text.size() <= 2) {
-            const auto first = static_cast<std::size_t>(row.text.data()[0]);
-            const auto second = static_cast<std::size_t>(row.text.data()[1]);
+            const auto first = static_cast<unsigned char>(row.text.data()[0]);
+            const auto second = static_cast<unsigned char>(row.text.data()[1]);
             table[first][second] = row.code;
         }
     }

@@ -300,28 +300,20 @@ void DoAllocDeclYX(const EngineSection& section, VarsList& vars) {
     WriteItem(added.name, ' ', section.code, ' ', keyword, numbers);
 }
 
-void DoAllocDeclYXGlobal(VarsList& vars) {
-    DoAllocDeclYX(YXGLOBAL_SECTION, vars);
+// Section = keyword { Declaration } END_VAR
+void DoEngineSection(const EngineSection& section, VarsList& vars) {
+    Match(section.keyword);
+    do {
+        DoAllocDeclYX(section, vars);
+    } while (!IsEndDeclVars(TokenChar));
 }
 
-void DoAllocDeclYXRegister(VarsList& vars) {
-    DoAllocDeclYX(YXREGISTER_SECTION, vars);
-}
-
-// Section = VAR_YXGLOBAL { Declaration } END_VAR
 void DoDecl_VAR_YXGLOBAL(VarsList& vars) {
-    Match(TOKEN_VAR_YXGLOBAL);
-    do {
-        DoAllocDeclYXGlobal(vars);
-    } while (!IsEndDeclVars(TokenChar));
+    DoEngineSection(YXGLOBAL_SECTION, vars);
 }
 
-// Section = VAR_YXREGISTER { Declaration } END_VAR
 void DoDecl_VAR_YXREGISTER(VarsList& vars) {
-    Match(TOKEN_VAR_YXREGISTER);
-    do {
-        DoAllocDeclYXRegister(vars);
-    } while (!IsEndDeclVars(TokenChar));
+    DoEngineSection(YXREGISTER_SECTION, vars);
 }
 
 // Aborts with The "VAR_ARG" declaration cannot be used here.
@@ -373,8 +365,6 @@ void WarnOfUnusedFunctions() {
 // ---------------------------------------------------------------------------------------------
 // Functions and function blocks
 // ---------------------------------------------------------------------------------------------
-
-constexpr bool IS_FUNCTION = true;
 
 // Appends the record of a new function. Aborts when the name is taken.
 void DoAllocDeclFunc(TokenPlace place, const QString& name) {
@@ -443,13 +433,14 @@ void DefinitionSection(VarsList& args, VarsList& locals) {
     ScanBehindSection();
 }
 
-// { Section }, unless the definition ends at once; `bodyBegin` may begin a body without sections.
-void ArgsDecls(VarsList& args, VarsList& locals, Token end, Token bodyBegin) {
+// { Section }, unless the definition ends at once
+void ArgsDecls(VarsList& args, VarsList& locals, Token end, bool mayBeginWithResult) {
     Scan();
     if (TokenChar == end) {
         return;
     }
-    if (!IsDeclVars(TokenChar) && TokenChar != bodyBegin) {
+    const bool isBody = mayBeginWithResult && TokenChar == TOKEN_RESULT;
+    if (!IsDeclVars(TokenChar) && !isBody) {
         Unrecognized(TokenName);
     }
     while (IsDeclVars(TokenChar)) {
@@ -460,11 +451,11 @@ void ArgsDecls(VarsList& args, VarsList& locals, Token end, Token bodyBegin) {
 // QUIRK: a function without sections may begin its body with RESULT and with nothing else, and a
 // function block without sections must be empty. The language has it so.
 void FArgsDecls(VarsList& args, VarsList& locals) {
-    ArgsDecls(args, locals, TOKEN_END_FUNCTION, TOKEN_RESULT);
+    ArgsDecls(args, locals, TOKEN_END_FUNCTION, true);
 }
 
 void FBArgsDecls(VarsList& args, VarsList& locals) {
-    ArgsDecls(args, locals, TOKEN_END_FUNCTION_BLOCK, TOKEN_END_FUNCTION_BLOCK);
+    ArgsDecls(args, locals, TOKEN_END_FUNCTION_BLOCK, false);
 }
 
 // The result variable that the body of a function sees.
@@ -581,7 +572,7 @@ void DoFunction_Block(LabelsList& labels, int& stackDepth) {
     VarsList args;
     VarsList locals;
     FBArgsDecls(args, locals);
-    DoAllocFuncArguments(name, args, locals, !IS_FUNCTION, TYP_NONE);
+    DoAllocFuncArguments(name, args, locals, IS_FUNCTION_BLOCK, TYP_NONE);
     FBBody(name, locals, labels, stackDepth);
 }
 

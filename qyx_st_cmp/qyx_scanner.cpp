@@ -487,7 +487,7 @@ Typ GetNotation(QString& text) {
 
 // Digits alone.
 // QUIRK: digits that exceed 64 bits count as the value 0 and so as a SINT; only their number is
-// limited. The engine reads the digits themselves, and programs rely on the type.
+// limited. Programs in the field rely on the type.
 Typ GetInteger(QStringView digits) {
     StoreTokenEnd(LookPlace());
     SkipWhite();

@@ -4,6 +4,7 @@
 #include "qyx_scanner.h"
 
 #include <array>
+#include <cassert>
 
 bool IsTypBoolean(Typ t) {
     return t == TYP_BOOL;
@@ -113,7 +114,7 @@ constexpr Typ ConvertUDIntTo(Typ next, bool strict) {
 }
 
 // QUIRK: a REAL takes a BOOL, while a BOOL takes no REAL and an LREAL no BOOL. Programs in the
-// field store flags in REAL variables.
+// field rely on it.
 constexpr Typ ConvertRealTo(Typ next) {
     return Convert(REAL_CONVERSION, next, false);
 }
@@ -190,6 +191,7 @@ constexpr ConversionTable CONVERSIONS = MakeConversionTable();
 }  // namespace
 
 Typ ConvertTyp(Typ current, Typ next, bool strict) {
+    assert(current < TYP_CODES_COUNT && next < TYP_CODES_COUNT);
     const Typ result = CONVERSIONS[strict ? 1 : 0][current][next];
     if (result == REJECTED) {
         AbortIncompatible(current, next);

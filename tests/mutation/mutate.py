@@ -226,27 +226,23 @@ def number(source, _):
                     yield source.edit(index, index, f"{other}{match[2]}")
 
 
-def neighbour(character, forbidden=""):
+def neighbour(character):
     following = chr(ord(character) + 1)
-    usable = following.isalnum() == character.isalnum() and following not in forbidden
+    usable = following.isalnum() == character.isalnum() and following not in "'\"\\\x7f"
     return following if usable else chr(ord(character) - 1)
 
 
 def text(source, chance):
-    """One character of a text becomes its neighbour, or goes if it is no letter and no digit."""
+    """One character of a text becomes its neighbour, or goes if it is a blank."""
     for index, token in enumerate(source.tokens):
-        inner = token.text[1:-1]
-        if token.kind == "char" and len(inner) == 1:
-            yield source.edit(index, index, f"'{neighbour(inner, forbidden=QUOTES)}'")
+        quote, inner = token.text[0], token.text[1:-1]
         plain = [match for match in re.finditer(r"\\.|.", inner) if len(match[0]) == 1]
-        if token.kind == "text" and plain:
+        if token.kind in ("text", "char") and plain:
             chosen = chance.choice(plain)
-            new = neighbour(chosen[0]) if chosen[0].isalnum() else ""
+            new = "" if chosen[0] == " " and token.kind == "text" else neighbour(chosen[0])
             changed = inner[: chosen.start()] + new + inner[chosen.end() :]
-            yield source.edit(index, index, f'"{changed}"')
+            yield source.edit(index, index, quote + changed + quote)
 
-
-QUOTES = "'\\"
 
 # Where the constants of each kind are defined.
 KINDS = {
@@ -451,8 +447,9 @@ class Worker:
         self.build_folder = folder / "build"
         self.scratch = folder / "scratch"  # for the files that tests leave behind
         shutil.copytree(folder.parent / "tree", self.tree)
-        options = ["-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -DNDEBUG"]
-        options.append(f"-DPython3_EXECUTABLE={sys.executable}")
+        # Quick to compile, and an index out of range ends the run.
+        flags = "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS"
+        options = ["-DCMAKE_BUILD_TYPE=Debug", flags, f"-DPython3_EXECUTABLE={sys.executable}"]
         configure = ["cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build_folder, *options]
         subprocess.run(configure, check=True, stdout=subprocess.DEVNULL)
         if not self.build(COMPILER_TARGET):

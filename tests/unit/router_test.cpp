@@ -303,7 +303,7 @@ TEST_F(Router, AForcedAbortReachesNoFile) {
 TEST_F(Router, CodeWithoutACodeFileEndsTheRun) {
     const std::string line = ErrorAt(0, 0, "A problem writing output file");
     ExpectFailure([] { WriteLn(QStringLiteral("RET"), WHAT_CODE); }, testing::EndsWith(line));
-    ExpectFailure([] { WriteStringToOutputCodeFile("RET"); }, line);
+    ExpectFailure([] { WriteItem("RET"_L1); }, line);
     ExpectFailure([] { FinishOutputCodeFile(); }, line);
 }
 
@@ -325,7 +325,7 @@ TEST_F(Router, ACodeFileThatCannotBeWrittenEndsTheRun) {
         setrlimit(RLIMIT_FSIZE, &fileSize);
         flag_ShowOnScreen = false;
         OpenOutputCodeFile(path("code"));
-        WriteStringToOutputCodeFile(std::string(limit + 1, 'x'));
+        WriteItem(std::string_view(std::string(limit + 1, 'x')));
         flag_ShowOnScreen = true;
         FinishOutputCodeFile();
     };
