@@ -141,6 +141,8 @@ struct NameSlot {
     std::size_t hash() const { return name->hash; }
 };
 
+constexpr std::size_t ASCII_COUNT = 128;
+
 constexpr std::size_t HASH_SEED = 0xCBF29CE484222325;
 constexpr std::size_t HASH_FACTOR = 0x9E3779B97F4A7C15;
 constexpr unsigned HASH_SHIFT = 32;
@@ -166,10 +168,19 @@ std::size_t HashOf(QStringView text) {
     return hash;
 }
 
+ushort Folded(QChar c) {
+    const ushort unit = c.unicode();
+    const bool isCapital = unit >= 'A' && unit <= 'Z';
+    if (unit < ASCII_COUNT) {
+        return isCapital ? static_cast<ushort>(unit - 'A' + 'a') : unit;
+    }
+    return c.toCaseFolded().unicode();
+}
+
 std::size_t FoldedHashOf(QStringView text) {
     std::size_t hash = HASH_SEED;
     for (const QChar c : text) {
-        hash = Mix(hash, c.toCaseFolded().unicode());
+        hash = Mix(hash, Folded(c));
     }
     return hash;
 }
@@ -185,12 +196,15 @@ bool IsSpelled(const Spelling& spelling, QStringView text) {
                       [](QChar c, char ascii) { return c == QLatin1Char(ascii); });
 }
 
-// All names and their spellings, the reserved words from the start.
+// All names and their spellings, the reserved words and the types from the start.
 class NameTable {
 public:
     NameTable() {
         for (int row = 0; row < TOKENS_COUNT; ++row) {
-            addName(QString(TokensTable[row].text), row);
+            addName(TokensTable[row].text, row, NO_ROW);
+        }
+        for (int row = 0; row < TYPS_COUNT; ++row) {
+            addName(TypsTable[row].name, NO_ROW, row);
         }
     }
 
@@ -203,13 +217,15 @@ public:
     }
 
 private:
+    static constexpr std::size_t USUAL_SIZE = 1024;  // slots that most programs can do with
+
     std::deque<Name> names_;
     std::deque<Spelling> spellings_;
-    HashSlots<NameSlot> nameSlots_;
-    HashSlots<SpellingSlot> spellingSlots_;
+    HashSlots<NameSlot> nameSlots_ = HashSlots<NameSlot>(USUAL_SIZE);
+    HashSlots<SpellingSlot> spellingSlots_ = HashSlots<SpellingSlot>(USUAL_SIZE);
 
-    const Name& addName(const QString& text, int row) {
-        names_.push_back({FoldedHashOf(text), text, row});
+    const Name& addName(const QString& text, int row, int typeRow) {
+        names_.push_back({FoldedHashOf(text), text, row, typeRow});
         nameSlots_.insert({&names_.back()});
         return names_.back();
     }
@@ -219,7 +235,7 @@ private:
         const NameSlot found = nameSlots_.find(hash, [=](const NameSlot& slot) {
             return slot.name->hash == hash && StrCmp(slot.name->text, text, true) == 0;
         });
-        return found ? *found.name : addName(text.toString(), NO_ROW);
+        return found ? *found.name : addName(text.toString(), NO_ROW, NO_ROW);
     }
 
     const Spelling& addSpelling(QStringView text, std::size_t hash) {
@@ -248,7 +264,6 @@ constexpr RowsByCode MakeRowsByCode() {
 constexpr RowsByCode ROWS_BY_CODE = MakeRowsByCode();
 
 // Token codes by the first character and the second, which is 0 where there is none.
-constexpr std::size_t ASCII_COUNT = 128;
 using PunctuationTable = std::array<std::array<Token, ASCII_COUNT>, ASCII_COUNT>;
 
 constexpr PunctuationTable MakePunctuationTable() {
@@ -277,7 +292,7 @@ constexpr PunctuationTable PUNCTUATION = MakePunctuationTable();
 }  // namespace
 
 const Spelling& SpellingOf(QStringView text) {
-    static NameTable table;
+    static NameTable& table = *new NameTable;  // never deleted: the process ends first
     return table.spellingOf(text);
 }
 
@@ -300,17 +315,13 @@ int Lookup(Token code) {
     return ROWS_BY_CODE[code];
 }
 
-bool IsItReservedWord(QStringView name) {
-    return Lookup(name) != NO_ROW || GetTypFromTypsTable(name) != TYP_NONE;
+bool IsItReservedWord(const Spelling& name) {
+    return name.row != NO_ROW || name.name->typeRow != NO_ROW;
 }
 
 Typ GetTypFromTypsTable(QStringView name) {
-    for (const typ& row : TypsTable) {
-        if (name.compare(row.name, Qt::CaseInsensitive) == 0) {
-            return row.code;
-        }
-    }
-    return TYP_NONE;
+    const int row = SpellingOf(name).name->typeRow;
+    return row == NO_ROW ? TYP_NONE : TypsTable[row].code;
 }
 
 Typ IsTypInTypsTable(QStringView name) {
@@ -322,7 +333,7 @@ Typ IsTypInTypsTable(QStringView name) {
     return type;
 }
 
-bool IsItInFunctionsList(const FunctionList& list, QStringView name) {
+bool IsItInFunctionsList(const FunctionList& list, const Spelling& name) {
     return list.find(name) != nullptr;
 }
 
@@ -331,10 +342,11 @@ bool IsItInFunctionsList(const FunctionList& list, QStringView name) {
 // ---------------------------------------------------------------------------------------------
 
 VarItem& AddVarToVarsList(VarsList& list, VarItem item) {
-    CheckDuplicate(item.name, list);
+    const Spelling& name = SpellingOf(item.name);
+    CheckDuplicate(name, list);
     item.mayBeUninitialized = !item.isInitialized;
     item.isUsed = false;
-    return list.append(std::move(item));
+    return list.append(name.name, std::move(item));
 }
 
 VarItem& IsVarInVarsList(const VarsList& list, const Spelling& name) {
@@ -355,20 +367,20 @@ VarItem& IsArrayVarInVarsList(const VarsList& list, const Spelling& name) {
 
 // QUIRK: this message has two blanks before the name where CheckDuplicate has one: the text ends
 // in a blank and one more is put behind it. Messages are fixed.
-void IsVarAlreadyInVarsList(const VarsList& list, QStringView name) {
+void IsVarAlreadyInVarsList(const VarsList& list, const Spelling& name) {
     if (list.find(name) != nullptr) {
-        AbortDuplicate(" "_L1, name);
+        AbortDuplicate(" "_L1, name.text);
     }
 }
 
-void CheckDuplicate(QStringView name, const VarsList& list1, const VarsList& list2) {
+void CheckDuplicate(const Spelling& name, const VarsList& list1, const VarsList& list2) {
     CheckDuplicate(name, list2);
     CheckDuplicate(name, list1);
 }
 
-void CheckDuplicate(QStringView name, const VarsList& list) {
+void CheckDuplicate(const Spelling& name, const VarsList& list) {
     if (list.find(name) != nullptr) {
-        AbortDuplicate(QLatin1String(), name);
+        AbortDuplicate(QLatin1String(), name.text);
     }
 }
 

@@ -15,7 +15,7 @@
 Token PunctuationToken(QStringView text);
 
 // Whether the name is the text of any token, punctuation included, or the name of a type.
-bool IsItReservedWord(QStringView name);
+bool IsItReservedWord(const Spelling& name);
 
 // The type of that name. IsTypInTypsTable aborts on an unknown name with An unrecognized keyword
 // "name", its source line echoed before; GetTypFromTypsTable returns TYP_NONE.
@@ -26,7 +26,7 @@ Typ GetTypFromTypsTable(QStringView name);
 // Functions
 // ---------------------------------------------------------------------------------------------
 
-bool IsItInFunctionsList(const FunctionList& list, QStringView name);
+bool IsItInFunctionsList(const FunctionList& list, const Spelling& name);
 
 // ---------------------------------------------------------------------------------------------
 // Variables
@@ -44,9 +44,9 @@ VarItem& IsArrayVarInVarsList(const VarsList& list, const Spelling& name);
 
 // Abort with the duplicate message if a list holds the name. IsVarAlreadyInVarsList puts two
 // blanks before the quoted name, CheckDuplicate one.
-void IsVarAlreadyInVarsList(const VarsList& list, QStringView name);
-void CheckDuplicate(QStringView name, const VarsList& list1, const VarsList& list2);
-void CheckDuplicate(QStringView name, const VarsList& list);
+void IsVarAlreadyInVarsList(const VarsList& list, const Spelling& name);
+void CheckDuplicate(const Spelling& name, const VarsList& list1, const VarsList& list2);
+void CheckDuplicate(const Spelling& name, const VarsList& list);
 
 // Aborts if locals are declared already: arguments must come first.
 void CheckOnTop(const VarsList& locals);

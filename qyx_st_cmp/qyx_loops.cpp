@@ -62,7 +62,7 @@ void EmitJumpIfFalse(Label target, Label pendingLabel) {
 // "<NAME>:"; the statement counts as ended, no ";" follows.
 void LabelDefinition(const Body& body, const Spelling& name) {
     const QString label = name.text.toUpper();
-    CheckDuplicate(label, body.variables);
+    CheckDuplicate(SpellingOf(label), body.variables);
     IsLabelItemInLabelLists(body.labels, label);
     PostLabel(label);
     TokenChar = TOKEN_SEMICOLON;

@@ -19,7 +19,8 @@ constexpr int NO_ROW = -1;  // of a word that stands in no table
 struct Name {
     std::size_t hash;  // of the case-folded characters
     QString text;      // the spelling seen first
-    int row;           // in TokensTable, NO_ROW if the name is not reserved
+    int row;           // in TokensTable, NO_ROW if the name is no token
+    int typeRow;       // in TypsTable, NO_ROW if the name is no type
 };
 
 constexpr std::size_t CACHE_LINE_SIZE = 64;
@@ -44,6 +45,9 @@ QStringView KeepText(const QString& text);
 template <typename Slot>
 class HashSlots {
 public:
+    HashSlots() = default;
+    explicit HashSlots(std::size_t size) : slots_(size) {}  // a power of two
+
     // The slot of which isSought holds among those with that hash, else an empty one.
     template <typename IsSought>
     Slot find(std::size_t hash, IsSought isSought) const {
@@ -101,8 +105,12 @@ public:
     ~NameList() = default;
 
     Record& append(Record record) {
+        const Name* name = SpellingOf(record.name).name;
+        return append(name, std::move(record));
+    }
+    Record& append(const Name* name, Record record) {
         Record& stored = records_.emplace_back(std::move(record));
-        index_.insert({SpellingOf(stored.name).name, &stored});
+        index_.insert({name, &stored});
         return stored;
     }
     // The record of that name, or null. A list that may not grow still lets its records be

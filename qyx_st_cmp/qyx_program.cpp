@@ -51,17 +51,17 @@ bool IsEndDeclVars(Token code) {
     Abort(StringsToString(usingWhat, " ", Quoted(name), " ", TXT_HERE_IS_ILLEGAL), false);
 }
 
-void CheckNotReserved(QStringView name) {
+void CheckNotReserved(const Spelling& name) {
     if (IsItReservedWord(name)) {
-        AbortIllegalName(TXT_USING_RESERVED_WORD, name);
+        AbortIllegalName(TXT_USING_RESERVED_WORD, name.text);
     }
 }
 
 // A name that may be declared: no reserved word and no function.
-void CheckNewName(QStringView name) {
+void CheckNewName(const Spelling& name) {
     CheckNotReserved(name);
     if (IsItInFunctionsList(FunctionsList, name)) {
-        AbortIllegalName(TXT_USING_FUNCTION_NAME, name);
+        AbortIllegalName(TXT_USING_FUNCTION_NAME, name.text);
     }
 }
 
@@ -164,10 +164,11 @@ VarItem DeclaredName(const Section& section, QStringView& name, const VarsList& 
         variable.isConstant = true;
         Scan(name, false, true);
     }
-    CheckNewName(name);
-    CheckDuplicate(name, list, otherList);
+    const Spelling& spelling = SpellingOf(name);
+    CheckNewName(spelling);
+    CheckDuplicate(spelling, list, otherList);
     Match(TOKEN_IDENTIFIER);
-    variable.name = name.toString();
+    variable.name = spelling.text;
     variable.isReference = section.keyword == TOKEN_VAR_REF;
     variable.isInitialized = section.isInitialized;
     variable.declBegin = IdentPlace.begin;
@@ -283,8 +284,9 @@ void DoAllocDeclYX(const EngineSection& section, VarsList& vars) {
         Abort(TXT_THIS_VAIABLE_CANNOT_BE_CONSTANT, false);
     }
     VarItem variable;
-    variable.name = TokenName.toString();
-    CheckNewName(variable.name);
+    const Spelling& spelling = SpellingOf(TokenName);
+    CheckNewName(spelling);
+    variable.name = spelling.text;
     Match(TOKEN_IDENTIFIER);
     variable.isInitialized = true;  // the engine supplies the value
     variable.declBegin = IdentPlace.begin;
@@ -368,8 +370,9 @@ void WarnOfUnusedFunctions() {
 
 // Appends the record of a new function. Aborts when the name is taken.
 void DoAllocDeclFunc(TokenPlace place, const QString& name) {
-    CheckNotReserved(name);
-    if (IsItInFunctionsList(FunctionsList, name)) {
+    const Spelling& spelling = SpellingOf(name);
+    CheckNotReserved(spelling);
+    if (IsItInFunctionsList(FunctionsList, spelling)) {
         Abort(StringsToString(TXT_DUPLICATE_FUNCTION_NAME, Quoted(name)), false);
     }
     FunctionItem function;

@@ -632,13 +632,9 @@ void ScanName(QStringView& text, bool skipWhite) {
 
 // Type = letter { letter | digit }, Latin only, upper-cased.
 void GetType(QString& text, bool skipWhite) {
-    text.resize(0);
     StoreTokenBeg(LookPlace());
     CheckNameBegin(IsAlpha);
-    while (IsAlphaOrDigit(Look)) {
-        text += Look.toUpper();
-        GetChar();
-    }
+    text = TakeRun(IsAlphaOrDigit).toString().toUpper();
     StoreTokenEnd(LookPlace());
     if (skipWhite) {
         SkipWhite();

@@ -209,8 +209,8 @@ TEST_F(Lists, InsertionRefusesANameThatIsThere) {
 
 TEST_F(Lists, TheCheckBeforeADeclarationPutsTwoBlanksBeforeTheName) {
     AddVarToVarsList(list_, Variable(QStringLiteral("x")));
-    IsVarAlreadyInVarsList(list_, QStringLiteral("y"));
-    ExpectFailure([&] { IsVarAlreadyInVarsList(list_, QStringLiteral("X")); },
+    IsVarAlreadyInVarsList(list_, SpellingOf(QStringLiteral("y")));
+    ExpectFailure([&] { IsVarAlreadyInVarsList(list_, SpellingOf(QStringLiteral("X"))); },
                   ErrorAt(0, 0, "Duplicate variable name  \"X\""));
 }
 
@@ -218,13 +218,13 @@ TEST_F(Lists, TheCheckOfTwoListsPutsOneBlankBeforeTheName) {
     VarsList other;
     AddVarToVarsList(list_, Variable(QStringLiteral("x")));
     AddVarToVarsList(other, Variable(QStringLiteral("y")));
-    CheckDuplicate(QStringLiteral("z"), list_, other);
-    CheckDuplicate(QStringLiteral("y"), list_);
-    ExpectFailure([&] { CheckDuplicate(QStringLiteral("X"), list_, other); },
+    CheckDuplicate(SpellingOf(QStringLiteral("z")), list_, other);
+    CheckDuplicate(SpellingOf(QStringLiteral("y")), list_);
+    ExpectFailure([&] { CheckDuplicate(SpellingOf(QStringLiteral("X")), list_, other); },
                   ErrorAt(0, 0, "Duplicate variable name \"X\""));
-    ExpectFailure([&] { CheckDuplicate(QStringLiteral("Y"), list_, other); },
+    ExpectFailure([&] { CheckDuplicate(SpellingOf(QStringLiteral("Y")), list_, other); },
                   ErrorAt(0, 0, "Duplicate variable name \"Y\""));
-    ExpectFailure([&] { CheckDuplicate(QStringLiteral("X"), list_); },
+    ExpectFailure([&] { CheckDuplicate(SpellingOf(QStringLiteral("X")), list_); },
                   ErrorAt(0, 0, "Duplicate variable name \"X\""));
 }
 
@@ -240,8 +240,8 @@ TEST_F(Lists, FunctionsAreFoundInAnyCase) {
     FunctionItem function;
     function.name = QStringLiteral("Площадь");
     functions.append(function);
-    EXPECT_TRUE(IsItInFunctionsList(functions, QStringLiteral("ПЛОЩАДЬ")));
-    EXPECT_FALSE(IsItInFunctionsList(functions, QStringLiteral("Площад")));
+    EXPECT_TRUE(IsItInFunctionsList(functions, SpellingOf(QStringLiteral("ПЛОЩАДЬ"))));
+    EXPECT_FALSE(IsItInFunctionsList(functions, SpellingOf(QStringLiteral("Площад"))));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -290,17 +290,17 @@ TEST_F(Lists, AnUnknownTypeIsRefusedBehindItsSourceLine) {
 TEST_F(Lists, TokensAndTypesAreReservedInAnyCase) {
     for (const token& row : TokensTable) {
         const QString text = row.text;
-        EXPECT_TRUE(IsItReservedWord(text)) << Utf8(text);
-        EXPECT_TRUE(IsItReservedWord(text.toLower())) << Utf8(text);
+        EXPECT_TRUE(IsItReservedWord(SpellingOf(text))) << Utf8(text);
+        EXPECT_TRUE(IsItReservedWord(SpellingOf(text.toLower()))) << Utf8(text);
     }
     for (const TypeName& row : TYPE_NAMES) {
         const QString name = QLatin1String(row.name);
-        EXPECT_TRUE(IsItReservedWord(name)) << row.name;
-        EXPECT_TRUE(IsItReservedWord(name.toLower())) << row.name;
+        EXPECT_TRUE(IsItReservedWord(SpellingOf(name))) << row.name;
+        EXPECT_TRUE(IsItReservedWord(SpellingOf(name.toLower()))) << row.name;
     }
     for (const QString& name : {QStringLiteral("WORD"), QStringLiteral("end"), QString(),
                                 QStringLiteral("lreal1"), QStringLiteral("=>")}) {
-        EXPECT_FALSE(IsItReservedWord(name)) << Utf8(name);
+        EXPECT_FALSE(IsItReservedWord(SpellingOf(name))) << Utf8(name);
     }
 }
 
