@@ -111,72 +111,60 @@ Typ BinaryOperation(const BinaryOperator& op, const VarsList& vars, Typ typ) {
     return merged;
 }
 
+// The operators, each with its token, its keyword and the operands that it takes.
+//
 // QUIRK: "+" checks no operand itself: a BOOL on its left is refused by the conversion, in other
 // words than those of "-".
-constexpr BinaryOperator ADD = {TOKEN_PLUS, sADD, OperandClass::Any};
-constexpr BinaryOperator SUBTRACT = {TOKEN_MINUS, sSUB, OperandClass::Digit};
-constexpr BinaryOperator MULTIPLY = {TOKEN_MULTIPLY, sMUL, OperandClass::Digit};
-constexpr BinaryOperator DIVIDE = {TOKEN_DIVIDE, sDIV, OperandClass::Digit};
-constexpr BinaryOperator MOD = {TOKEN_MOD, sMOD, OperandClass::Ordinal};
-constexpr BinaryOperator BIT_AND = {TOKEN_AND, sBAND, OperandClass::Ordinal};
-constexpr BinaryOperator BIT_OR = {TOKEN_OR, sBOR, OperandClass::Ordinal};
-constexpr BinaryOperator BIT_XOR = {TOKEN_XOR, sBXOR, OperandClass::Ordinal};
-constexpr BinaryOperator BIT_SHL = {TOKEN_SHL, sSHL, OperandClass::Ordinal};
-constexpr BinaryOperator BIT_SHR = {TOKEN_SHR, sSHR, OperandClass::Ordinal};
-constexpr BinaryOperator BIT_ROL = {TOKEN_ROL, sROL, OperandClass::Ordinal};
-constexpr BinaryOperator BIT_ROR = {TOKEN_ROR, sROR, OperandClass::Ordinal};
-constexpr BinaryOperator POW = {TOKEN_POWER, sPOW, OperandClass::Digit};
-
 Typ Add(const VarsList& vars, Typ typ) {
-    return BinaryOperation(ADD, vars, typ);
+    return BinaryOperation({TOKEN_PLUS, sADD, OperandClass::Any}, vars, typ);
 }
 
 Typ Subtract(const VarsList& vars, Typ typ) {
-    return BinaryOperation(SUBTRACT, vars, typ);
+    return BinaryOperation({TOKEN_MINUS, sSUB, OperandClass::Digit}, vars, typ);
 }
 
 Typ Multiply(const VarsList& vars, Typ typ) {
-    return BinaryOperation(MULTIPLY, vars, typ);
+    return BinaryOperation({TOKEN_MULTIPLY, sMUL, OperandClass::Digit}, vars, typ);
 }
 
 Typ Divide(const VarsList& vars, Typ typ) {
-    return BinaryOperation(DIVIDE, vars, typ);
+    return BinaryOperation({TOKEN_DIVIDE, sDIV, OperandClass::Digit}, vars, typ);
 }
 
 Typ Mod(const VarsList& vars, Typ typ) {
-    return BinaryOperation(MOD, vars, typ);
+    return BinaryOperation({TOKEN_MOD, sMOD, OperandClass::Ordinal}, vars, typ);
 }
 
 Typ BitAnd(const VarsList& vars, Typ typ) {
-    return BinaryOperation(BIT_AND, vars, typ);
+    return BinaryOperation({TOKEN_AND, sBAND, OperandClass::Ordinal}, vars, typ);
 }
 
 Typ BitOr(const VarsList& vars, Typ typ) {
-    return BinaryOperation(BIT_OR, vars, typ);
+    return BinaryOperation({TOKEN_OR, sBOR, OperandClass::Ordinal}, vars, typ);
 }
 
 Typ BitXor(const VarsList& vars, Typ typ) {
-    return BinaryOperation(BIT_XOR, vars, typ);
+    return BinaryOperation({TOKEN_XOR, sBXOR, OperandClass::Ordinal}, vars, typ);
 }
 
 Typ BitShl(const VarsList& vars, Typ typ) {
-    return BinaryOperation(BIT_SHL, vars, typ);
+    return BinaryOperation({TOKEN_SHL, sSHL, OperandClass::Ordinal}, vars, typ);
 }
 
 Typ BitShr(const VarsList& vars, Typ typ) {
-    return BinaryOperation(BIT_SHR, vars, typ);
+    return BinaryOperation({TOKEN_SHR, sSHR, OperandClass::Ordinal}, vars, typ);
 }
 
 Typ BitRol(const VarsList& vars, Typ typ) {
-    return BinaryOperation(BIT_ROL, vars, typ);
+    return BinaryOperation({TOKEN_ROL, sROL, OperandClass::Ordinal}, vars, typ);
 }
 
 Typ BitRor(const VarsList& vars, Typ typ) {
-    return BinaryOperation(BIT_ROR, vars, typ);
+    return BinaryOperation({TOKEN_ROR, sROR, OperandClass::Ordinal}, vars, typ);
 }
 
 Typ Pow(const VarsList& vars, Typ typ) {
-    return BinaryOperation(POW, vars, typ);
+    return BinaryOperation({TOKEN_POWER, sPOW, OperandClass::Digit}, vars, typ);
 }
 
 using Operation = Typ (*)(const VarsList& vars, Typ typ);
