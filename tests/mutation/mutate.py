@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Makes small changes to the compiler's sources, one at a time, and tells which the tests miss.
 
-    mutate.py [--list] [--only N] [--files NAME...] [--workers N] [--count N] [--seed N]
+    mutate.py [--list] [--only N...] [--files NAME...] [--workers N] [--count N] [--seed N]
 
-Each change (a mutant) is built and tested in a copy of the work tree outside of it. A mutant that
-some test fails on is killed; one that passes them all survives, and is either a case that the
-tests lack or a change that nothing can show. A test that runs far beyond its usual time fails.
+Each change (a mutant) is built and tested in a copy of the work tree outside of it. A mutant on
+which some test fails is killed; one that passes them all survives, and shows either a case that
+the tests lack or a change that nothing can show. A test far beyond its usual time fails.
 
 The tests are those of CTest but for the ones labelled slow. Those that fail without any change
 are left out, with a notice. The mutants depend on the seed and the sources alone.
@@ -111,7 +111,7 @@ class Source:
         return self.edit(first[0], second[1], new)
 
     def find_at_depth(self, first, wanted):
-        """The next of the wanted tokens that stands in no further brackets; None behind those."""
+        """The next of the wanted tokens outside of further brackets; None if there is none."""
         index = first
         while index < len(self.tokens):
             if self.at(index) in wanted:
