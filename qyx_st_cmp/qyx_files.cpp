@@ -1,6 +1,5 @@
 #include "qyx_files.h"
 
-#include "qyx_il.h"
 #include "qyx_messages.h"
 #include "qyx_scanner.h"
 
@@ -501,13 +500,4 @@ char* PutPart(char* to, QStringView part) {
         *end++ = static_cast<char>(unit.unicode());
     }
     return end;
-}
-
-std::size_t PartSize(Label) {
-    return PartSize(sLABEL) + std::numeric_limits<int>::digits10 + 1;
-}
-
-char* PutPart(char* to, Label part) {
-    to = PutPart(to, sLABEL);
-    return std::to_chars(to, to + std::numeric_limits<int>::digits10 + 1, part.number).ptr;
 }

@@ -193,9 +193,6 @@ inline char* PutPart(char* to, QLatin1String part) {
 std::size_t PartSize(QStringView part);
 char* PutPart(char* to, QStringView part);
 
-std::size_t PartSize(Label part);
-char* PutPart(char* to, Label part);
-
 // Writes one item of target code.
 //
 // QUIRK: the code file is one single line: every item is followed by one blank and no line end,

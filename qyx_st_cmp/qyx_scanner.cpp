@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 
 QChar Look;
 int g_InputCodeFileCurrentLineCount = 0;
@@ -739,6 +740,15 @@ void GetNewLabel(Label& label) {
 void GetNewLabelAndNextLabel(Label& label, Label& next) {
     GetNewLabel(label);
     next = {LabelCount};
+}
+
+std::size_t PartSize(Label) {
+    return PartSize(sLABEL) + std::numeric_limits<int>::digits10 + 1;
+}
+
+char* PutPart(char* to, Label part) {
+    to = PutPart(to, sLABEL);
+    return std::to_chars(to, to + std::numeric_limits<int>::digits10 + 1, part.number).ptr;
 }
 
 void PostPendingLabel(Label label) {

@@ -81,6 +81,10 @@ void GetNewLabel(Label& label);
 // Draws the next label and tells the one after it without drawing it.
 void GetNewLabelAndNextLabel(Label& label, Label& next);
 
+// A label as a part of an item, "L" and its number.
+std::size_t PartSize(Label part);
+char* PutPart(char* to, Label part);
+
 // Writes the item "<label>:".
 template <typename Text>
 void PostLabel(const Text& label) {
