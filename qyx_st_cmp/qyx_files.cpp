@@ -75,8 +75,8 @@ bool RemoveOldFile(const QString& name) {
 // FileHandle
 // ---------------------------------------------------------------------------------------------
 
-FileHandle::FileHandle(const QString& name, bool forReading) : QFile(name), reading_(forReading) {
-    if (reading_) {
+FileHandle::FileHandle(const QString& name, bool forReading) : QFile(name) {
+    if (forReading) {
         readAllText();
     } else {
         opened_ = open(QIODevice::Append | QIODevice::Text | QIODevice::Unbuffered);
@@ -84,9 +84,7 @@ FileHandle::FileHandle(const QString& name, bool forReading) : QFile(name), read
 }
 
 FileHandle::~FileHandle() {
-    if (opened_ && !reading_) {
-        writeCollected();
-    }
+    writeCollected();
 }
 
 // Carriage returns are dropped, as text mode has it; a byte order mark is skipped by the decoder.

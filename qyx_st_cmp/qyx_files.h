@@ -64,7 +64,6 @@ public:
 
 private:
     bool opened_ = false;
-    bool reading_;
     QString text_;                    // the whole content when reading
     const QChar* next_ = nullptr;     // in text_, the next character
     const QChar* end_ = nullptr;      // the end of text_

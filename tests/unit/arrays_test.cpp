@@ -116,6 +116,13 @@ TEST_F(Arrays, OneIndexIsTakenFromTheStack) {
               "MOV @a[#POP.SI] #A0\n");
 }
 
+TEST_F(Arrays, ReadingAnElementUsesTheArray) {
+    EXPECT_FALSE(variable(u"a").isUsed);
+    value("a[i];");
+    EXPECT_TRUE(variable(u"a").isUsed);
+    EXPECT_FALSE(variable(u"bits").isUsed);
+}
+
 TEST_F(Arrays, TwoIndicesAreFoldedIntoOne) {
     EXPECT_EQ(value("Таблица[Index, 3];"),
               "8\n"
