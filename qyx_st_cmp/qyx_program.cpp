@@ -102,12 +102,11 @@ QString BooleanValue() {
     return QString();
 }
 
-// string | [ "-" | "+" ] number | TRUE | FALSE
+// [ "-" | "+" ] number | TRUE | FALSE
 // Returns the value field of the declaration line.
 QString InitialValue(Typ declared, Typ literal) {
     if (TokenChar == TOKEN_STRING) {
-        ConvertTyp(declared, TYP_STRING, false);  // aborts for every type that can be declared
-        return TokenName.toString();
+        AbortIncompatible(declared, TYP_STRING);  // no type that can be declared takes a string
     }
     const bool isSigned = TokenChar == TOKEN_MINUS || TokenChar == TOKEN_PLUS;
     if (IsTypBoolean(declared) && !isSigned) {

@@ -180,15 +180,15 @@ constexpr ConversionTable MakeConversionTable() {
 
 constexpr ConversionTable CONVERSIONS = MakeConversionTable();
 
+}  // namespace
+
 // QUIRK: a USINT is named "SINT" here, as it combines like one. Messages are fixed.
-[[noreturn]] void AbortIncompatible(Typ current, Typ next) {
+void AbortIncompatible(Typ current, Typ next) {
     const Typ named = current == TYP_USINT ? TYP_SINT : current;
     Abort(StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(named)), " ", TXT_AND,
                           " ", Quoted(TypToStr(next))),
           false);
 }
-
-}  // namespace
 
 Typ ConvertTyp(Typ current, Typ next, bool strict) {
     assert(current < TYP_CODES_COUNT && next < TYP_CODES_COUNT);

@@ -16,3 +16,6 @@ QLatin1String TypToShortStr(Typ t);
 // `strict` an integer takes no real. Aborts with Incompatible types: "INT" and "BOOL" where the
 // two do not combine. No target code is written: the engine knows no conversions.
 Typ ConvertTyp(Typ current, Typ next, bool strict);
+
+// The abort of ConvertTyp.
+[[noreturn]] void AbortIncompatible(Typ current, Typ next);
