@@ -173,6 +173,7 @@ void Init() {
     Scan();
 }
 
+// Script = Definitions Program
 void Compile() {
     Trademark();
     Init();

@@ -218,7 +218,7 @@ Typ LoadVariable(const VarsList& vars, const Spelling& name) {
     return variable.type;
 }
 
-// name "[" Expression { "," Expression } "]"
+// Name Indices
 // <indices>, [ <linear index> ], "MOV @name[#POP.SI] #A0" or "MOV @name[#R1.SI] #A0"
 //
 // QUIRK: the linear index is made in #R0 while the operand names #R1. The engine pairs the two.
@@ -237,7 +237,7 @@ Typ LoadElement(const VarsList& vars, const Spelling& name) {
     return array.elementType;
 }
 
-// Ident = name | name "[" indices "]" | function call | RESULT
+// Ident = Call | ( Name | RESULT ) [ Indices ]
 // The load of the value, or the code of the call.
 Typ Ident(const VarsList& vars) {
     if (TokenChar == TOKEN_FUNCTION) {
@@ -297,7 +297,7 @@ Typ NumberFactor(Typ typ) {
     return typ;
 }
 
-// Factor = "(" BoolExpression ")" | Ident | TICK | string | number
+// Factor = "(" BoolExpression ")" | Ident | TICK | String | Number
 // The load of the value; a BOOL from a name is turned into a condition.
 Typ Factor(const VarsList& vars, Typ typ) {
     switch (TokenChar) {
@@ -412,7 +412,8 @@ void ArrayIndex(const VarsList& vars, bool asDInt) {
 
 }  // namespace
 
-// "[" Expression { "," Expression }, up to the token behind the last index
+// Indices = "[" Expression { "," Expression } "]"
+// Up to the "]", which the caller matches.
 void ArrayIndices(const VarsList& vars, const VarItem& array, bool asDInt) {
     int count = 0;
     do {
@@ -467,7 +468,7 @@ void ComparedLiteral() {
     EmitLoad(value);
 }
 
-// operator ( TRUE | FALSE | Expression )
+// Comparison = ( "=" | "<>" | "<" | ">" | "<=" | ">=" ) ( TRUE | FALSE | Expression )
 // <right operand>, "<keyword> $POP #A0", "TST #A0"; the left operand waits on the stack already.
 Typ Comparison(Token code, QLatin1String keyword, const VarsList& vars, Typ typ) {
     Match(code);
@@ -522,7 +523,7 @@ constexpr Operation COMPARISONS[] = {
 static_assert(std::size(COMPARISONS) == TOKEN_GREATER_OR_EQUAL - TOKEN_EQUAL + 1,
               "one row for each code");
 
-// Relation = Expression [ comparison ]
+// Relation = Expression [ Comparison ]
 // <expression> [ "MOV #A0 $PUSH", <comparison> ]; a second comparison is left to the caller.
 Typ Relation(const VarsList& vars, Typ typ) {
     typ = MergeUnlessBool(typ, Expression(vars, typ));

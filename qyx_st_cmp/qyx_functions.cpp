@@ -117,6 +117,7 @@ void ValueParameter(const VarsList& vars, const VarItem* formal, Typ literal) {
     PostPendingLabel(label);
 }
 
+// Parameter = BoolExpression | Name
 // The actual parameter for the formal at that index; `literal` is what the Scan to its first
 // token returned.
 // <parameter>, "MOV #A0 $PUSH"
@@ -130,7 +131,7 @@ void DoParam(const FunctionItem& callee, const VarsList& vars, std::size_t index
     EmitPush();
 }
 
-// [ "(" [ parameter { "," parameter } ] ")" ]
+// Parameters = [ "(" [ Parameter { "," Parameter } ] ")" ]
 // Returns the number of parameters.
 std::size_t Parameters(const FunctionItem& callee, const VarsList& vars) {
     std::size_t count = 0;
@@ -163,8 +164,9 @@ FunctionItem& Callee(const FunctionList& functions, Token code) {
     return *callee;
 }
 
-// name parameters, with `code` telling which kind of callee
-// <parameters>; aborts when their number is wrong. Returns the callee.
+// Call = Name Parameters
+// <parameters>; aborts when their number is wrong. `code` tells which kind of callee; it is
+// returned.
 FunctionItem& PassParameters(const FunctionList& functions, const VarsList& vars, Token code) {
     FunctionItem& callee = Callee(functions, code);
     callee.isUsed = true;
@@ -184,7 +186,7 @@ void EmitCall(const FunctionItem& callee) {
     Emit(callee.isBuiltIn ? sEXEC : sCAL, callee.name);
 }
 
-// name parameters ";"
+// CallStatement = Call ";"
 void CallStatement(const FunctionList& functions, const VarsList& vars, Token code) {
     const FunctionItem& callee = PassParameters(functions, vars, code);
     Match(TOKEN_SEMICOLON);

@@ -24,7 +24,8 @@ bool IsOneOf(Token code, std::initializer_list<Token> codes) {
     return std::find(codes.begin(), codes.end(), code) != codes.end();
 }
 
-// { statements ";" } up to one of the tokens that end the statement's body
+// Statements = { Block }
+// Up to one of the tokens that end the statement's body.
 void Statements(const Body& body, const LoopLabels& loop, std::initializer_list<Token> ends) {
     const NestingGuard guard;
     while (!IsOneOf(TokenChar, ends)) {
@@ -40,7 +41,8 @@ void MatchEnd(Token keyword) {
     Match(TOKEN_SEMICOLON);
 }
 
-// The condition of a statement, a BoolExpression that must be BOOL; see there for `label`.
+// Condition = BoolExpression
+// It must be BOOL; see there for `label`.
 void Condition(const Body& body, Typ literal, Label& label) {
     const Typ typ = BoolExpression(body.variables, literal, label);
     if (!IsTypBoolean(typ)) {
@@ -58,7 +60,7 @@ void EmitJumpIfFalse(Label target, Label pendingLabel) {
 // Labels, assignments, TICK
 // ---------------------------------------------------------------------------------------------
 
-// name ":"
+// Label = ( Name | RESULT ) ":"
 // "<NAME>:"; the statement counts as ended, no ";" follows.
 void LabelDefinition(const Body& body, const Spelling& name) {
     const QString label = name.text.toUpper();
@@ -75,7 +77,7 @@ struct Target {
     Operand operand;
 };
 
-// name "[" indices "]"
+// Target = ( Name | RESULT ) [ Indices ]
 // <indices>, [ <linear index>, "MOV #R0 $PUSH" ]: the index waits on the value stack.
 Target ElementTarget(const VarsList& vars, const Spelling& name) {
     VarItem& array = IsArrayVarInVarsList(vars, name);
@@ -132,7 +134,7 @@ void AssignTo(const VarsList& vars, const Target& target) {
     EmitStore(target.operand);
 }
 
-// Assignment = ( name | RESULT | name "[" indices "]" ) ":=" BoolExpression ";" | name ":"
+// Assignment = Label | Target ":=" BoolExpression ";"
 // The store of the value, or the label.
 void Assignment(const Body& body) {
     if (TokenChar != TOKEN_RESULT) {
@@ -149,7 +151,7 @@ void Assignment(const Body& body) {
     }
 }
 
-// TICK ":=" BoolExpression ";"
+// Tick = TICK ":=" BoolExpression ";"
 // <expression>, "MOV #A0 *TICK"
 void DoTick(const VarsList& vars) {
     Match(TOKEN_TICK);
@@ -164,7 +166,7 @@ void DoTick(const VarsList& vars) {
 // IF
 // ---------------------------------------------------------------------------------------------
 
-// A branch with a condition: condition THEN statements
+// ConditionalBranch = Condition THEN Statements
 // <condition>, "JMPF N", [ "L1:" ], <statements>; returns N, which the caller posts.
 Label ConditionalBranch(const Body& body, const LoopLabels& loop) {
     const Typ literal = Scan();
@@ -179,7 +181,7 @@ Label ConditionalBranch(const Body& body, const LoopLabels& loop) {
     return next;
 }
 
-// IF branch { ELSIF branch } [ ELSE statements ] END_IF ";"
+// If = IF ConditionalBranch { ELSIF ConditionalBranch } [ ELSE Statements ] END_IF ";"
 // <branch>, [ "JMP E", "N:", <branch> ... ], "N:" or "E:"
 //
 // QUIRK: an IF without ELSIF and ELSE draws the label E and never posts it. The numbers of all
@@ -217,7 +219,7 @@ void DoIf(const Body& body, const LoopLabels& loop) {
 // Loops
 // ---------------------------------------------------------------------------------------------
 
-// WHILE condition DO statements END_WHILE ";"
+// While = WHILE Condition DO Statements END_WHILE ";"
 // "H:", <condition>, "JMPF X", [ "L1:" ], <statements>, "JMP H", "X:"
 void DoWhile(const Body& body) {
     Match(TOKEN_WHILE);
@@ -238,7 +240,7 @@ void DoWhile(const Body& body) {
     PostLabel(exit);
 }
 
-// REPEAT statements UNTIL condition END_REPEAT ";"
+// Repeat = REPEAT Statements UNTIL Condition END_REPEAT ";"
 // "H:", <statements>, <condition>, "JMPF H", "X:"; a true operand of OR jumps straight to X.
 void DoRepeat(const Body& body) {
     Match(TOKEN_REPEAT);
@@ -277,7 +279,7 @@ void ControlValue(const VarsList& vars, Typ literal, Typ control) {
     CheckControlType(ConvertTyp(control, Expression(vars, literal), false));
 }
 
-// name ":=" Expression
+// ForStart = Name ":=" Expression
 // <expression>, "MOV #A0 @name"; returns the control variable.
 VarItem& ForStart(const VarsList& vars, const Spelling& name) {
     VarItem& variable = IsVarInVarsList(vars, name);
@@ -291,7 +293,7 @@ VarItem& ForStart(const VarsList& vars, const Spelling& name) {
     return variable;
 }
 
-// ( TO | DOWNTO ) Expression
+// ForBound = ( TO | DOWNTO ) Expression
 // <expression>, "MOV #A0 $PUSH"; the bound stays on the value stack for the whole loop.
 const Direction& ForBound(const VarsList& vars, Typ control) {
     Match(TOKEN_TO, TOKEN_DOWNTO);
@@ -319,7 +321,7 @@ void EmitForStep(const Operand& control, const Direction& direction) {
     EmitStore(control);
 }
 
-// FOR start ( TO | DOWNTO ) bound DO statements END_FOR ";"
+// For = FOR ForStart ForBound DO Statements END_FOR ";"
 // <start>, <bound>, "H:", <test>, <statements>, "S:", <step>, "JMP H", "X:", "MOV $POP #NIL"
 //
 // QUIRK: test and step address the variable by value even when it is held by reference, while the
@@ -405,7 +407,8 @@ struct CaseBound {
     qint64 value;
 };
 
-// [ "-" ] number, and the separator behind it
+// CaseBound = [ "-" ] Integer
+// The separator behind it is read as well.
 CaseBound ReadCaseBound() {
     const bool isNegative = TokenChar == TOKEN_MINUS;
     if (isNegative) {
@@ -454,7 +457,7 @@ void CaseRange(CaseItems& items, const CaseBound& low, Label branch) {
     PostLabel(next);
 }
 
-// bound [ ".." bound ], and the separator behind it
+// CaseLabel = CaseBound [ ".." CaseBound ]
 // <tests>, which jump to the branch when the selector matches
 void CaseLabel(CaseItems& items, Label branch) {
     const CaseBound bound = ReadCaseBound();
@@ -483,7 +486,7 @@ void CaseBranch(const Body& body) {
     }
 }
 
-// label { "," label } ":" statements
+// CaseElement = CaseLabel { "," CaseLabel } ":" Statements
 // <tests>, "JMP N", "B:", <statements>, "JMP E", "N:"
 void CaseElement(const Body& body, CaseItems& items, Label branch, Label next, Label end) {
     CaseLabel(items, branch);
@@ -498,7 +501,7 @@ void CaseElement(const Body& body, CaseItems& items, Label branch, Label next, L
     PostLabel(next);
 }
 
-// BoolExpression OF
+// CaseSelector = BoolExpression OF
 // <expression>, [ "L1:" ], "MOV #A0 $PUSH"
 void CaseSelector(const Body& body) {
     const Typ literal = Scan();
@@ -512,7 +515,7 @@ void CaseSelector(const Body& body) {
     Match(TOKEN_OF);
 }
 
-// CASE selector OF element { element } [ ELSE statements ] END_CASE ";"
+// Case = CASE CaseSelector CaseElement { CaseElement } [ ELSE Statements ] END_CASE ";"
 // <selector>, { <element> }, [ <statements> ], "E:", "MOV $POP #NIL"
 //
 // QUIRK: the selector on the value stack is not counted in the stack depth, so an EXIT in a
@@ -557,15 +560,17 @@ void JumpInLoop(Token keyword, Label target, QLatin1String outsideOfLoop) {
     Emit(sJMP, target);
 }
 
+// Break = BREAK ";"
 void DoBreak(Label breakLabel) {
     JumpInLoop(TOKEN_BREAK, breakLabel, TXT_BREAK_OUTSIDE_OF_LOOP);
 }
 
+// Continue = CONTINUE ";"
 void DoContinue(Label continueLabel) {
     JumpInLoop(TOKEN_CONTINUE, continueLabel, TXT_CONTINUE_OUTSIDE_OF_LOOP);
 }
 
-// EXIT ";"
+// Exit = EXIT ";"
 // "MOV $POP #NIL" for each value on the stack, [ "MOV @RESULT #A0" ], "RET"
 void DoExit(const Body& body) {
     MatchEnd(TOKEN_EXIT);
@@ -578,7 +583,7 @@ void DoExit(const Body& body) {
     EmitReturn();
 }
 
-// GOTO name ";"
+// GoTo = GOTO Name ";"
 // "JMP <NAME>"; values on the stack stay there.
 void DoGoTo(LabelsList& labels) {
     Match(TOKEN_GOTO);
@@ -591,7 +596,8 @@ void DoGoTo(LabelsList& labels) {
     Emit(sJMP, name);
 }
 
-// Statement = assignment | label | TICK | IF | loop | CASE | jump | call
+// Statement = Assignment | Tick | If | While | Repeat | For | Case | Break | Continue | Exit
+//     | GoTo | CallStatement
 // A function called as a statement has its result dropped: "MOV $POP #NIL".
 void Statement(const Body& body, const LoopLabels& loop) {
     switch (TokenChar) {
@@ -627,7 +633,8 @@ void Statement(const Body& body, const LoopLabels& loop) {
 
 }  // namespace
 
-// Block = { Statement } ";"
+// Block = Statement | ";"
+// Every statement leaves its own ";" as the current token.
 void Block(const Body& body, const LoopLabels& loop) {
     while (TokenChar != TOKEN_SEMICOLON) {
         Statement(body, loop);

@@ -1,9 +1,8 @@
 // Statements.
 //
-// Every statement routine is entered with the statement's first token and returns with the
-// closing
-// ";" as the current token, matched and not consumed. The order in which the routines draw their
-// code labels decides the numbers in the target code.
+// Every statement routine is entered with the statement's first token and returns with its ";" as
+// the current token, matched and not consumed. The order in which the routines draw their code
+// labels decides the numbers in the target code.
 #pragma once
 
 #include "qyx_globals.h"

@@ -78,7 +78,7 @@ Typ DeclaredType(QString& keyword) {
     return type;
 }
 
-// [ "-" | "+" ] number, the sign or the number being current
+// SignedNumber = [ "-" | "+" ] Number
 // Returns the text as target code has it, "-" kept and "+" dropped.
 QString SignedNumber(Typ declared, Typ literal) {
     const bool isNegative = TokenChar == TOKEN_MINUS;
@@ -102,7 +102,7 @@ QString BooleanValue() {
     return QString();
 }
 
-// [ "-" | "+" ] number | TRUE | FALSE
+// InitialValue = SignedNumber | TRUE | FALSE
 // Returns the value field of the declaration line.
 QString InitialValue(Typ declared, Typ literal) {
     if (TokenChar == TOKEN_STRING) {
@@ -115,7 +115,7 @@ QString InitialValue(Typ declared, Typ literal) {
     return SignedNumber(declared, literal);
 }
 
-// [ ":=" value ] ";"
+// Initialization = [ ":=" InitialValue ] ";"
 // Returns the value field.
 QString Initialization(const Section& section, VarItem& variable) {
     Scan();
@@ -151,7 +151,8 @@ void EmitDeclaration(const Section& section, QStringView name, const QString& ke
     }
 }
 
-// The name of a declaration, [ CONSTANT ] name, the first token being current in `name`.
+// DeclaredName = [ CONSTANT ] Name
+// The first token is current in `name`.
 // Returns the record with what is known so far.
 VarItem DeclaredName(const Section& section, QStringView& name, const VarsList& list,
                      const VarsList& otherList) {
@@ -175,8 +176,8 @@ VarItem DeclaredName(const Section& section, QStringView& name, const VarsList& 
     return variable;
 }
 
-// Declaration = [ CONSTANT ] name ":" type [ ":=" value ] ";" | END_VAR
-// "<name> <section> <TYPE> <value>"
+// Declaration = DeclaredName ":" Type Initialization
+// "<name> <section> <TYPE> <value>"; at END_VAR there is none.
 //
 // QUIRK: the name is read into a text of its own, so "expected but" messages about a token in its
 // place quote the token before. Messages are fixed.
@@ -201,7 +202,8 @@ void DoAllocDecl(const Section& section, VarsList& list, const VarsList& otherLi
 // Sections
 // ---------------------------------------------------------------------------------------------
 
-// Section = keyword { Declaration } END_VAR
+// Section = { Declaration } END_VAR
+// The keyword of the section, which is current, tells what its declarations may have.
 void DoSection(const Section& section, VarsList& list, const VarsList& otherList) {
     Match(section.keyword);
     do {
@@ -253,7 +255,7 @@ struct EngineSection {
 constexpr EngineSection YXGLOBAL_SECTION = {TOKEN_VAR_YXGLOBAL, sYXVG, 1};
 constexpr EngineSection YXREGISTER_SECTION = {TOKEN_VAR_YXREGISTER, sYXVR, 4};
 
-// "(" number { "," number } ")", each number signed at will
+// EngineNumbers = "(" SignedNumber { "," SignedNumber } ")"
 // Returns the numbers, a blank before each.
 QString EngineNumbers(const EngineSection& section, Typ declared) {
     Scan();
@@ -272,8 +274,8 @@ QString EngineNumbers(const EngineSection& section, Typ declared) {
     return numbers;
 }
 
-// Declaration = name ":" type "(" numbers ")" ";" | END_VAR
-// "<name> <section> <TYPE> <numbers>"
+// EngineDeclaration = Name ":" Type EngineNumbers ";"
+// "<name> <section> <TYPE> <numbers>"; at END_VAR there is none.
 void DoAllocDeclYX(const EngineSection& section, VarsList& vars) {
     Scan();
     if (IsEndDeclVars(TokenChar)) {
@@ -301,7 +303,7 @@ void DoAllocDeclYX(const EngineSection& section, VarsList& vars) {
     WriteItem(added.name, ' ', section.code, ' ', keyword, numbers);
 }
 
-// Section = keyword { Declaration } END_VAR
+// EngineSection = { EngineDeclaration } END_VAR
 void DoEngineSection(const EngineSection& section, VarsList& vars) {
     Match(section.keyword);
     do {
@@ -417,7 +419,7 @@ Typ ResultType() {
     return type;
 }
 
-// One VAR_ARG, VAR_REF or VAR section of a definition
+// DefinitionSection = ( VAR_ARG | VAR_REF | VAR ) Section { ";" }
 void DefinitionSection(VarsList& args, VarsList& locals) {
     switch (TokenChar) {
         case TOKEN_VAR_ARG:
@@ -435,7 +437,7 @@ void DefinitionSection(VarsList& args, VarsList& locals) {
     ScanBehindSection();
 }
 
-// { Section }, unless the definition ends at once
+// { DefinitionSection }, unless the definition ends at once
 void ArgsDecls(VarsList& args, VarsList& locals, Token end, bool mayBeginWithResult) {
     Scan();
     if (TokenChar == end) {
@@ -536,7 +538,7 @@ void FBEpilog(const QString& name, const VarsList& vars) {
     SkipWhite();
 }
 
-// { statements ";" } up to the token that ends the body
+// Statements, up to the token that ends the body
 void BodyStatements(const Body& body, Token end) {
     while (TokenChar != end) {
         Block(body, LoopLabels());
@@ -557,7 +559,7 @@ void FBBody(const QString& name, VarsList& vars, LabelsList& labels, int& stackD
     FBEpilog(name, vars);
 }
 
-// FUNCTION name ":" type { Section } { statements } END_FUNCTION
+// Function = FUNCTION Name ":" Type { DefinitionSection } Statements END_FUNCTION
 void DoFunction(LabelsList& labels, int& stackDepth) {
     const QString name = DefinitionHead(MatchFuncName);
     const Typ resultType = ResultType();
@@ -568,7 +570,7 @@ void DoFunction(LabelsList& labels, int& stackDepth) {
     FBody(name, locals, labels, stackDepth);
 }
 
-// FUNCTION_BLOCK name { Section } { statements } END_FUNCTION_BLOCK
+// FunctionBlock = FUNCTION_BLOCK Name { DefinitionSection } Statements END_FUNCTION_BLOCK
 void DoFunction_Block(LabelsList& labels, int& stackDepth) {
     const QString name = DefinitionHead(MatchProcName);
     VarsList args;
@@ -580,7 +582,7 @@ void DoFunction_Block(LabelsList& labels, int& stackDepth) {
 
 }  // namespace
 
-// { Definition }
+// Definitions = { Function | FunctionBlock }
 //
 // QUIRK: a declared name carries the code of its keyword, so it begins a definition as the
 // keyword does. The scanner's codes are fixed.
@@ -626,7 +628,8 @@ void Header() {
     SkipWhite();
 }
 
-// One section of the program
+// ProgramSection = ( VAR | VAR_INPUT | VAR_OUTPUT | VAR_GLOBAL ) Section { ";" }
+//     | ( VAR_YXGLOBAL | VAR_YXREGISTER ) EngineSection { ";" }
 void ProgramSection(VarsList& vars) {
     switch (TokenChar) {
         case TOKEN_VAR:
@@ -653,7 +656,7 @@ void ProgramSection(VarsList& vars) {
     ScanBehindSection();
 }
 
-// Section { Section }
+// ProgramSection { ProgramSection }
 // "VAR:", <declarations>
 void VarsDecls(VarsList& vars) {
     Scan();
@@ -676,7 +679,7 @@ void Epilog(const VarsList& vars) {
     EmitReturn();
 }
 
-// { statements } END_PROGRAM
+// Statements END_PROGRAM
 // "MAIN:", <statements>, "RET"
 void Main(VarsList& vars, LabelsList& labels, int& stackDepth) {
     Prolog();
@@ -687,7 +690,7 @@ void Main(VarsList& vars, LabelsList& labels, int& stackDepth) {
 
 }  // namespace
 
-// PROGRAM name Section { Section } { statements } END_PROGRAM
+// Program = PROGRAM Name ProgramSection { ProgramSection } Statements END_PROGRAM
 void DoProgram(LabelsList& labels, int& stackDepth) {
     Match(TOKEN_PROGRAM);
     VarsList vars;

@@ -72,6 +72,7 @@ bool HasClass(QChar c, unsigned characterClass) {
 
 }  // namespace
 
+// White = ? a blank, a tab, a line feed or a carriage return ?
 bool IsWhite(QChar c) {
     return HasClass(c, CLASS_WHITE);
 }
@@ -80,11 +81,13 @@ bool IsSemicolumn(QChar c) {
     return c == QLatin1Char(';');
 }
 
+// LatinLetter = ? a letter whose capital is one of "A" to "Z" ? | "_"
 // A few letters outside ASCII have a Latin capital; they count as that capital does.
 bool IsAlpha(QChar c) {
     return HasClass(c.unicode() < ASCII_COUNT ? c : c.toUpper(), CLASS_ALPHA);
 }
 
+// Letter = LatinLetter | ? a letter whose capital is one of "А" to "Я", not "Ё" ?
 bool IsAlphaR(QChar c) {
     if (c.unicode() < ASCII_COUNT) {
         return HasClass(c, CLASS_ALPHA);
@@ -93,18 +96,22 @@ bool IsAlphaR(QChar c) {
     return (capital >= CYRILLIC_CAPITAL_A && capital <= CYRILLIC_CAPITAL_YA) || IsAlpha(c);
 }
 
+// Digit = "0" | "1" | "2" | "3" | "4" | "5" | "6" | "7" | "8" | "9"
 bool IsDigit(QChar c) {
     return HasClass(c, CLASS_DIGIT);
 }
 
+// HexDigit = Digit | "A" | "B" | "C" | "D" | "E" | "F"
 bool IsHexDigit(QChar c) {
     return HasClass(c, CLASS_HEX_DIGIT);
 }
 
+// OctDigit = "0" | "1" | "2" | "3" | "4" | "5" | "6" | "7"
 bool IsOctDigit(QChar c) {
     return HasClass(c, CLASS_OCT_DIGIT);
 }
 
+// BinDigit = "0" | "1"
 bool IsBinDigit(QChar c) {
     return HasClass(c, CLASS_BIN_DIGIT);
 }
@@ -113,6 +120,7 @@ bool IsString(QChar c) {
     return c == QUOTE;
 }
 
+// OperatorSign = "*" | "+" | "-" | "/" | ":" | "<" | "=" | ">"
 bool IsOperation(QChar c) {
     return HasClass(c, CLASS_OPERATION);
 }
@@ -212,7 +220,7 @@ QStringView TakeBehind(QStringView text) {
 // Comments
 // ---------------------------------------------------------------------------------------------
 
-// Comment = "//" { any character but a line feed }
+// LineComment = "//" { ? any character but a line feed ? }
 // Look stands behind the "//", white space not skipped.
 void SkipLineComment() {
     StoreTokenBeg(LookPlace());
@@ -253,7 +261,7 @@ void ScanCommentPiece(QStringView& text) {
     TokenChar = text.isEmpty() ? TOKEN_UNKNOWN : PunctuationToken(text);
 }
 
-// Comment = "(*" { any character } "*)"
+// BlockComment = "(*" { ? any character ? } "*)"
 // Look stands on the "*" of "(*". Comments do not nest: "(*" within is comment text.
 //
 // QUIRK: the first piece goes to TokenName even where the token is being read into another text,
@@ -269,6 +277,7 @@ void SkipMultiLinesComment(QStringView& text) {
     SkipWhite();
 }
 
+// Comment = LineComment | BlockComment
 void SkipComment(Token code, QStringView& text) {
     if (code == TOKEN_LINE_COMMENT) {
         SkipLineComment();
@@ -296,7 +305,8 @@ void CheckNameBegin(bool (*isBegin)(QChar)) {
     AbortAtLook(TXT_IDENTIFIER_EXPECTED_BUT);
 }
 
-// Name = letter { letter | digit }, Latin or Cyrillic, kept as written.
+// Name = Letter { Letter | Digit }
+// It is kept as written.
 QStringView GetNameR(bool skipWhite) {
     StoreTokenBeg(LookPlace());
     CheckNameBegin(IsAlphaR);
@@ -311,7 +321,8 @@ QStringView GetNameR(bool skipWhite) {
     return name;
 }
 
-// String = "'" { any character but "'" and a line feed } "'", upper-cased.
+// String = "'" { ? any character but an apostrophe and a line feed ? } "'"
+// It is upper-cased.
 QStringView GetString() {
     QString text;
     StoreTokenBeg(LookPlace());
@@ -329,7 +340,8 @@ QStringView GetString() {
     return KeepText(text);
 }
 
-// Operator = one or two operation characters
+// Operator = OperatorSign [ OperatorSign ]
+//
 // QUIRK: two operation characters always make one token, so "a+-b" holds the unknown token "+-".
 // A blank between them is the language's way to write two operators; scripts rely on "//" alone
 // keeping the white space behind it, which is comment text.
@@ -436,7 +448,8 @@ qint64 ValueOf(QStringView digits, int base, bool* isInRange) {
     return *isInRange ? value : 0;
 }
 
-// BasedNumber = ( "16#" | "8#" | "2#" ) digit { digit }
+// BasedNumber = "16#" HexDigit { HexDigit } | "8#" OctDigit { OctDigit }
+//     | "2#" BinDigit { BinDigit }
 // The prefix stands in the text already; Look stands behind it.
 Typ GetBasedDigit(const Notation& notation, QString& text) {
     if (!notation.isDigit(Look)) {
@@ -454,7 +467,7 @@ Typ GetBasedDigit(const Notation& notation, QString& text) {
     return TypeOfInteger(value);
 }
 
-// Fraction = { digit } [ "E" [ "+" | "-" ] { digit } ]
+// Fraction = { Digit } [ "E" [ "+" | "-" ] { Digit } ]
 // The integer part and "." stand in the text already. No digit behind the "." reads as "0".
 Typ GetFloatDigit(QString& text) {
     if (!IsDigit(Look)) {
@@ -510,7 +523,8 @@ QStringView TakeFirstDigits() {
     return digits;
 }
 
-// Fraction, Look being the ".".
+// Real = { Digit } "." Fraction
+// Look is the ".".
 Typ GetFraction(QString& text) {
     if (text.isEmpty()) {
         AppendToNumber(text, QLatin1Char('0'));
@@ -520,7 +534,8 @@ Typ GetFraction(QString& text) {
     return GetFloatDigit(text);
 }
 
-// Number = BasedNumber | digit { digit } [ "." Fraction ] | "." Fraction
+// Number = Integer | Real
+// Integer = Digit { Digit } | BasedNumber
 // With integerOnly a "." ends the number. Returns the type of the literal.
 Typ GetDigit(QStringView& text, bool integerOnly) {
     StoreTokenBeg(LookPlace());
@@ -557,7 +572,8 @@ Typ ScanWord(QStringView& text) {
     return TokenChar == TOKEN_TRUE || TokenChar == TOKEN_FALSE ? TYP_BOOL : TYP_NONE;
 }
 
-// Any other character, alone but for ".." and the "(*" that begins a comment.
+// Symbol = ".." | ? any other character ?
+// Also the "(*" that begins a comment.
 void ScanSymbol(QStringView& text, bool skipWhite) {
     StoreTokenBeg(LookPlace());
     const QChar first = Look;
@@ -578,7 +594,8 @@ void ScanSymbol(QStringView& text, bool skipWhite) {
     }
 }
 
-// Reads one token, or the beginning of a comment.
+// Token = Name | String | Number | Operator | Symbol
+// Also the beginning of a comment.
 Typ ScanToken(QStringView& text, bool integerOnly, bool skipWhite) {
     StartToken();
     text = QStringView();
@@ -631,7 +648,8 @@ void ScanName(QStringView& text, bool skipWhite) {
     IdentPlace = {TokenPosBeg, TokenPosEnd};
 }
 
-// Type = letter { letter | digit }, Latin only, upper-cased.
+// Type = LatinLetter { LatinLetter | Digit }
+// It is upper-cased.
 void GetType(QString& text, bool skipWhite) {
     StoreTokenBeg(LookPlace());
     CheckNameBegin(IsAlpha);

@@ -1,0 +1,2 @@
+" Scripts are recognised by their suffix; a file type that is set already stays.
+autocmd BufRead,BufNewFile *.st setfiletype yxst
