@@ -2,6 +2,7 @@
 // are made by hand.
 
 #include "qyx_arithmetic.h"
+#include "qyx_il.h"
 #include "qyx_lists.h"
 #include "qyx_loops.h"
 #include "support.h"
@@ -114,6 +115,17 @@ TEST_F(Arrays, OneIndexIsTakenFromTheStack) {
               "MOV @i #A0\n"
               "MOV #A0 $PUSH\n"
               "MOV @a[#POP.SI] #A0\n");
+}
+
+// The room that is kept for an item has no other check.
+TEST_F(Arrays, OperandsFitTheRoomThatIsKeptForThem) {
+    std::array<char, 64> room = {};
+    const VarItem& array = variable(u"a");
+    for (const Operand& operand :
+         {OperandOf(array, SpellingOf(u"a")), RESULT_OPERAND,
+          ElementOperand(array, SpellingOf(u"Таблица"), INDEX_ON_STACK)}) {
+        EXPECT_LE(PutPart(room.data(), operand) - room.data(), PartSize(operand));
+    }
 }
 
 TEST_F(Arrays, ReadingAnElementUsesTheArray) {

@@ -821,7 +821,7 @@ TEST_F(Values, TakeDigitsAndHashesAlone) {
 TEST_F(Values, BeyondTheirRange) {
     for (const QString& text :
          {QStringLiteral("9223372036854775808"), QStringLiteral("16#8000000000000000"),
-          QStringLiteral("8#1000000000000000000000"), QString(255, '0')}) {
+          QStringLiteral("8#1000000000000000000000"), QString(255, '0'), QStringLiteral("1#0")}) {
         ExpectFailure([&] { StrToInt64(text); }, ErrorAt(0, 0, "Too much the constants"));
     }
 }

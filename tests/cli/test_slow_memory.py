@@ -1,0 +1,103 @@
+"""Every exit path under valgrind's memcheck: no invalid access, no undefined value, no leak."""
+
+import re
+import shutil
+import subprocess
+import unittest
+
+from limits import IS_SANITIZED
+from support import BINARY, ROOT, VALID_SOURCE, Compiler, CompilerTestCase, side_by_side
+
+VALGRIND = shutil.which("valgrind")
+FOUND = 99  # the exit status when memcheck has found something
+MEMCHECK = [
+    VALGRIND,
+    "--quiet",
+    f"--error-exitcode={FOUND}",
+    "--leak-check=full",
+    "--show-leak-kinds=definite",
+    "--errors-for-leak-kinds=definite",
+]
+TIMEOUT_SECONDS = 300
+ALL_OUTPUTS = ["-l", "-s", "-i", "-m", "-n", "-r", "-e"]
+
+
+def kind_of(message):
+    """The message without its place and what it quotes."""
+    return re.sub(rb"^Error: Line [0-9]+, Column [0-9]+: |\"[^\"]*\"|'[^']*'", b"", message)
+
+
+def sources_of_each_message():
+    """For each kind of message, the first golden case in whose listing it ends the run."""
+    found = {}
+    for listing in sorted((ROOT / "tests/golden").glob("*/*.lst")):
+        source = listing.with_suffix(".st")
+        last = listing.read_bytes().splitlines()[-1:]
+        if last and last[0].lstrip(b";").startswith(b"Error: ") and source.is_file():
+            found.setdefault(kind_of(last[0].lstrip(b";")), source)
+    return list(found.values())
+
+
+def check(data, *arguments):
+    """The exit status under memcheck and what it says."""
+    compiler = Compiler()
+    try:
+        compiler.write("in.st", data)
+        process = subprocess.run(
+            [*MEMCHECK, BINARY, *arguments],
+            cwd=compiler.path,
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.DEVNULL,
+            stderr=subprocess.PIPE,
+            timeout=TIMEOUT_SECONDS,
+        )
+    finally:
+        compiler.close()
+    return process.returncode, process.stderr.decode(errors="replace")
+
+
+def check_compile(source):
+    return check(source.read_bytes(), "in.st", "out", *ALL_OUTPUTS)
+
+
+@unittest.skipIf(VALGRIND is None, "valgrind is not installed")
+@unittest.skipIf(IS_SANITIZED, "a sanitizer and valgrind exclude each other")
+class Memory(CompilerTestCase):
+    def expect(self, status, name, run):
+        with self.subTest(name):
+            self.assertEqual(run, (status, ""))
+
+    def test_checker_notices(self):
+        """An error in the program that runs must show, or the other tests prove nothing."""
+        program = self.compiler.path / "faulty"
+        code = b"int main() { volatile int* p = new int[2]; return p[2]; }"
+        build = ["g++", "-x", "c++", "-o", program, "-"]
+        subprocess.run(build, input=code, check=True)
+        self.assertEqual(subprocess.run([*MEMCHECK, program], capture_output=True).returncode, FOUND)
+
+    def test_examples(self):
+        examples = sorted((ROOT / "examples").glob("*.st"))
+        for source, run in zip(examples, side_by_side(check_compile, examples)):
+            self.expect(0, source.name, run)
+
+    def test_program_of_each_message(self):
+        sources = sources_of_each_message()
+        self.assertGreater(len(sources), 50)
+        for source, run in zip(sources, side_by_side(check_compile, sources)):
+            self.expect(1, str(source.relative_to(ROOT)), run)
+
+    def test_runs_that_do_not_begin(self):
+        for arguments in [
+            [],
+            ["in.st"],
+            ["missing.st", "out"],
+            ["in.st", "missing/out"],
+            ["in.st", "in.st"],
+            ["in.st", "out", "-q"],
+            ["in.st", "/dev/full", "-l"],
+        ]:
+            self.expect(1, " ".join(arguments), check(VALID_SOURCE, *arguments))
+
+
+if __name__ == "__main__":
+    unittest.main()
