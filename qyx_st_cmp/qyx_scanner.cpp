@@ -72,7 +72,7 @@ bool HasClass(QChar c, unsigned characterClass) {
 
 }  // namespace
 
-// White = ? a blank, a tab, a line feed or a carriage return ?
+// White = ? a blank, a tab or a line feed ?
 bool IsWhite(QChar c) {
     return HasClass(c, CLASS_WHITE);
 }

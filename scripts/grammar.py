@@ -88,18 +88,19 @@ SECTIONS = [
         " behind a number they are those of `BitTerm`. The right operand of most operators is a"
         " whole `MulTerm` or `BoolExpression`, so they group to the right; see the"
         " [surprises](surprises.md). The `Name` of a function that is defined above or built in"
-        " begins a `Call`. A `Parameter` that is passed by reference is a `Name`, any other is a"
+        " begins a `Call`; that of a function block does so in a `CallStatement` alone. A"
+        " `Parameter` that is passed by reference is a `Name`, any other is a"
         " `BoolExpression`. No declaration makes an array yet, so no name takes `Indices`.",
         ["BoolExpression", "Expression", "Call", "Indices"],
     ),
     Section(
         "Lexical form",
         "`White` and `Comment` may stand between any two tokens, and `White` separates words; but"
-        " no comment may stand before a `Type` or before the name behind `PROGRAM`, `FUNCTION` or"
-        " `FUNCTION_BLOCK`. A carriage return counts for nothing, even within a word. Of two"
-        " tokens that could begin at a place the longer one does, so two signs of operators in a"
-        " row are always one `Operator`; but in a `CaseBound` a `.` ends the number, so that"
-        " `1..5` is a range. Comments do not nest. A number has 254 characters at most.",
+        " no comment may stand before a `Type`, before the name behind `PROGRAM`, `FUNCTION` or"
+        " `FUNCTION_BLOCK`, or before or within a `CaseLabel` that is a range. A carriage return"
+        " counts for nothing, even within a word. Two signs of operators in a row are always one"
+        " `Operator`. In a `CaseBound` a `.` ends the number, so that `1..5` is a range. Comments"
+        " do not nest. A number has 254 characters at most.",
         ["Token", "Name", "Type", "String", "Number", "Integer", "Comment", "White"],
     ),
 ]
