@@ -36,7 +36,8 @@ void Finish(qint64 elapsedMs) {
             WHAT_INFORMATION);
 }
 
-// Ends a run that cannot begin. No output file is open yet and none is deleted.
+// Ends a run that cannot begin. No output file is open yet; what the probes removed stays
+// removed.
 [[noreturn]] void ExitWith(QLatin1String text) {
     WriteToOutputFiles(text, WHAT_COMMAND_LINE_ERROR, true);
     CloseAllFiles();

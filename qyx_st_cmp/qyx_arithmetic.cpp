@@ -486,6 +486,7 @@ Typ Comparison(Token code, QLatin1String keyword, const VarsList& vars, Typ typ)
     return TYP_BOOL;
 }
 
+// The comparisons, each with its token and its keyword.
 Typ BoolEquals(const VarsList& vars, Typ typ) {
     return Comparison(TOKEN_EQUAL, sEQ, vars, typ);
 }
@@ -642,6 +643,8 @@ Typ BoolTerm(const VarsList& vars, Typ typ) {
 }  // namespace
 
 // BoolExpression = BoolTerm { ( OR | XOR ) BoolExpression }
+// <term>, { "JMPT L1", <right operand> | "MOV #A0 $PUSH", <right operand>, "XOR $POP #A0",
+// "TST #A0" }; the caller posts L1.
 Typ BoolExpression(const VarsList& vars, Typ typ, Label& label) {
     typ = MergeUnlessBool(typ, BoolTerm(vars, typ));
     while (IsOrORXor(TokenChar)) {

@@ -417,10 +417,6 @@ void RouteEcho(const std::string& line, bool force) {
     }
 }
 
-}  // namespace
-
-namespace {
-
 void WriteCodeLine(const QString& text, bool force) {
     if (force) {
         WriteStringToStandardOutput(ListingForm(text.toStdString()));

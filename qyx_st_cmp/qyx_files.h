@@ -81,6 +81,7 @@ private:
 // Names on the command line
 // ---------------------------------------------------------------------------------------------
 
+// Whether there is a file of that name, behind links too.
 bool FileExists(const QString& name);
 
 // Whether both names lead to one existing file, by whatever links.
@@ -128,11 +129,15 @@ void OpenOutputErrFile(const QString& name);
 // for a code file that is not whole.
 void FinishOutputCodeFile();
 
+// Write what is collected and close; on a closed file they do nothing. What cannot be written to
+// a file beside the code file is lost without notice.
 void CloseOutputCodeFile();
 void CloseOutputListFile();
 void CloseOutputResFile();
 void CloseOutputErrFile();
 void CloseAllFiles();
+
+// Removes the code file if one was opened. What is no regular file or link by now stays.
 void DeleteOutputCodeFile();
 
 // Append to one output. They fail silently and take nothing unless their option is set; the

@@ -187,6 +187,7 @@ void EmitCall(const FunctionItem& callee) {
 }
 
 // CallStatement = Call ";"
+// <parameters>, "EXEC <name>" or "CAL <name>"
 void CallStatement(const FunctionList& functions, const VarsList& vars, Token code) {
     const FunctionItem& callee = PassParameters(functions, vars, code);
     Match(TOKEN_SEMICOLON);
@@ -199,6 +200,8 @@ void DoFunc(const FunctionList& functions, const VarsList& vars) {
     CallStatement(functions, vars, TOKEN_FUNCTION);
 }
 
+// Call, within an expression
+// <parameters>, "EXEC <name>" or "CAL <name>"
 Typ DoFunc1(const FunctionList& functions, const VarsList& vars) {
     const FunctionItem& callee = PassParameters(functions, vars, TOKEN_FUNCTION);
     EmitCall(callee);

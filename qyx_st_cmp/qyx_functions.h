@@ -12,7 +12,8 @@ void AddBuildInFunctions(FunctionList& list);
 // Compile a call; the callee's name is the current token. A wrong number or type of parameters
 // ends the run.
 // DoFunc: a function called as a statement; ";" is current on return.
-// DoFunc1: a function called in an expression; returns the type of its result.
+// DoFunc1: a function called in an expression; returns the type of its result. The first token
+// behind the call is current on return.
 // DoFuncBlock: a function block called as a statement; ";" is current on return.
 void DoFunc(const FunctionList& functions, const VarsList& vars);
 Typ DoFunc1(const FunctionList& functions, const VarsList& vars);

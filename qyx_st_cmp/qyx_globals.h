@@ -22,7 +22,7 @@ constexpr QLatin1String operator""_L1(const char* characters, std::size_t size) 
 }
 
 // ---------------------------------------------------------------------------------------------
-// Options (writer: the driver, from the command line; readers: qyx_files)
+// Options (writer: the driver, from the command line; readers: qyx_files and the driver)
 // ---------------------------------------------------------------------------------------------
 
 extern bool flag_SaveListFile;        // -l: write the listing file
@@ -35,7 +35,7 @@ extern bool flag_SaveResFile;         // -r: write the result file
 extern bool flag_SaveErrFile;         // -e: write the error file
 
 // ---------------------------------------------------------------------------------------------
-// Files (writer and readers: qyx_files, except where told)
+// Files (writer and reader: qyx_files, except where told)
 // ---------------------------------------------------------------------------------------------
 
 // What a line of output is; it decides which outputs receive the line and in which form.
@@ -50,7 +50,8 @@ enum TWhatStr : unsigned char {
 
 class FileHandle;
 
-extern std::unique_ptr<FileHandle> g_InputCodeFileHandle;   // the source, null when closed
+// The source, null when closed; qyx_scanner takes runs of characters from it.
+extern std::unique_ptr<FileHandle> g_InputCodeFileHandle;
 extern std::unique_ptr<FileHandle> g_OutputCodeFileHandle;  // the code file, null when closed
 extern std::unique_ptr<FileHandle> g_OutputListFileHandle;  // the listing, null when closed
 extern std::unique_ptr<FileHandle> g_OutputResFileHandle;   // the result file, null when closed
@@ -162,6 +163,9 @@ enum Token : unsigned char {
 };
 
 // The character that Look holds at and behind the end of the source.
+//
+// QUIRK: a source that holds this character, which Unicode reserves for such uses, ends there.
+// Text behind it was never compiled, so no program has come to need it.
 constexpr ushort END_OF_INPUT = 0xFFFF;
 
 extern QChar Look;                           // the look-ahead character; reader: main
@@ -171,8 +175,8 @@ extern TokenPos TokenPosBeg;                 // begin of the current token; read
 extern TokenPos TokenPosEnd;                 // just behind the current token
 extern TokenPlace IdentPlace;                // the last identifier; reader: qyx_program
 
-// The current token. Assignment (qyx_loops) ends a label definition by setting TokenChar to
-// TOKEN_SEMICOLON. Every parser reads both.
+// The current token. LabelDefinition (qyx_loops) ends a label by setting TokenChar to
+// TOKEN_SEMICOLON. Every parser reads these, and qyx_messages quotes TokenName.
 //
 // TokenName is a piece of the source text, or a kept text where the token's text differs from it
 // (KeepText); either lives as long as the source. TokenSpelling is set with every word.
@@ -225,7 +229,8 @@ struct typ {
     QLatin1String shortName;  // the two letters that target code uses
 };
 
-// Constant tables (qyx_lists). TypsTable stands in the order of the type codes, from TYP_BOOL on.
+// Constant tables (qyx_lists), read by the scanner, the types, the messages of operators and the
+// editors' word lists. TypsTable stands in the order of the type codes, from TYP_BOOL on.
 extern const token TokensTable[TOKENS_COUNT];
 extern const typ TypsTable[TYPS_COUNT];
 
@@ -283,8 +288,8 @@ using VarsList = NameList<VarItem>;
 using FunctionList = NameList<FunctionItem>;
 using LabelsList = NameList<LabelItem>;
 
-// Built-ins first, then the user's definitions in source order. Writer: qyx_program, which
-// declares, and qyx_functions, which marks calls; readers: scanner, calls and declarations.
+// Built-ins first, then the user's definitions in source order. Writer: qyx_program, which lets
+// qyx_functions add the built-ins and mark what is called; readers: scanner, calls, declarations.
 extern FunctionList FunctionsList;
 
 // The program's name as written. Writer: Header; reader: Epilog (both qyx_program).

@@ -9,6 +9,8 @@
 #include "qyx_files.h"
 #include "qyx_globals.h"
 
+#include <string_view>
+
 // Keywords
 inline constexpr QLatin1String sPROG = "PROG"_L1;      // opens the program header
 inline constexpr QLatin1String sVAR = "VAR"_L1;        // opens the declarations
@@ -78,7 +80,8 @@ struct Operand {
     QLatin1String elementType = {};  // the short code of its type
 };
 
-std::size_t PartSize(const Operand& operand);  // at most, as for an element
+// The bytes that an operand takes at most: exactly those of an element of an array.
+std::size_t PartSize(const Operand& operand);
 char* PutPart(char* to, const Operand& operand);
 
 // The result variable of a function, "@RESULT"

@@ -91,6 +91,7 @@ Target ElementTarget(const VarsList& vars, const Spelling& name) {
     return {array, array.elementType, ElementOperand(array, name, INDEX_ON_STACK)};
 }
 
+// The name of a variable, which is current.
 Target VariableTarget(const VarsList& vars, const Spelling& name) {
     VarItem& variable = IsVarInVarsList(vars, name);
     return {variable, variable.type, OperandOf(variable, name)};
@@ -561,11 +562,13 @@ void JumpInLoop(Token keyword, Label target, QLatin1String outsideOfLoop) {
 }
 
 // Break = BREAK ";"
+// "JMP <end of the loop>"
 void DoBreak(Label breakLabel) {
     JumpInLoop(TOKEN_BREAK, breakLabel, TXT_BREAK_OUTSIDE_OF_LOOP);
 }
 
 // Continue = CONTINUE ";"
+// "JMP <head or step of the loop>"
 void DoContinue(Label continueLabel) {
     JumpInLoop(TOKEN_CONTINUE, continueLabel, TXT_CONTINUE_OUTSIDE_OF_LOOP);
 }

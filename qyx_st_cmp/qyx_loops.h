@@ -22,5 +22,6 @@ struct LoopLabels {
     Label continueLabel;
 };
 
-// Compiles statements up to a ";", which is current on return.
+// Compiles one statement, or none at a ";"; ";" is current on return. Aborts on anything that
+// begins no statement.
 void Block(const Body& body, const LoopLabels& loop);

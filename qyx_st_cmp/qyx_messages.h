@@ -11,7 +11,8 @@
 //
 // A diagnostic is one line, "Error: Line L, Column C: text" with L and C counted from 1, sent to
 // the outputs as WHAT_DIAGNOSTIC. With `force` it goes to standard output whatever the options,
-// and nowhere else. Without a position of its own it shows the begin of the current token.
+// with ";" in front, and nowhere else. Without a position of its own it shows the begin of the
+// current token.
 // ---------------------------------------------------------------------------------------------
 
 // Writes a warning; the compilation goes on.
@@ -91,26 +92,29 @@ inline constexpr QLatin1String TXT_PROBLEM_READING_INPUT_FILE = "A problem readi
 inline constexpr QLatin1String TXT_PROBLEM_WRITING_OUTPUT_FILE =
     "A problem writing output file"_L1;
 inline constexpr QLatin1String TXT_PROBLEM_WRITING_OUTPUT_FILE_LST =
-    "A problem writing output LST file"_L1;
+    "A problem writing output LST file"_L1;  // not raised
 inline constexpr QLatin1String TXT_PROBLEM_WRITING_OUTPUT_FILE_RES =
-    "A problem writing output RES file"_L1;
+    "A problem writing output RES file"_L1;  // not raised
 inline constexpr QLatin1String TXT_PROBLEM_WRITING_OUTPUT_FILE_ERR =
-    "A problem writing output ERR file"_L1;
+    "A problem writing output ERR file"_L1;  // not raised
 inline constexpr QLatin1String TXT_A_LOT_OF_LENGTH_IN_INPUT_STRING =
-    "A lot of length in input string"_L1;
+    "A lot of length in input string"_L1;  // not raised
 inline constexpr QLatin1String TXT_ERROR = "Error"_L1;
 inline constexpr QLatin1String TXT_WARNING = "Warning"_L1;
 inline constexpr QLatin1String TXT_EXPECTED = "expected"_L1;
 inline constexpr QLatin1String TXT_EXPECTED_BUT = "expected but"_L1;
 inline constexpr QLatin1String TXT_IDENTIFIER = "Identifier"_L1;
 inline constexpr QLatin1String TXT_UNDEFINED_IDENTIFIER = "Undefined Identifier"_L1;
-inline constexpr QLatin1String TXT_UNDECLARED_IDENTIFIER = "Undeclared Identifier"_L1;
+inline constexpr QLatin1String TXT_UNDECLARED_IDENTIFIER =
+    "Undeclared Identifier"_L1;  // not raised
 inline constexpr QLatin1String TXT_IDENTIFIER_EXPECTED_BUT_NUMBER_FOUND =
     "The identifier was expected but a number found"_L1;
 inline constexpr QLatin1String TXT_IDENTIFIER_EXPECTED_BUT = "The identifier was expected but"_L1;
-inline constexpr QLatin1String TXT_EXPRESSION_EXPECTED_BUT = "The expression was expected but"_L1;
+inline constexpr QLatin1String TXT_EXPRESSION_EXPECTED_BUT =
+    "The expression was expected but"_L1;  // not raised
 inline constexpr QLatin1String TXT_NUMBER = "Number"_L1;
-inline constexpr QLatin1String TXT_NUMBER_EXPECTED_BUT = "The number was expected but"_L1;
+inline constexpr QLatin1String TXT_NUMBER_EXPECTED_BUT =
+    "The number was expected but"_L1;  // not raised
 inline constexpr QLatin1String TXT_HEX_NUMBER_EXPECTED_BUT = "The HEX number was expected but"_L1;
 inline constexpr QLatin1String TXT_OCT_NUMBER_EXPECTED_BUT = "The OCT number was expected but"_L1;
 inline constexpr QLatin1String TXT_BIN_NUMBER_EXPECTED_BUT = "The BIN number was expected but"_L1;
@@ -122,9 +126,11 @@ inline constexpr QLatin1String TXT_FUNCTIONNAME_EXPECTED_BUT =
     "The function name was expected but"_L1;
 inline constexpr QLatin1String TXT_PROCEDURENAME_EXPECTED_BUT =
     "The procedure name was expected but"_L1;
-inline constexpr QLatin1String TXT_OPERATION_EXPECTED_BUT = "The operation was expected but"_L1;
+inline constexpr QLatin1String TXT_OPERATION_EXPECTED_BUT =
+    "The operation was expected but"_L1;  // not raised
 inline constexpr QLatin1String TXT_FOUND = "found"_L1;
-inline constexpr QLatin1String TXT_MAX_COUNT_OF_VARIABLES_IS = "Max count of variables is  "_L1;
+inline constexpr QLatin1String TXT_MAX_COUNT_OF_VARIABLES_IS =
+    "Max count of variables is  "_L1;  // not raised
 inline constexpr QLatin1String TXT_DUPLICATE_VARIABLE_NAME = "Duplicate variable name "_L1;
 inline constexpr QLatin1String TXT_DUPLICATE_FUNCTION_NAME = "Duplicate function name "_L1;
 inline constexpr QLatin1String TXT_ARGUMENTS_MUST_BE_ON_TOP =
@@ -136,7 +142,7 @@ inline constexpr QLatin1String TXT_OR = "or"_L1;
 inline constexpr QLatin1String TXT_BAD_SUFFIX_ON_NUMBER = "Bad suffix on number"_L1;
 inline constexpr QLatin1String TXT_INCOMPATIBLE_TYPES = "Incompatible types"_L1;
 inline constexpr QLatin1String TXT_ILLEGAL = "illegal"_L1;
-inline constexpr QLatin1String TXT_IS_ILLEGAL = "is illegal"_L1;
+inline constexpr QLatin1String TXT_IS_ILLEGAL = "is illegal"_L1;  // not raised
 inline constexpr QLatin1String TXT_HERE_IS_ILLEGAL = "here is illegal"_L1;
 inline constexpr QLatin1String TXT_LEFT_OPERAND_HAS_TYPE = "left operand has type"_L1;
 inline constexpr QLatin1String TXT_RIGHT_OPERAND_HAS_TYPE = "right operand has type"_L1;
@@ -146,7 +152,7 @@ inline constexpr QLatin1String TXT_OPERATOR = "Operator"_L1;
 inline constexpr QLatin1String TXT_NOT_APPLICABLE_TO_THIS_OPERAND_TYPE =
     "not applicable to this operand type"_L1;
 inline constexpr QLatin1String TXT_FOR_LOOP_CONTROL_VARIABLE_MUST_HAVE_DIGIT_TYPE =
-    "For loop control variable must have the digit type"_L1;
+    "For loop control variable must have the digit type"_L1;  // not raised
 inline constexpr QLatin1String TXT_FOR_LOOP_CONTROL_VARIABLE_MUST_HAVE_ORDINAL_TYPE =
     "For loop control variable must have the ordinal type"_L1;
 inline constexpr QLatin1String TXT_USING_RESERVED_WORD = "Using a reserved word"_L1;
@@ -155,11 +161,11 @@ inline constexpr QLatin1String TXT_ORDINAL_TYPE_REQUIRED = "A ordinal type requi
 inline constexpr QLatin1String TXT_LABEL_ALREADY_DEFINED = "The label is already defined"_L1;
 inline constexpr QLatin1String TXT_LABEL_REFERENCED_BUT_NOT_SET =
     "The label is referenced but not set"_L1;
-inline constexpr QLatin1String TXT_ARRAY_UNKNOWN_SIZE = "Unknown size"_L1;
+inline constexpr QLatin1String TXT_ARRAY_UNKNOWN_SIZE = "Unknown size"_L1;  // not raised
 inline constexpr QLatin1String TXT_ARRAY_CANNOT_ALLOCATE_AN_ARRAY_SIZE =
-    "Cannot allocate an array size"_L1;
+    "Cannot allocate an array size"_L1;  // not raised
 inline constexpr QLatin1String TXT_ARRAY_CANNOT_ALLOCATE_AN_ARRAY_DIMENSION_GREATER =
-    "Cannot allocate an array dimension greater"_L1;
+    "Cannot allocate an array dimension greater"_L1;  // not raised
 inline constexpr QLatin1String TXT_ARRAY_TYPE_REQUIRED = "Array type required"_L1;
 inline constexpr QLatin1String TXT_ARRAY_INCORRECT_SIZE_OF_ARRAY =
     "Incorrect size of the array"_L1;

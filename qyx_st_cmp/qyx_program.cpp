@@ -211,6 +211,8 @@ void DoSection(const Section& section, VarsList& list, const VarsList& otherList
     } while (!IsEndDeclVars(TokenChar));
 }
 
+// The sections, each entered with its keyword; they write the lines of their declarations. Those
+// of a definition tell its arguments from its locals.
 void DoDecl_VAR(VarsList& vars) {
     DoSection(VAR_SECTION, vars, VarsList());
 }
@@ -311,6 +313,7 @@ void DoEngineSection(const EngineSection& section, VarsList& vars) {
     } while (!IsEndDeclVars(TokenChar));
 }
 
+// The two sections, each entered with its keyword.
 void DoDecl_VAR_YXGLOBAL(VarsList& vars) {
     DoEngineSection(YXGLOBAL_SECTION, vars);
 }
@@ -553,6 +556,7 @@ void FBody(const QString& name, VarsList& vars, LabelsList& labels, int& stackDe
     FEpilog(name, vars);
 }
 
+// <prologue>, <statements>, <epilogue>
 void FBBody(const QString& name, VarsList& vars, LabelsList& labels, int& stackDepth) {
     FProlog(name);
     BodyStatements({FunctionsList, vars, labels, stackDepth, false}, TOKEN_END_FUNCTION_BLOCK);
@@ -560,6 +564,7 @@ void FBBody(const QString& name, VarsList& vars, LabelsList& labels, int& stackD
 }
 
 // Function = FUNCTION Name ":" Type { DefinitionSection } Statements END_FUNCTION
+// "<name>:", "RESULT V <TYPE> 0", <declarations>, <body>
 void DoFunction(LabelsList& labels, int& stackDepth) {
     const QString name = DefinitionHead(MatchFuncName);
     const Typ resultType = ResultType();
@@ -571,6 +576,7 @@ void DoFunction(LabelsList& labels, int& stackDepth) {
 }
 
 // FunctionBlock = FUNCTION_BLOCK Name { DefinitionSection } Statements END_FUNCTION_BLOCK
+// "<name>:", <declarations>, <body>
 void DoFunction_Block(LabelsList& labels, int& stackDepth) {
     const QString name = DefinitionHead(MatchProcName);
     VarsList args;
@@ -691,6 +697,7 @@ void Main(VarsList& vars, LabelsList& labels, int& stackDepth) {
 }  // namespace
 
 // Program = PROGRAM Name ProgramSection { ProgramSection } Statements END_PROGRAM
+// "PROG:", "<name>", "VAR:", <declarations>, "MAIN:", <statements>, "RET"
 void DoProgram(LabelsList& labels, int& stackDepth) {
     Match(TOKEN_PROGRAM);
     VarsList vars;

@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <initializer_list>
 #include <limits>
+#include <optional>
 
 QChar Look;
 int g_InputCodeFileCurrentLineCount = 0;
@@ -343,8 +345,8 @@ QStringView GetString() {
 // Operator = OperatorSign [ OperatorSign ]
 //
 // QUIRK: two operation characters always make one token, so "a+-b" holds the unknown token "+-".
-// A blank between them is the language's way to write two operators; scripts rely on "//" alone
-// keeping the white space behind it, which is comment text.
+// A blank between them is the language's way to write two operators. The white space behind "//"
+// is comment text and stays.
 QStringView GetOperation() {
     StoreTokenBeg(LookPlace());
     QStringView text = TakeOne();
@@ -433,19 +435,18 @@ const Notation* NotationOf(QStringView text) {
     return nullptr;
 }
 
-// The value of digits in that base; isInRange tells whether it fits 64 bits, else it is 0.
-qint64 ValueOf(QStringView digits, int base, bool* isInRange) {
-    *isInRange = false;
+// The value of digits in that base, if it fits 64 bits.
+std::optional<qint64> ValueOf(QStringView digits, int base) {
     std::array<char, NUMBER_LENGTH_LIMIT> text;
     if (digits.size() > NUMBER_LENGTH_LIMIT) {
-        return 0;
+        return std::nullopt;
     }
     const char* const textEnd = std::transform(digits.begin(), digits.end(), text.data(),
                                                [](QChar c) { return c.toLatin1(); });
     qint64 value = 0;
     const auto [end, error] = std::from_chars(text.data(), textEnd, value, base);
-    *isInRange = error == std::errc() && end == textEnd;
-    return *isInRange ? value : 0;
+    const bool isInRange = error == std::errc() && end == textEnd;
+    return isInRange ? std::optional(value) : std::nullopt;
 }
 
 // BasedNumber = "16#" HexDigit { HexDigit } | "8#" OctDigit { OctDigit }
@@ -459,12 +460,11 @@ Typ GetBasedDigit(const Notation& notation, QString& text) {
     StoreTokenEnd(LookPlace());
     SkipWhite();
     const QStringView digits = QStringView(text).mid(notation.prefix.size());
-    bool isInRange = false;
-    const qint64 value = ValueOf(digits, notation.typingBase, &isInRange);
-    if (!isInRange || digits.size() > notation.digitsLimit) {
+    const std::optional<qint64> value = ValueOf(digits, notation.typingBase);
+    if (!value || digits.size() > notation.digitsLimit) {
         Abort(TXT_TOO_MUCH_CONSTANT, false);
     }
-    return TypeOfInteger(value);
+    return TypeOfInteger(*value);
 }
 
 // Fraction = { Digit } [ "E" [ "+" | "-" ] { Digit } ]
@@ -505,8 +505,7 @@ Typ GetNotation(QString& text) {
 Typ GetInteger(QStringView digits) {
     StoreTokenEnd(LookPlace());
     SkipWhite();
-    bool isInRange = false;
-    return TypeOfInteger(ValueOf(digits, DECIMAL, &isInRange));
+    return TypeOfInteger(ValueOf(digits, DECIMAL).value_or(0));
 }
 
 // The digits that begin a number, none before ".5".
@@ -734,14 +733,13 @@ qint64 StrToInt64(QStringView text) {
         }
     }
     const Notation* notation = NotationOf(text);
-    bool isInRange = false;
-    const qint64 value = notation == nullptr ? ValueOf(text, DECIMAL, &isInRange)
-                                             : ValueOf(text.mid(notation->prefix.size()),
-                                                       notation->base, &isInRange);
-    if (!isInRange) {
+    const std::optional<qint64> value =
+        notation == nullptr ? ValueOf(text, DECIMAL)
+                            : ValueOf(text.mid(notation->prefix.size()), notation->base);
+    if (!value) {
         Abort(TXT_TOO_MUCH_CONSTANT, false);
     }
-    return value;
+    return *value;
 }
 
 // ---------------------------------------------------------------------------------------------

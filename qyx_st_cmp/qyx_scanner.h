@@ -24,19 +24,19 @@ void SkipSemicolumn();
 
 bool IsEndOfInput(QChar c);
 bool IsWhite(QChar c);
-bool IsSemicolumn(QChar c);
-bool IsAlpha(QChar c);   // a Latin letter or "_"
-bool IsAlphaR(QChar c);  // a Latin or Cyrillic letter or "_"
+bool IsSemicolumn(QChar c);  // ";"
+bool IsAlpha(QChar c);       // a Latin letter or "_"
+bool IsAlphaR(QChar c);      // a Latin or Cyrillic letter or "_"
 bool IsDigit(QChar c);
 bool IsHexDigit(QChar c);
 bool IsOctDigit(QChar c);
 bool IsBinDigit(QChar c);
-bool IsString(QChar c);     // the quote of strings
-bool IsOperation(QChar c);  // a character of which operators are made
-bool IsSimbol(QChar c);
-bool IsAlphaOrDigit(QChar c);
-bool IsAlphaOrDigitR(QChar c);
-bool IsCharacter(QChar c);
+bool IsString(QChar c);         // the quote of strings
+bool IsOperation(QChar c);      // a character of which operators are made
+bool IsSimbol(QChar c);         // a sign that is no bracket, separator or apostrophe
+bool IsAlphaOrDigit(QChar c);   // IsAlpha or IsDigit
+bool IsAlphaOrDigitR(QChar c);  // IsAlphaR or IsDigit
+bool IsCharacter(QChar c);      // IsAlphaOrDigit or IsSimbol
 
 // ---------------------------------------------------------------------------------------------
 // Tokens

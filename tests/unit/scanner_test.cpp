@@ -17,6 +17,18 @@
 
 namespace {
 
+// Taken before any test runs.
+const TokenPos beginAtStart = TokenPosBeg;
+const TokenPos endAtStart = TokenPosEnd;
+const TokenPlace identAtStart = IdentPlace;
+
+TEST(Start, NoTokenHasBeenRead) {
+    EXPECT_EQ(Place(beginAtStart), "-1:-1");
+    EXPECT_EQ(Place(endAtStart), "-1:-1");
+    EXPECT_EQ(Place(identAtStart.begin), "-1:-1");
+    EXPECT_EQ(Place(identAtStart.end), "-1:-1");
+}
+
 using Predicate = bool (*)(QChar);
 
 // All characters of the basic plane of which the predicate holds.

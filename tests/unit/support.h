@@ -37,6 +37,7 @@ inline void ResetCompiler() {
     IdentPlace = {{-1, -1}, {-1, -1}};
     TokenChar = TOKEN_UNKNOWN;
     TokenName = {};
+    TokenSpelling = nullptr;
     LabelCount = 1;
     FunctionsList.clear();
     ProgramName.clear();

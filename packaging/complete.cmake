@@ -1,0 +1,34 @@
+# Completes the installed tree to what a Debian package holds. Run by cpack before it packs.
+
+cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH source)
+set(tree ${CPACK_TEMPORARY_INSTALL_DIRECTORY})
+set(docs ${tree}/usr/share/doc/yxstcmp)
+
+function(run)
+    execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+# The date of all that is packed, so that one tree gives one package: that of the last commit, or,
+# without a repository, that of the changelog.
+if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
+    execute_process(COMMAND git -C ${source} log -1 --format=%ct
+        OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+    if(NOT date)
+        file(TIMESTAMP ${source}/CHANGELOG.md date %s UTC)
+    endif()
+    set(ENV{SOURCE_DATE_EPOCH} ${date})
+endif()
+
+run(${source}/scripts/manual ${docs}/html)
+run(python3 -B ${source}/packaging/changelog.py ${CPACK_PACKAGE_VERSION}
+    ${CPACK_PACKAGE_CONTACT} ${docs}/changelog)
+run(gzip -9n ${docs}/changelog ${tree}/usr/share/man/man1/yxstcmp.1)
+file(MAKE_DIRECTORY ${tree}/usr/share/lintian/overrides)
+file(COPY_FILE ${source}/packaging/lintian-overrides ${tree}/usr/share/lintian/overrides/yxstcmp)
+
+# Debian has names of its own for these.
+file(RENAME ${docs}/LICENSE ${docs}/copyright)
+file(RENAME ${tree}/usr/share/zsh/site-functions ${tree}/usr/share/zsh/vendor-completions)
+
+run(chmod -R u=rwX,go=rX ${tree})
+run(find ${tree} -exec touch --no-dereference --date=@$ENV{SOURCE_DATE_EPOCH} {} +)
