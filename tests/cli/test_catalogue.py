@@ -1,20 +1,23 @@
 """Every text of the message catalogue is raised in some test, or it is known why it cannot be.
 
-A text counts as raised when an expected file of the golden tests, or a string in a command line
-test, holds a line of output with it. Such a line is read as a chain of catalogue texts, the
-longest that fits first, so "The function" is not found in "The function_block".
+A text counts as raised when a diagnostic in an expected file of the golden tests holds it. Such a
+line is read as a chain of catalogue texts, the longest that fits first, so "The function" is not
+found in "The function_block". The other texts are raised here.
 """
 
 import ast
 import re
 import unittest
+from typing import NamedTuple, Optional, Tuple
 
-from support import ROOT
+from limits import STACK_SIZE, limit_stack
+from support import ROOT, VALID_SOURCE, mask_time
+from test_depth import LIMIT_LEVELS
+from test_files import FilesTestCase, limit_file_size
 
 SOURCES = ROOT / "qyx_st_cmp"
 HEADER = SOURCES / "qyx_messages.h"
 GOLDEN = ROOT / "tests" / "golden"
-COMMAND_LINE_TESTS = ROOT / "tests" / "cli"
 
 EXPECTED_SUFFIXES = {".lst", ".out", ".res"}
 
@@ -92,11 +95,7 @@ def texts_in(line):
 # The raised texts
 # ---------------------------------------------------------------------------------------------
 
-# Tests of the command line may leave the numbers to a regular expression.
-NUMBER = r"(?:\d+|\\d\+)"
-DIAGNOSTIC = re.compile(
-    rf"^[;^]?((?:Error|Warning): Line {NUMBER}, Column {NUMBER}: .*)$", re.MULTILINE
-)
+DIAGNOSTIC = re.compile(r"^[;^]?((?:Error|Warning): Line \d+, Column \d+: .*)$", re.MULTILINE)
 
 
 def texts_in_diagnostics(output):
@@ -114,36 +113,78 @@ def raised_in_golden_tests():
     return raised
 
 
-def strings_of(path):
-    """The string and bytes constants of a Python file but for its documentation."""
-    tree = ast.parse(path.read_text())
-    documentation = {node.value for node in ast.walk(tree) if isinstance(node, ast.Expr)}
-    for node in ast.walk(tree):
-        if isinstance(node, ast.Constant) and node not in documentation:
-            if isinstance(node.value, bytes):
-                yield node.value.decode(errors="replace")
-            elif isinstance(node.value, str):
-                yield node.value
+# ---------------------------------------------------------------------------------------------
+# Runs for the texts that no golden test raises
+# ---------------------------------------------------------------------------------------------
 
 
-def raised_in_command_line_tests():
-    """A message without a position has to begin its string; single words are no message."""
-    messages = [text for text in CATALOGUE.values() if " " in text]
-    raised = set()
-    for path in COMMAND_LINE_TESTS.glob("*.py"):
-        if path.name == "test_catalogue.py":
-            continue
-        for string in strings_of(path):
-            raised |= texts_in_diagnostics(string)
-            raised |= {text for text in messages if string.startswith(text)}
-    return raised
+class Run(NamedTuple):
+    """A run of the compiler, and a line that its screen output must hold, {} being the text."""
+
+    line: str
+    arguments: Tuple[str, ...]
+    folder: Optional[str] = None  # stands where a file belongs
+    source: bytes = VALID_SOURCE
+    file_size: Optional[int] = None  # the limit of every file
+
+
+REFUSED = ";{}\n"
+OUTPUT_ALONE = ("in.st", "out")
+ON_SCREEN = ("in.st", "out", "-s")
+
+TOO_DEEP = b"PROGRAM main\nVAR a : INT; END_VAR\na := " + b"(" * (LIMIT_LEVELS + 1)
+TOO_DEEP_COLUMN = len("a := ") + LIMIT_LEVELS + 1
+
+RUNS = {
+    "TXT_ARGUMENTS_ERROR": Run(REFUSED, ()),
+    "TXT_BUILD_SUCCESSFUL": Run("{}  Elapsed time: N ms.\n", ON_SCREEN),
+    "TXT_INPUT_FILE_NOT_FOUND": Run(REFUSED, ("absent.st", "out")),
+    "TXT_OPEN_FAILED_ON_INPUT_FILE": Run(
+        "Error: Line 0, Column 0: {}\n", ("folder", "out", "-s"), folder="folder"
+    ),
+    "TXT_OPEN_FAILED_ON_OUTPUT_FILE": Run(REFUSED, OUTPUT_ALONE, folder="out"),
+    "TXT_OPEN_FAILED_ON_OUTPUT_FILE_LST": Run(REFUSED, (*OUTPUT_ALONE, "-l"), folder="out.lst"),
+    "TXT_OPEN_FAILED_ON_OUTPUT_FILE_RES": Run(REFUSED, (*OUTPUT_ALONE, "-r"), folder="out.res"),
+    "TXT_OPEN_FAILED_ON_OUTPUT_FILE_ERR": Run(REFUSED, (*OUTPUT_ALONE, "-e"), folder="out.err"),
+    "TXT_PROBLEM_WRITING_OUTPUT_FILE": Run(
+        "Error: Line 6, Column 1: {}\n", ON_SCREEN, file_size=0
+    ),
+    "TXT_TOO_DEEP_NESTING": Run(
+        f"Error: Line 3, Column {TOO_DEEP_COLUMN}: {{}}\n", ON_SCREEN, source=TOO_DEEP
+    ),
+    "TXT_TRADEMARK": Run("{}\n", ON_SCREEN),
+}
+
+
+class Runs(FilesTestCase):
+    def screen_of(self, run):
+        self.source("in.st", run.source)
+        if run.folder:
+            (self.folder / run.folder).mkdir()
+
+        def set_limits():
+            limit_stack(STACK_SIZE)
+            if run.file_size is not None:
+                limit_file_size(run.file_size)()
+
+        result = self.run_compiler(*run.arguments, preexec_fn=set_limits)
+        return mask_time(result.stdout).decode()
+
+    def test_every_run_raises_its_text(self):
+        top = self.folder
+        for name, run in RUNS.items():
+            self.folder = top / name
+            self.folder.mkdir()
+            with self.subTest(text=name):
+                line = run.line.format(CATALOGUE[name])
+                self.assertIn("\n" + line, "\n" + self.screen_of(run))
 
 
 class Catalogue(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        texts = raised_in_golden_tests() | raised_in_command_line_tests()
-        cls.raised = {name for name, text in CATALOGUE.items() if text in texts}
+        texts = raised_in_golden_tests()
+        cls.raised = {name for name, text in CATALOGUE.items() if text in texts} | RUNS.keys()
 
     def test_every_definition_is_read(self):
         self.assertEqual(len(CATALOGUE), HEADER.read_text().count(DEFINITION_BEGIN))

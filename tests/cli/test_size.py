@@ -105,6 +105,7 @@ class Lines(SizeTestCase):
 
 class LongTexts(SizeTestCase):
     NAME = b"i" * (1024 * KIB)
+    LONGEST_NUMBER = 254
 
     def test_identifier(self):
         name = self.NAME
@@ -129,9 +130,17 @@ class LongTexts(SizeTestCase):
         self.assertIn(b"JMP " + name.upper() + b" " + name.upper() + b": ", code)
 
     def test_number(self):
-        run = self.compile(program(b"x:=" + b"1" * len(self.NAME) + b";"))
-        self.assertEqual(run.status, 1)
-        self.assertIn(b"Error: ", self.result_lines()[-1])
+        longest = b"1" * self.LONGEST_NUMBER
+        self.assert_compiled(self.compile(program(b"x:=", longest, b";")))
+        code = (self.folder / "out").read_bytes()
+        self.assertTrue(code.endswith(b" MAIN: MOV " + longest + b" #A0 MOV #A0 @x RET "), code)
+        for length in (self.LONGEST_NUMBER + 1, len(self.NAME)):
+            with self.subTest(length=length):
+                run = self.compile(program(b"x:=", b"1" * length, b";"))
+                self.assertEqual(run.status, 1)
+                message = b"Error: Line 3, Column 4: Too much the constants"
+                self.assertEqual(self.result_lines()[-1], message)
+                self.assertFalse((self.folder / "out").exists())
 
     def test_line_of_blanks(self):
         without_items = self.code_of_empty_body()

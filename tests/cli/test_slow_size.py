@@ -5,7 +5,6 @@ import shutil
 import unittest
 
 from limits import IS_SANITIZED, KIB, MIB
-from test_depth import CASE_CHAINS, CHAIN_LINKS
 from test_size import END, SOURCE_SIZE_LIMIT, SizeTestCase, program
 
 GIB = 1024 * MIB
@@ -44,14 +43,6 @@ class ManyVariables(SizeTestCase):
         self.assertIn(b" VAR: v0 V INT 1 v1 V INT 1 ", begin)
         last = b" MOV @v%d #A0 MOV #A0 @v0 RET " % (self.COUNT - 1)
         self.assertTrue(end.endswith(last), end)
-
-
-class ManyCaseLabels(SizeTestCase):
-    def test_case_chains(self):
-        for name, source in CASE_CHAINS.items():
-            with self.subTest(chain=name):
-                run = self.compile([source(CHAIN_LINKS).encode("ascii")])
-                self.assert_compiled(run, bytes_per_item=512, items=CHAIN_LINKS)
 
 
 class LargestSource(SizeTestCase):

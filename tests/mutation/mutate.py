@@ -583,7 +583,7 @@ def main():
     parser.add_argument("--only", type=int, nargs="+", metavar="N", help="the mutants to run")
     parser.add_argument("--files", nargs="+", metavar="NAME", help="only mutants of these files")
     parser.add_argument("--workers", type=int, default=os.cpu_count())
-    parser.add_argument("--count", type=int, default=420, help="how many mutants to make")
+    parser.add_argument("--count", type=int, default=360, help="how many mutants to make")
     parser.add_argument("--seed", type=int, default=1)
     arguments = parser.parse_args()
 

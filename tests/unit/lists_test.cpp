@@ -207,7 +207,7 @@ TEST_F(Lists, InsertionRefusesANameThatIsThere) {
     EXPECT_EQ(NamesIn(list_).size(), 2U);
 }
 
-TEST_F(Lists, TheCheckBeforeADeclarationPutsTwoBlanksBeforeTheName) {
+TEST_F(Lists, IsVarAlreadyInVarsListPutsTwoBlanksBeforeTheName) {
     AddVarToVarsList(list_, Variable(QStringLiteral("x")));
     IsVarAlreadyInVarsList(list_, SpellingOf(QStringLiteral("y")));
     ExpectFailure([&] { IsVarAlreadyInVarsList(list_, SpellingOf(QStringLiteral("X"))); },

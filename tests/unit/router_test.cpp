@@ -307,14 +307,19 @@ TEST_F(Router, CodeWithoutACodeFileEndsTheRun) {
     ExpectFailure([] { FinishOutputCodeFile(); }, line);
 }
 
-TEST_F(Router, SideFilesThatAreNotOpenTakeNothing) {
+TEST_F(Router, SideFilesTakeNothingBeforeTheyAreOpenedAndAfterTheyAreClosed) {
     flag_SaveListFile = true;
     flag_ShowMessages = true;
     flag_SaveResFile = true;
     flag_SaveErrFile = true;
-    WriteLn(QStringLiteral("text"), WHAT_DIAGNOSTIC);
-    WriteLn(QStringLiteral("text"), WHAT_INFORMATION);
-    EXPECT_FALSE(FileExists(path("list")));
+    WriteLn(QStringLiteral("before"), WHAT_DIAGNOSTIC);
+    openOutputs();
+    WriteLn(QStringLiteral("between"), WHAT_DIAGNOSTIC);
+    CloseAllFiles();
+    WriteLn(QStringLiteral("after"), WHAT_DIAGNOSTIC);
+    EXPECT_EQ(ContentOf(path("list")), ";between\n");
+    EXPECT_EQ(ContentOf(path("res")), "between\n");
+    EXPECT_EQ(ContentOf(path("err")), "e:1,0");
 }
 
 TEST_F(Router, ACodeFileThatCannotBeWrittenEndsTheRun) {

@@ -191,6 +191,16 @@ QString MixedCase(const QString& text) {
     return mixed;
 }
 
+// What a name is told by is one record, so that names are compared as pointers.
+TEST(Spellings, EachTextHasOne) {
+    for (const QStringView text : {u"Level", u"LEVEL", u"Насос", u"насос", u"a", u"ж"}) {
+        EXPECT_EQ(&SpellingOf(text), &SpellingOf(text.toString())) << Utf8(text);
+    }
+    EXPECT_NE(&SpellingOf(u"Насос"), &SpellingOf(u"насос"));
+    EXPECT_EQ(SpellingOf(u"Насос").name, SpellingOf(u"насос").name);
+    EXPECT_NE(SpellingOf(u"Насос").name, SpellingOf(u"Насосы").name);
+}
+
 TEST(Lookup, FindsEveryRowByItsTextInAnyCase) {
     for (std::size_t row = 0; row < TOKENS.size(); ++row) {
         const QString text = QLatin1String(TOKENS[row].text);
