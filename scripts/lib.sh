@@ -33,8 +33,11 @@ need_packages() {
     say "installing ${missing[*]}"
     export DEBIAN_FRONTEND=noninteractive
     # A package source that cannot be reached matters only if the installation needs it.
-    apt-get update -q </dev/null >&2 || say "not all package lists could be refreshed"
-    if ! apt-get install -q -y --no-install-recommends "${missing[@]}" </dev/null >&2; then
+    local wait_for_others=(-o DPkg::Lock::Timeout=300)
+    apt-get update -q "${wait_for_others[@]}" </dev/null >&2 ||
+        say "not all package lists could be refreshed"
+    if ! apt-get install -q -y "${wait_for_others[@]}" --no-install-recommends "${missing[@]}" \
+        </dev/null >&2; then
         say "cannot install ${missing[*]}"
         exit 1
     fi

@@ -178,7 +178,7 @@ def is_frame_text(text):
 
 
 class PageReader:
-    """Takes the fences of a page in order. What takes one returns what is wrong with it, if so."""
+    """Takes the fences of a page in order. What takes one returns what is wrong with it."""
 
     def __init__(self, page):
         self.found = Examples([], [], list(page.complaints))

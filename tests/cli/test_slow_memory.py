@@ -73,7 +73,8 @@ class Memory(CompilerTestCase):
         code = b"int main() { volatile int* p = new int[2]; return p[2]; }"
         build = ["g++", "-x", "c++", "-o", program, "-"]
         subprocess.run(build, input=code, check=True)
-        self.assertEqual(subprocess.run([*MEMCHECK, program], capture_output=True).returncode, FOUND)
+        process = subprocess.run([*MEMCHECK, program], capture_output=True)
+        self.assertEqual(process.returncode, FOUND)
 
     def test_examples(self):
         examples = sorted((ROOT / "examples").glob("*.st"))
