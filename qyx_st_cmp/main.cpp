@@ -228,13 +228,17 @@ void PrepareScreen() {
     std::setvbuf(stdout, nullptr, _IOFBF, SCREEN_BLOCK_SIZE);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+void PrepareProcess() {
     OccupyClosedStreams();
     TakeFileNamesAsBytes();
     IgnoreOutputSignals();
     PrepareScreen();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    PrepareProcess();
     QElapsedTimer timer;
     timer.start();
     if (argc <= OUTPUT_ARGUMENT) {
