@@ -37,14 +37,12 @@ TEST_F(BuiltIns, StandInTheirOrderWithTheirParameters) {
                                      "FUNCTION sqrt(arg1 LREAL) LREAL",
                                      "FUNCTION_BLOCK yxSetGV(arg1 UINT, arg2 LREAL) LREAL",
                                      "FUNCTION yxGetGV(arg1 UINT) LREAL"});
-    const std::string words = "W0 UDINT, W1 UDINT, W2 UDINT, W3 UDINT";
-    const std::vector<std::string> types = {"USINT", "UINT", "UDINT", "REAL", "LREAL"};
-    for (const std::string& type : types) {
-        expected.push_back("FUNCTION yxGetReg" + type + '(' + words + ") " + type);
-    }
-    for (const std::string& type : types) {
-        expected.push_back("FUNCTION_BLOCK yxSetReg" + type + '(' + words + ", V " + type +
-                           ") LREAL");
+    const QString words = QStringLiteral("W0 UDINT, W1 UDINT, W2 UDINT, W3 UDINT");
+    for (const char* form :
+         {"FUNCTION yxGetReg%1(%2) %1", "FUNCTION_BLOCK yxSetReg%1(%2, V %1) LREAL"}) {
+        for (const char* type : {"USINT", "UINT", "UDINT", "REAL", "LREAL"}) {
+            expected.push_back(QString(form).arg(QString(type), words).toStdString());
+        }
     }
     std::vector<std::string> found;
     for (const FunctionItem& function : functions_) {
