@@ -39,6 +39,7 @@ from itertools import zip_longest
 from pathlib import Path
 from typing import Dict, List, NamedTuple, Optional
 
+from limits import STACK_SIZE, limit_stack
 from support import BINARY, ROOT, TIMEOUT_SECONDS, compile_source, mask_time, side_by_side
 from test_catalogue import CATALOGUE, NOT_RAISED, SOURCES, texts_in, texts_in_diagnostics
 
@@ -360,6 +361,7 @@ def run_commands(commands, folder, tools):
         stdout=subprocess.PIPE,
         stderr=subprocess.STDOUT,
         timeout=TIMEOUT_SECONDS,
+        preexec_fn=lambda: limit_stack(STACK_SIZE),
     )
     outputs = process.stdout.split(END_OF_COMMAND.encode())
     return outputs if outputs[-1] else outputs[:-1]
