@@ -165,8 +165,8 @@ FunctionItem& Callee(const FunctionList& functions, Token code) {
 }
 
 // Call = Name Parameters
-// <parameters>; aborts when their number is wrong. `code` tells which kind of callee; it is
-// returned.
+// <parameters>; aborts when their number is wrong. `code` tells which kind of callee must come.
+// Returns the callee.
 FunctionItem& PassParameters(const FunctionList& functions, const VarsList& vars, Token code) {
     FunctionItem& callee = Callee(functions, code);
     callee.isUsed = true;

@@ -1,6 +1,5 @@
 """The grammar of the manual: it is complete and current, and every accepted script follows it."""
 
-import importlib.util
 import subprocess
 import sys
 import unittest
@@ -8,18 +7,10 @@ import unittest
 from support import ROOT
 from test_relations import tokenize
 
-sys.path.insert(0, str(ROOT / "tests/checker"))
+sys.path[:0] = [str(ROOT / "tests/checker"), str(ROOT / "scripts")]
+import grammar as collector  # noqa: E402
 from corpus import accepted_sources  # noqa: E402
 
-
-def load_collector():
-    spec = importlib.util.spec_from_file_location("grammar", ROOT / "scripts/grammar.py")
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
-
-
-collector = load_collector()
 GRAMMAR = collector.collect()
 RESERVED = {text for text in collector.rows(collector.TOKEN_ROW) if text[0].isalpha()}
 
