@@ -98,8 +98,9 @@ void CheckOperand(const BinaryOperator& op, QLatin1String operandHasType, Typ ty
 // operator MulTerm
 // <right operand>, "<keyword> $POP #A0"; the left operand waits on the stack already.
 //
-// QUIRK: the right operand is a whole MulTerm whatever the operator, so all operators but "+" and
-// "-" group to the right: a / b * c is a / (b * c). Programs in the field rely on it.
+// QUIRK(right-grouping): the right operand is a whole MulTerm whatever the operator, so all
+// operators but "+" and "-" group to the right: a / b * c is a / (b * c). Programs in the field
+// rely on it.
 Typ BinaryOperation(const BinaryOperator& op, const VarsList& vars, Typ typ) {
     const NestingGuard guard;
     Match(op.token);
@@ -113,8 +114,8 @@ Typ BinaryOperation(const BinaryOperator& op, const VarsList& vars, Typ typ) {
 
 // The operators, each with its token, its keyword and the operands that it takes.
 //
-// QUIRK: "+" checks no operand itself: a BOOL on its left is refused by the conversion, in other
-// words than those of "-".
+// QUIRK(plus-unchecked): "+" checks no operand itself: a BOOL on its left is refused by the
+// conversion, in other words than those of "-".
 Typ Add(const VarsList& vars, Typ typ) {
     return BinaryOperation({TOKEN_PLUS, sADD, OperandClass::Any}, vars, typ);
 }
@@ -221,7 +222,8 @@ Typ LoadVariable(const VarsList& vars, const Spelling& name) {
 // Name Indices
 // <indices>, [ <linear index> ], "MOV @name[#POP.SI] #A0" or "MOV @name[#R1.SI] #A0"
 //
-// QUIRK: the linear index is made in #R0 while the operand names #R1. The engine pairs the two.
+// QUIRK(linear-index-registers): the linear index is made in #R0 while the operand names #R1.
+// The engine pairs the two.
 Typ LoadElement(const VarsList& vars, const Spelling& name) {
     VarItem& array = IsArrayVarInVarsList(vars, name);
     array.isUsed = true;
@@ -460,7 +462,8 @@ bool GetBoolean() {
 
 // TRUE | FALSE on the right of a comparison: "MOV 1 #A0" or "MOV 0 #A0"
 //
-// QUIRK: no type is checked here, so a number may be compared with TRUE. Programs rely on it.
+// QUIRK(number-compared-with-literal): no type is checked here, so a number may be compared
+// with TRUE. Programs rely on it.
 void ComparedLiteral() {
     const char value = GetBoolean() ? '1' : '0';
     Match(TOKEN_TRUE, TOKEN_FALSE);
@@ -576,8 +579,9 @@ Typ NotFactor(const VarsList& vars, Typ typ) {
 
 // The operator of a Boolean operation and its right operand, a whole BoolExpression.
 //
-// QUIRK: AND, OR and XOR thus group to the right, and AND does not bind tighter than an OR behind
-// it: a AND b OR c is a AND (b OR c). Programs in the field rely on it.
+// QUIRK(boolean-grouping): AND, OR and XOR thus group to the right, and AND does not bind
+// tighter than an OR behind it: a AND b OR c is a AND (b OR c). Programs in the field rely on
+// it.
 Typ BoolRightOperand(const VarsList& vars, Label& label) {
     const NestingGuard guard;
     const Typ literal = Scan();

@@ -213,8 +213,9 @@ QString OutlineInputCodeString(QStringView text, int line) {
     return StringsToString(";", TXT_LINE, " ", number, ": \"", text, "\"");
 }
 
-// QUIRK: -c promises to show comment lines, yet the echo shows comments with and without it: no
-// code reads the option. Listings that are compared across versions rely on the echo.
+// QUIRK(comments-always-echoed): -c promises to show comment lines, yet the echo shows comments
+// with and without it: no code reads the option. Listings that are compared across versions
+// rely on the echo.
 QStringView RemoveComment(QStringView text) {
     return text;
 }
@@ -397,9 +398,9 @@ void RouteMessage(const std::string& line, bool force) {
     WriteStringToOutputResFile(line);
 }
 
-// QUIRK: the error file gets the place of the look-ahead character, which may lie behind the
-// token that the message names, and nothing separates two records. Readers of the file rely on
-// it.
+// QUIRK(error-file-place): the error file gets the place of the look-ahead character, which may
+// lie behind the token that the message names, and nothing separates two records. Readers of
+// the file rely on it.
 void RecordPosition() {
     const std::string line = std::to_string(g_InputCodeFileCurrentLineCount + 1);
     const std::string column = std::to_string(g_InputCodeFileCurrentPosCount + 1);

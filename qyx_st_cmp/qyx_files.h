@@ -199,8 +199,8 @@ char* PutPart(char* to, QStringView part);
 
 // Writes one item of target code.
 //
-// QUIRK: the code file is one single line: every item is followed by one blank and no line end,
-// the last one too. The engine reads it so; lines exist in the listing alone.
+// QUIRK(one-line-code): the code file is one single line: every item is followed by one blank
+// and no line end, the last one too. The engine reads it so; lines exist in the listing alone.
 template <typename... Parts>
 Q_ALWAYS_INLINE void WriteItem(const Parts&... parts) {
     char* const begin = ReserveCode((PartSize(parts) + ...) + 1);

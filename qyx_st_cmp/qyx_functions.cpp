@@ -61,8 +61,8 @@ void AddSetRegister(FunctionList& list, const char* name, Typ type) {
 
 }  // namespace
 
-// QUIRK: both arguments of pow are named arg1. Parameters go by position, so the names never
-// meet.
+// QUIRK(pow-argument-names): both arguments of pow are named arg1. Parameters go by position,
+// so the names never meet.
 void AddBuildInFunctions(FunctionList& list) {
     for (const char* name : {"cos", "sin", "tan", "acos", "asin", "atan", "ceil", "floor",
                              "round", "exp", "fabs", "ln", "log10"}) {

@@ -164,8 +164,8 @@ enum Token : unsigned char {
 
 // The character that Look holds at and behind the end of the source.
 //
-// QUIRK: a source that holds this character, which Unicode reserves for such uses, ends there.
-// Text behind it was never compiled, so no program has come to need it.
+// QUIRK(end-character): a source that holds this character, which Unicode reserves for such
+// uses, ends there. Text behind it was never compiled, so no program has come to need it.
 constexpr ushort END_OF_INPUT = 0xFFFF;
 
 extern QChar Look;                           // the look-ahead character; reader: main

@@ -14,9 +14,8 @@ FunctionList FunctionsList;
 
 // The parsers compare against the codes, so Token (qyx_globals.h) and this table change together.
 //
-// QUIRK: SHL has a higher code than SHR, and VAR_ARG and VAR_REF carry late codes among the
-// sections. The codes are fixed.
-// clang-format off
+// QUIRK(token-codes): SHL has a higher code than SHR, and VAR_ARG and VAR_REF carry late codes
+// among the sections. The codes are fixed. clang-format off
 constexpr token TokensTable[] = {
     {TOKEN_PROGRAM, "PROGRAM"_L1},
     {TOKEN_END_PROGRAM, "END_PROGRAM"_L1},
@@ -365,8 +364,8 @@ VarItem& IsArrayVarInVarsList(const VarsList& list, const Spelling& name) {
     return item;
 }
 
-// QUIRK: this message has two blanks before the name where CheckDuplicate has one: the text ends
-// in a blank and one more is put behind it. Messages are fixed.
+// QUIRK(two-blanks): this message has two blanks before the name where CheckDuplicate has one:
+// the text ends in a blank and one more is put behind it. Messages are fixed.
 void IsVarAlreadyInVarsList(const VarsList& list, const Spelling& name) {
     if (list.find(name) != nullptr) {
         AbortDuplicate(" "_L1, name.text);

@@ -185,8 +185,8 @@ Label ConditionalBranch(const Body& body, const LoopLabels& loop) {
 // If = IF ConditionalBranch { ELSIF ConditionalBranch } [ ELSE Statements ] END_IF ";"
 // <branch>, [ "JMP E", "N:", <branch> ... ], "N:" or "E:"
 //
-// QUIRK: an IF without ELSIF and ELSE draws the label E and never posts it. The numbers of all
-// later labels follow from that.
+// QUIRK(unposted-label): an IF without ELSIF and ELSE draws the label E and never posts it. The
+// numbers of all later labels follow from that.
 void DoIf(const Body& body, const LoopLabels& loop) {
     Match(TOKEN_IF);
     Label end;
@@ -325,8 +325,8 @@ void EmitForStep(const Operand& control, const Direction& direction) {
 // For = FOR ForStart ForBound DO Statements END_FOR ";"
 // <start>, <bound>, "H:", <test>, <statements>, "S:", <step>, "JMP H", "X:", "MOV $POP #NIL"
 //
-// QUIRK: test and step address the variable by value even when it is held by reference, while the
-// start is stored through the reference. Target code is fixed.
+// QUIRK(for-by-reference): test and step address the variable by value even when it is held by
+// reference, while the start is stored through the reference. Target code is fixed.
 void DoFor(const Body& body) {
     Match(TOKEN_FOR);
     Label head;
@@ -373,8 +373,8 @@ bool IsInRange(const CaseItems& items, qint64 value) {
     return behind != items.ranges.begin() && std::prev(behind)->second >= value;
 }
 
-// QUIRK: a new range that lies strictly inside an older one is not noticed: only the ends of the
-// older range are looked for in the new one. Programs in the field rely on it.
+// QUIRK(inner-range): a new range that lies strictly inside an older one is not noticed: only
+// the ends of the older range are looked for in the new one. Programs in the field rely on it.
 bool IsDuplicate(const CaseItems& items, TWhatCase kind, qint64 low, qint64 high) {
     const auto end = items.ends.lower_bound(low);
     const bool holdsAnEnd = end != items.ends.end() && *end <= high;
@@ -476,8 +476,8 @@ bool IsCaseBranchEnd(Token code) {
 
 // The statements of a branch, up to the next label.
 //
-// QUIRK: the branches of a CASE know no loop: BREAK and CONTINUE are refused in them even when
-// the CASE stands in a loop. The language has it so.
+// QUIRK(case-in-loop): the branches of a CASE know no loop: BREAK and CONTINUE are refused in
+// them even when the CASE stands in a loop. The language has it so.
 void CaseBranch(const Body& body) {
     const NestingGuard guard;
     ScanInCase();
@@ -519,9 +519,9 @@ void CaseSelector(const Body& body) {
 // Case = CASE CaseSelector CaseElement { CaseElement } [ ELSE Statements ] END_CASE ";"
 // <selector>, { <element> }, [ <statements> ], "E:", "MOV $POP #NIL"
 //
-// QUIRK: the selector on the value stack is not counted in the stack depth, so an EXIT in a
-// branch leaves it there. Target code is fixed. For the same reason a fresh pair of labels is
-// drawn behind every element, the last one included.
+// QUIRK(exit-in-case): the selector on the value stack is not counted in the stack depth, so an
+// EXIT in a branch leaves it there. Target code is fixed. For the same reason a fresh pair of
+// labels is drawn behind every element, the last one included.
 void DoCase(const Body& body) {
     Match(TOKEN_CASE);
     CaseSelector(body);

@@ -140,8 +140,9 @@ QString Initialization(const Section& section, VarItem& variable) {
 
 // "<name> <section> <TYPE> <value>"
 //
-// QUIRK: a BOOL initialised with a literal of mixed case, as True, has no value field, and an
-// empty item stands in place of its declaration. Programs in the field rely on it.
+// QUIRK(mixed-case-literal): a BOOL initialised with a literal of mixed case, as True, has no
+// value field, and an empty item stands in place of its declaration. Programs in the field rely
+// on it.
 void EmitDeclaration(const Section& section, QStringView name, const QString& keyword,
                      const QString& value) {
     if (value.isEmpty()) {
@@ -179,8 +180,8 @@ VarItem DeclaredName(const Section& section, QStringView& name, const VarsList& 
 // Declaration = DeclaredName ":" Type Initialization
 // "<name> <section> <TYPE> <value>"; at END_VAR there is none.
 //
-// QUIRK: the name is read into a text of its own, so "expected but" messages about a token in its
-// place quote the token before. Messages are fixed.
+// QUIRK(quoted-token-before): the name is read into a text of its own, so "expected but"
+// messages about a token in its place quote the token before. Messages are fixed.
 void DoAllocDecl(const Section& section, VarsList& list, const VarsList& otherList) {
     QStringView name;
     Scan(name, false, true);
@@ -455,8 +456,9 @@ void ArgsDecls(VarsList& args, VarsList& locals, Token end, bool mayBeginWithRes
     }
 }
 
-// QUIRK: a function without sections may begin its body with RESULT and with nothing else, and a
-// function block without sections must be empty. The language has it so.
+// QUIRK(body-without-sections): a function without sections may begin its body with RESULT and
+// with nothing else, and a function block without sections must be empty. The language has it
+// so.
 void FArgsDecls(VarsList& args, VarsList& locals) {
     ArgsDecls(args, locals, TOKEN_END_FUNCTION, true);
 }
@@ -590,8 +592,8 @@ void DoFunction_Block(LabelsList& labels, int& stackDepth) {
 
 // Definitions = { Function | FunctionBlock }
 //
-// QUIRK: a declared name carries the code of its keyword, so it begins a definition as the
-// keyword does. The scanner's codes are fixed.
+// QUIRK(name-begins-definition): a declared name carries the code of its keyword, so it begins
+// a definition as the keyword does. The scanner's codes are fixed.
 void DoFunctions(LabelsList& labels, int& stackDepth) {
     FunctionsList.clear();
     AddBuildInFunctions(FunctionsList);

@@ -266,8 +266,9 @@ void ScanCommentPiece(QStringView& text) {
 // BlockComment = "(*" { ? any character ? } "*)"
 // Look stands on the "*" of "(*". Comments do not nest: "(*" within is comment text.
 //
-// QUIRK: the first piece goes to TokenName even where the token is being read into another text,
-// so a message that quotes TokenName after such a comment quotes that piece. Messages are fixed.
+// QUIRK(quoted-comment-piece): the first piece goes to TokenName even where the token is being
+// read into another text, so a message that quotes TokenName after such a comment quotes that
+// piece. Messages are fixed.
 void SkipMultiLinesComment(QStringView& text) {
     GetChar();
     SkipWhite();
@@ -344,9 +345,9 @@ QStringView GetString() {
 
 // Operator = OperatorSign [ OperatorSign ]
 //
-// QUIRK: two operation characters always make one token, so "a+-b" holds the unknown token "+-".
-// A blank between them is the language's way to write two operators. The white space behind "//"
-// is comment text and stays.
+// QUIRK(sign-pairs): two operation characters always make one token, so "a+-b" holds the
+// unknown token "+-". A blank between them is the language's way to write two operators. The
+// white space behind "//" is comment text and stays.
 QStringView GetOperation() {
     StoreTokenBeg(LookPlace());
     QStringView text = TakeOne();
@@ -380,8 +381,9 @@ struct Notation {
     QLatin1String digitExpectedBut;
 };
 
-// QUIRK: an octal literal is typed by its digits read in base 16, so 8#377 is an INT and not a
-// USINT. Programs in the field rely on the types that follow; the value itself is read in base 8.
+// QUIRK(octal-types): an octal literal is typed by its digits read in base 16, so 8#377 is an
+// INT and not a USINT. Programs in the field rely on the types that follow; the value itself is
+// read in base 8.
 constexpr std::array<Notation, 3> NOTATIONS = {{
     {"16#"_L1, 16, 16, NUMBER_LENGTH_LIMIT, IsHexDigit, TXT_HEX_NUMBER_EXPECTED_BUT},
     {"8#"_L1, 8, 16, NUMBER_LENGTH_LIMIT, IsOctDigit, TXT_OCT_NUMBER_EXPECTED_BUT},
@@ -500,8 +502,8 @@ Typ GetNotation(QString& text) {
 }
 
 // Digits alone.
-// QUIRK: digits that exceed 64 bits count as the value 0 and so as a SINT; only their number is
-// limited. Programs in the field rely on the type.
+// QUIRK(digits-over-64-bits): digits that exceed 64 bits count as the value 0 and so as a SINT;
+// only their number is limited. Programs in the field rely on the type.
 Typ GetInteger(QStringView digits) {
     StoreTokenEnd(LookPlace());
     SkipWhite();
@@ -621,10 +623,10 @@ Typ ScanToken(QStringView& text, bool integerOnly, bool skipWhite) {
 
 }  // namespace
 
-// QUIRK: a token behind a comment is read with fractions allowed whatever the caller asked, and
-// the type of a literal behind a comment is lost: the comment's own type, none, is returned. So a
-// comment between an operator and its literal changes how the expression is typed. Existing
-// programs were compiled so.
+// QUIRK(comment-loses-type): a token behind a comment is read with fractions allowed whatever
+// the caller asked, and the type of a literal behind a comment is lost: the comment's own type,
+// none, is returned. So a comment between an operator and its literal changes how the
+// expression is typed. Existing programs were compiled so.
 Typ Scan(QStringView& text, bool integerOnly, bool skipWhite) {
     const Typ type = ScanToken(text, integerOnly, skipWhite);
     if (!IsCommentBegin(TokenChar)) {
@@ -751,8 +753,9 @@ void GetNewLabel(Label& label) {
     ++LabelCount;
 }
 
-// QUIRK: the second label is told, not reserved: whoever draws next gets it again. The numbers of
-// all later labels follow from that, and they are part of the target code.
+// QUIRK(shared-label): the second label is told, not reserved: whoever draws next gets it
+// again. The numbers of all later labels follow from that, and they are part of the target
+// code.
 void GetNewLabelAndNextLabel(Label& label, Label& next) {
     GetNewLabel(label);
     next = {LabelCount};

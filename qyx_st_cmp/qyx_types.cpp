@@ -82,7 +82,7 @@ constexpr Typ Convert(const Conversion& conversion, Typ next, bool strict) {
     return conversion.own > next ? conversion.own : next;
 }
 
-// QUIRK: a BOOL combines with BOOL alone, not even with a value of no type yet.
+// QUIRK(bool-alone): a BOOL combines with BOOL alone, not even with a value of no type yet.
 constexpr Typ ConvertBoolTo(Typ next) {
     return Convert(BOOL_CONVERSION, next, false);
 }
@@ -91,8 +91,8 @@ constexpr Typ ConvertSIntTo(Typ next, bool strict) {
     return Convert(SINT_CONVERSION, next, strict);
 }
 
-// QUIRK: USINT combines exactly as SINT does: with a value of no type yet it yields SINT.
-// Programs in the field rely on the types that follow.
+// QUIRK(usint-as-sint): USINT combines exactly as SINT does: with a value of no type yet it
+// yields SINT. Programs in the field rely on the types that follow.
 constexpr Typ ConvertUSIntTo(Typ next, bool strict) {
     return ConvertSIntTo(next, strict);
 }
@@ -113,8 +113,8 @@ constexpr Typ ConvertUDIntTo(Typ next, bool strict) {
     return Convert(UDINT_CONVERSION, next, strict);
 }
 
-// QUIRK: a REAL takes a BOOL, while a BOOL takes no REAL and an LREAL no BOOL. Programs in the
-// field rely on it.
+// QUIRK(real-takes-bool): a REAL takes a BOOL, while a BOOL takes no REAL and an LREAL no BOOL.
+// Programs in the field rely on it.
 constexpr Typ ConvertRealTo(Typ next) {
     return Convert(REAL_CONVERSION, next, false);
 }
@@ -182,7 +182,8 @@ constexpr ConversionTable CONVERSIONS = MakeConversionTable();
 
 }  // namespace
 
-// QUIRK: a USINT is named "SINT" here, as it combines like one. Messages are fixed.
+// QUIRK(usint-named-sint): a USINT is named "SINT" here, as it combines like one. Messages are
+// fixed.
 void AbortIncompatible(Typ current, Typ next) {
     const Typ named = current == TYP_USINT ? TYP_SINT : current;
     Abort(StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(named)), " ", TXT_AND,

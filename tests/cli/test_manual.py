@@ -508,27 +508,22 @@ def missing_words(page):
 # Completeness of surprises.md and tutorial.md
 # ---------------------------------------------------------------------------------------------
 
-QUIRK = re.compile(r"//\s*QUIRK:(.*(?:\n\s*//(?!\s*QUIRK:).*)*)")
-QUIRK_ENTRY = re.compile(r"<!--\s*quirk:\s*(\S+):\s+(.*?)\s*-->", re.DOTALL)
-KEY_WORDS = 6
+QUIRK = re.compile(r"//\s*QUIRK\b(?:\(([\w-]+)\):)?")
+QUIRK_ENTRY = re.compile(r"<!-- quirk: ([\w-]+) -->")
 
 
-def quirk_key(file_name, text):
-    return f"{file_name}: {' '.join(text.split()[:KEY_WORDS])}"
-
-
-def quirks_in(file_name, source):
-    texts = [re.sub(r"\n\s*//", " ", match[1]) for match in QUIRK.finditer(source)]
-    return {quirk_key(file_name, text) for text in texts}
+def quirks_in(source):
+    """The ids of the comments that begin with QUIRK; "" for one that has none."""
+    return QUIRK.findall(source)
 
 
 def quirks_of_sources():
     paths = [*SOURCES.glob("*.cpp"), *SOURCES.glob("*.h")]
-    return {key for path in paths for key in quirks_in(path.name, path.read_text())}
+    return {quirk for path in paths for quirk in quirks_in(path.read_text())}
 
 
 def quirks_of_page(page):
-    return {quirk_key(*match.groups()) for match in QUIRK_ENTRY.finditer(page.prose)}
+    return set(QUIRK_ENTRY.findall(page.prose))
 
 
 def differing_quirks(page):
@@ -755,13 +750,12 @@ class IncompletePagesAreNoticed(unittest.TestCase):
         self.assertGreater(len(missing), 100)
 
     def test_quirks(self):
-        source = "// Two.\n// QUIRK: one two  three\n    // four five six.\n// QUIRK: b\nint c;"
-        first = "a.cpp: one two three four five six."
-        self.assertEqual(quirks_in("a.cpp", source), {first, "a.cpp: b"})
-        page = page_of(top="<!-- quirk: a.cpp: one two three four five\nsix. seven -->\n")
-        self.assertEqual(quirks_of_page(page), {first})
+        source = "// Two.\n// QUIRK(one-two): three\n    // four.\n// QUIRK: b\nint c;"
+        self.assertEqual(quirks_in(source), ["one-two", ""])
+        page = page_of(top="<!-- quirk: one-two -->\n<!-- quirk: none of these -->\n")
+        self.assertEqual(quirks_of_page(page), {"one-two"})
         complaints = list(differing_quirks(page))
-        self.assertIn(f"no such comment in the sources: {first}", complaints)
+        self.assertIn("no such comment in the sources: one-two", complaints)
         self.assertEqual(len(complaints), len(quirks_of_sources()) + 1)
         self.assertGreater(len(complaints), 20)
 
