@@ -1,10 +1,10 @@
-// Prints the words of the language as JSON, from the compiler's own tables, for whatever must
-// know them: the editors' highlighting, the manual's tests, the fuzzer's dictionary.
-//
-// The reserved words stand under "keywords", all of them, and once more by what they are for.
+// Prints the tables of the compiler as JSON, for whatever must know the language: the editors'
+// highlighting, the grammar, the tests, the fuzzer's dictionary. scripts/words.py reads it.
 
 #include "qyx_functions.h"
 #include "qyx_globals.h"
+#include "qyx_messages.h"
+#include "qyx_types.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -13,13 +13,6 @@
 #include <cstdio>
 
 namespace {
-
-// Appends the text to the list of that name.
-void Append(QJsonObject& words, QLatin1String list, const QString& text) {
-    QJsonArray texts = words[list].toArray();
-    texts.append(text);
-    words[list] = texts;
-}
 
 // What a reserved word is for.
 QLatin1String UseOf(Token code) {
@@ -55,38 +48,66 @@ QLatin1String UseOf(Token code) {
     }
 }
 
-void AddTokens(QJsonObject& words) {
+QLatin1String UseOf(const token& row) {
+    return QChar(row.text.front()).isLetter() ? UseOf(row.code) : "punctuation"_L1;
+}
+
+QJsonArray Tokens() {
+    QJsonArray rows;
     for (const token& row : TokensTable) {
-        if (QChar(row.text.front()).isLetter()) {
-            Append(words, "keywords"_L1, row.text);
-            Append(words, UseOf(row.code), row.text);
-        } else {
-            Append(words, "punctuation"_L1, row.text);
-        }
+        rows.append(QJsonObject{{"text", row.text}, {"use", UseOf(row)}});
     }
+    return rows;
 }
 
-void AddTypes(QJsonObject& words) {
+QJsonArray Types() {
+    QJsonArray rows;
     for (const typ& row : TypsTable) {
-        Append(words, "types"_L1, row.name);
+        rows.append(QJsonObject{{"name", row.name}, {"shortName", row.shortName}});
     }
+    return rows;
 }
 
-void AddBuiltIns(QJsonObject& words) {
+QJsonArray ArgumentTypes(const FunctionItem& function) {
+    QJsonArray types;
+    for (const VarItem& argument : function.arguments) {
+        types.append(TypToStr(argument.type));
+    }
+    return types;
+}
+
+// A function block gives no result, whatever its record holds.
+QJsonObject BuiltIn(const FunctionItem& function) {
+    return {{"name", function.name},
+            {"arguments", ArgumentTypes(function)},
+            {"result", function.isFunction ? QJsonValue(TypToStr(function.resultType))
+                                           : QJsonValue(QJsonValue::Null)}};
+}
+
+QJsonArray BuiltIns() {
     FunctionList functions;
     AddBuildInFunctions(functions);
+    QJsonArray rows;
     for (const FunctionItem& function : functions) {
-        Append(words, function.isFunction ? "functions"_L1 : "functionBlocks"_L1, function.name);
+        rows.append(BuiltIn(function));
     }
+    return rows;
+}
+
+// Each text of the catalogue under the name of its constant.
+QJsonObject Messages() {
+    return {
+#include "messages.inc"
+    };
 }
 
 }  // namespace
 
 int main() {
-    QJsonObject words;
-    AddTokens(words);
-    AddTypes(words);
-    AddBuiltIns(words);
-    std::fputs(QJsonDocument(words).toJson().constData(), stdout);
+    const QJsonObject tables = {{"tokens", Tokens()},
+                                {"types", Types()},
+                                {"builtIns", BuiltIns()},
+                                {"messages", Messages()}};
+    std::fputs(QJsonDocument(tables).toJson().constData(), stdout);
     return 0;
 }

@@ -21,6 +21,8 @@ import textwrap
 from pathlib import Path
 from typing import NamedTuple
 
+import words
+
 ROOT = Path(__file__).resolve().parents[1]
 SOURCES = ROOT / "qyx_st_cmp"
 PAGE = ROOT / "docs" / "manual" / "grammar.md"
@@ -35,8 +37,8 @@ INTRODUCTION = """\
 # Grammar
 
 The grammar that the compiler follows, one production for each of its parsing functions.
-`scripts/grammar` collects it from their comments. What the constructs mean is told in the
-[language reference](language.md).
+`scripts/grammar` collects it from their comments. The [language reference](language.md)
+says what the constructs mean.
 
 | Notation | Meaning |
 |---|---|
@@ -63,7 +65,7 @@ SECTIONS = [
     Section(
         "The script",
         "A function or function block without a section of declarations has no statements, but"
-        " for one case: the statements of a function may begin with `RESULT`. What stands behind"
+        " for one case: the statements of a function may begin with `RESULT`. What stands after"
         " `END_PROGRAM` is not read; a warning tells that it is there.",
         ["Script"],
     ),
@@ -79,13 +81,13 @@ SECTIONS = [
         "Statements",
         "`RESULT` is a variable in functions alone. `BREAK` and `CONTINUE` stand in loops, but"
         " not in a `CASE` within the loop. The `Integer` of a `CaseBound` has decimal digits"
-        " only, also behind `16#`.",
+        " only, also after `16#`.",
         ["Statements"],
     ),
     Section(
         "Expressions",
-        "`AND`, `OR` and `XOR` behind a `BOOL` are those of `BoolTerm` and `BoolExpression`;"
-        " behind a number they are those of `BitTerm`. The right operand of most operators is a"
+        "`AND`, `OR` and `XOR` after a `BOOL` are those of `BoolTerm` and `BoolExpression`;"
+        " after a number they are those of `BitTerm`. The right operand of most operators is a"
         " whole `MulTerm` or `BoolExpression`, so they group to the right; see the"
         " [surprises](surprises.md). The `Name` of a function that is defined above or built in"
         " begins a `Call`; that of a function block does so in a `CallStatement` alone. A"
@@ -96,7 +98,7 @@ SECTIONS = [
     Section(
         "Lexical form",
         "`White` and `Comment` may stand between any two tokens, and `White` separates words; but"
-        " no comment may stand before a `Type`, before the name behind `PROGRAM`, `FUNCTION` or"
+        " no comment may stand before a `Type`, before the name after `PROGRAM`, `FUNCTION` or"
         " `FUNCTION_BLOCK`, or before or within a `CaseLabel` that is a range. A carriage return"
         " counts for nothing, even within a word. Two signs of operators in a row are always one"
         " `Operator`. In a `CaseBound` a `.` ends the number, so that `1..5` is a range. Comments"
@@ -268,14 +270,6 @@ def section_names(grammar, section):
 # What must hold
 # ---------------------------------------------------------------------------------------------
 
-TOKEN_ROW = re.compile(r'\{TOKEN_\w+, "([^"]+)"_L1\}')
-TYPE_ROW = re.compile(r'\{TYP_\w+, "([^"]+)"_L1, "\w+"_L1\}')
-
-
-def rows(pattern):
-    """The texts of a table of the compiler."""
-    return pattern.findall((SOURCES / "qyx_lists.cpp").read_text(encoding="utf-8"))
-
 
 def faults(grammar):
     """What is wrong with the grammar as a whole, a line each."""
@@ -285,7 +279,7 @@ def faults(grammar):
     terminals = [leaf for production in grammar.values() for leaf in leaves(production.body)]
     reserved = {leaf.text for leaf in terminals if leaf.kind == "reserved"}
     texts = {leaf.text for leaf in terminals if leaf.kind in ("reserved", "text")}
-    tokens = rows(TOKEN_ROW)
+    tokens = words.tokens()
     roots = {root for section in SECTIONS for root in section.roots}
     return [
         *(f"{used[name].place}: {name} is not defined" for name in sorted(used.keys() - defined)),
@@ -317,7 +311,7 @@ def written(node):
 
 
 def production_lines(production, width):
-    """The production, its "=" behind `width` characters and its further lines under that."""
+    """The production, its "=" after `width` characters and its further lines under that."""
     pieces = [production.body]
     if production.body.kind == "choice":
         pieces = production.body.parts
@@ -343,13 +337,13 @@ def wrapped(text):
     return textwrap.fill(text, PAGE_WIDTH, break_on_hyphens=False)
 
 
-def listed(words):
-    return ", ".join(f"`{word}`" for word in words)
+def listed(names):
+    return ", ".join(f"`{name}`" for name in names)
 
 
 def reserved_words():
-    words = sorted(text for text in rows(TOKEN_ROW) if text[0].isalpha())
-    text = RESERVED_TEXT.format(words=listed(words), types=listed(rows(TYPE_ROW)))
+    reserved = listed(sorted(words.reserved_words()))
+    text = RESERVED_TEXT.format(words=reserved, types=listed(words.types()))
     title, *paragraphs = text.strip().split("\n\n")
     return "\n\n".join([title, *map(wrapped, paragraphs)])
 

@@ -76,15 +76,17 @@ lock_build() {
 
 unlock_build() { exec {build_lock}>&-; }
 
-build_compiler() {
+build_target() {
     lock_build
     if ! is_configured; then
-        say "building the compiler in $build"
+        say "building $1 in $build"
         build_quietly configure
     fi
-    build_quietly cmake --build "$build" --target yxstcmp
+    build_quietly cmake --build "$build" --target "$1"
     unlock_build
 }
+
+build_compiler() { build_target yxstcmp; }
 
 # Always configured anew: an earlier build may have been made without the test packages.
 build_all() {

@@ -6,6 +6,7 @@ The binary is the one that the environment variable YXSTCMP names, else build/yx
 import os
 import re
 import subprocess
+import sys
 import tempfile
 import unittest
 from concurrent.futures import ThreadPoolExecutor
@@ -13,6 +14,10 @@ from pathlib import Path
 from typing import Dict, NamedTuple
 
 ROOT = Path(__file__).resolve().parents[2]
+
+sys.path.insert(0, str(ROOT / "scripts"))
+import words  # noqa: E402, F401: for the tests
+
 BINARY = Path(os.environ.get("YXSTCMP", ROOT / "build" / "yxstcmp")).resolve()
 TIMEOUT_SECONDS = 60
 

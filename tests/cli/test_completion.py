@@ -11,17 +11,13 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from support import ROOT, TIMEOUT_SECONDS
+from support import BINARY, ROOT, TIMEOUT_SECONDS, words
 
 PACKAGING = ROOT / "packaging"
 COMPLETIONS = PACKAGING / "completions"
 MANUAL_PAGE = PACKAGING / "yxstcmp.1"
 
-OPTIONS = set(
-    re.findall(
-        r'\{"(-\w)"_L1, flag_', (ROOT / "qyx_st_cmp" / "main.cpp").read_text(encoding="utf-8")
-    )
-)
+OPTIONS = set(words.driver_options(BINARY))
 
 FILES = ["a tank.st", "pump.st", "PUMP2.ST", "notes.txt"]
 FOLDER = "plant"
@@ -79,7 +75,7 @@ class Completion(unittest.TestCase):
         return output.stdout.splitlines()
 
     def check_options(self, offered):
-        """offered gives what a shell offers for the words behind the name of the compiler."""
+        """offered gives what a shell offers for the words after the name of the compiler."""
         self.assertCountEqual(offered("in.st", "out", ""), OPTIONS)
         self.assertCountEqual(offered("in.st", "out", "-"), OPTIONS)
         self.assertCountEqual(offered("in.st", "out", "-l", "-n", ""), OPTIONS - {"-l", "-n"})

@@ -4,7 +4,6 @@ VS Code has more tests in tests/editors. Vim is run where it is installed; for K
 its file are followed here.
 """
 
-import functools
 import json
 import os
 import re
@@ -16,11 +15,10 @@ import xml.etree.ElementTree as ElementTree
 from itertools import groupby
 from pathlib import Path
 
-from support import BINARY, ROOT, compile_source
+from support import ROOT, compile_source, words
 from test_relations import tokenize
 
 EDITORS = ROOT / "editors"
-WORDS_PROGRAM = Path(os.environ.get("YXST_WORDS", BINARY.parent / "editors" / "yxst_words"))
 EXAMPLES = sorted((ROOT / "examples").glob("*.st"))
 
 # The lists of words, each word standing in one, with the scope that VS Code knows it by.
@@ -39,25 +37,14 @@ SCOPES = {
 }
 
 
-@functools.lru_cache(maxsize=None)
-def all_words():
-    output = subprocess.run([WORDS_PROGRAM], stdout=subprocess.PIPE, check=True).stdout
-    return json.loads(output)
-
-
-def setUpModule():
-    if not WORDS_PROGRAM.exists():
-        raise FileNotFoundError(f"{WORDS_PROGRAM}: build the target yxst_words")
-
-
 def words_by_list():
-    return {name: all_words()[name] for name in SCOPES}
+    return {name: texts for name, texts in words.lists().items() if name in SCOPES}
 
 
 def list_of(word):
     """The list that holds the word in whatever case, or None."""
-    for name, words in words_by_list().items():
-        if word.upper() in map(str.upper, words):
+    for name, texts in words_by_list().items():
+        if word.upper() in map(str.upper, texts):
             return name
     return None
 
@@ -73,7 +60,8 @@ def read(name):
 
 def generate(folder, *arguments):
     return subprocess.run(
-        [folder / "generate", "--words", WORDS_PROGRAM, *arguments],
+        [folder / "generate", *arguments],
+        env={**os.environ, "YXST_WORDS": str(words.PROGRAM)},
         capture_output=True,
         text=True,
     )
@@ -87,6 +75,7 @@ class Generated(unittest.TestCase):
     def test_stale_file_is_found_and_mended(self):
         with tempfile.TemporaryDirectory() as folder:
             copy = Path(shutil.copytree(EDITORS, Path(folder) / "editors"))
+            shutil.copytree(ROOT / "scripts", Path(folder) / "scripts")
             stale = copy / "vim" / "syntax" / "yxst.vim"
             current = stale.read_text(encoding="utf-8")
             stale.write_text(current.replace("ELSIF", "ELSEIF"), encoding="utf-8")
@@ -96,11 +85,11 @@ class Generated(unittest.TestCase):
             self.assertEqual(generate(copy).returncode, 0)
             self.assertEqual(stale.read_text(encoding="utf-8"), current)
 
-    def test_each_reserved_word_is_in_one_list(self):
-        words = all_words()
-        listed = [word for name in SCOPES for word in words[name] if word in words["keywords"]]
-        self.assertEqual(sorted(listed), sorted(words["keywords"]))
-        self.assertGreater(len(listed), 50)
+    def test_each_word_is_in_a_list(self):
+        listed = [word for texts in words_by_list().values() for word in texts]
+        known = [*words.reserved_words(), *words.types(), *words.built_ins()]
+        self.assertEqual(sorted(listed), sorted(known))
+        self.assertGreater(len(listed), 80)
 
 
 # ---------------------------------------------------------------------------------------------
@@ -218,13 +207,13 @@ class Colours:
         self.assert_tokens(ERRORS, EXPECTED_ERRORS)
 
     def test_every_word(self):
-        for name, words in words_by_list().items():
+        for name, texts in words_by_list().items():
             for case in (str, str.upper, str.lower):
-                text = "".join(f"{case(word)}\nEND_VAR\n" for word in words)
+                text = "".join(f"{case(word)}\nEND_VAR\n" for word in texts)
                 if name == "declarations":
-                    text = "".join(f"VAR\n{case(word)}\n" for word in words)
+                    text = "".join(f"VAR\n{case(word)}\n" for word in texts)
                 shown = dict(zip(text.splitlines(), self.coloured(text)))
-                for word in map(case, words):
+                for word in map(case, texts):
                     with self.subTest(list=name, word=word):
                         self.assertEqual(shown[word], [name] * len(word))
 
@@ -261,7 +250,7 @@ def has_vim():
     return "+syntax" in version
 
 
-# Writes the group of each character with a comma behind, a line of groups for each line.
+# Writes the group of each character with a comma after it, a line of groups for each line.
 VIM_PROBE = """\
 function! Groups(line)
   let groups = []
@@ -338,13 +327,13 @@ class VimFile(unittest.TestCase):
     def test_lists_are_those_of_the_tables(self):
         text = read("vim/syntax/yxst.vim")
         found = {name: set() for name in SCOPES}
-        for group, words in re.findall(r"^syntax keyword yxst(\w+) (.*)$", text, re.MULTILINE):
-            words = words.partition(" nextgroup=")[0].split()
-            found[group[0].lower() + group[1:]] |= set(words)
+        for group, listed in re.findall(r"^syntax keyword yxst(\w+) (.*)$", text, re.MULTILINE):
+            listed = listed.partition(" nextgroup=")[0].split()
+            found[group[0].lower() + group[1:]] |= set(listed)
         for group, start in re.findall(r"matchgroup=yxst(\w+) start=/\\<\\%\(([^/]*)\\\)", text):
             found[group[0].lower() + group[1:]] |= set(start.split(r"\|"))
         found["declarations"] |= set(re.findall(r"end=/\\<(\w+)\\>/", text))
-        self.assertEqual(found, {name: set(words) for name, words in words_by_list().items()})
+        self.assertEqual(found, {name: set(texts) for name, texts in words_by_list().items()})
 
 
 # ---------------------------------------------------------------------------------------------
@@ -445,8 +434,8 @@ class KateRules:
         if rule.tag == "DetectSpaces":
             return len(line) - place - len(line[place:].lstrip())
         word = self.word(line, place).upper()
-        words = self.lists[rule.get("String")] if rule.tag == "keyword" else {rule.get("String")}
-        return len(word) if word in words else 0
+        texts = self.lists[rule.get("String")] if rule.tag == "keyword" else {rule.get("String")}
+        return len(word) if word in texts else 0
 
     @staticmethod
     def word(line, place):
@@ -551,18 +540,18 @@ class VsCode(unittest.TestCase):
         grammar = json.loads(read("vscode/syntaxes/yxst.tmLanguage.json"))
         parts = [grammar["repository"][name] for name in ("words", "sections")]
         rules = list(rules_in(parts))
-        for name, words in words_by_list().items():
-            for word in [form for each in words for form in (each, each.upper(), each.lower())]:
+        for name, texts in words_by_list().items():
+            for word in [form for each in texts for form in (each, each.upper(), each.lower())]:
                 scopes = {scope for pattern, scope in rules if re.fullmatch(pattern, word)}
                 with self.subTest(list=name, word=word):
                     self.assertEqual(scopes, {SCOPES[name]})
 
     def test_no_other_words_are_coloured(self):
         grammar = json.loads(read("vscode/syntaxes/yxst.tmLanguage.json"))
-        known = {word for words in words_by_list().values() for word in words}
+        known = {word for texts in words_by_list().values() for word in texts}
         for pattern, _ in rules_in(grammar["repository"]["words"]):
-            words = re.fullmatch(r"\(\?i:([\w|]+)\)\(\?!.*\)", pattern)[1].split("|")
-            self.assertLessEqual(set(words), known)
+            listed = re.fullmatch(r"\(\?i:([\w|]+)\)\(\?!.*\)", pattern)[1].split("|")
+            self.assertLessEqual(set(listed), known)
 
     def test_files_of_the_extension(self):
         contributes = json.loads(read("vscode/package.json"))["contributes"]

@@ -1,18 +1,19 @@
 """The grammar of the manual: it is complete and current, and every accepted script follows it."""
 
+import os
 import subprocess
 import sys
 import unittest
 
-from support import ROOT
+from support import ROOT, words
 from test_relations import tokenize
 
-sys.path[:0] = [str(ROOT / "tests/checker"), str(ROOT / "scripts")]
+sys.path.insert(0, str(ROOT / "tests/checker"))
 import grammar as collector  # noqa: E402
 from corpus import accepted_sources  # noqa: E402
 
 GRAMMAR = collector.collect()
-RESERVED = {text for text in collector.rows(collector.TOKEN_ROW) if text[0].isalpha()}
+RESERVED = set(words.reserved_words())
 
 # ---------------------------------------------------------------------------------------------
 # Following the grammar
@@ -37,7 +38,7 @@ class Reading:
     """The tokens of a source, and how far each part of the grammar can read them from a place."""
 
     def __init__(self, data):
-        tokens = tokenize(data)[:-1]  # the last is what stands behind the program
+        tokens = tokenize(data)[:-1]  # the last is what stands after the program
         self.tokens = [token for token in tokens if token.kind not in ("blank", "comment")]
         self.known = {}
 
@@ -155,7 +156,11 @@ class Following(unittest.TestCase):
 
 def run_script(*arguments):
     return subprocess.run(
-        [ROOT / "scripts/grammar", *arguments], capture_output=True, text=True, check=False
+        [ROOT / "scripts/grammar", *arguments],
+        env={**os.environ, "YXST_WORDS": str(words.PROGRAM)},
+        capture_output=True,
+        text=True,
+        check=False,
     )
 
 

@@ -4,7 +4,7 @@ To look at single pages while they are written, with all that is wrong on them:
 
     python3 tests/cli/test_manual.py --page tutorial.md [--page README.md ...]
 
-Fences of three backticks are told apart by the words behind the backticks:
+Fences of three backticks are told apart by the words after the backticks:
 
     st                  a whole script
     st NAME.st          the same; later console fences of the page find it under that name
@@ -40,7 +40,15 @@ from pathlib import Path
 from typing import Dict, List, NamedTuple, Optional
 
 from limits import STACK_SIZE, limit_stack
-from support import BINARY, ROOT, TIMEOUT_SECONDS, compile_source, mask_time, side_by_side
+from support import (
+    BINARY,
+    ROOT,
+    TIMEOUT_SECONDS,
+    compile_source,
+    mask_time,
+    side_by_side,
+    words,
+)
 from test_catalogue import CATALOGUE, NOT_RAISED, SOURCES, texts_in, texts_in_diagnostics
 
 MANUAL = ROOT / "docs" / "manual"
@@ -199,7 +207,7 @@ class PageReader:
             return None
         if len(fence.info) == 1 and fence.kind in SILENT_KINDS:
             return None
-        return f"unknown kind of fence: {' '.join(fence.info) or 'no word behind it'}"
+        return f"unknown kind of fence: {' '.join(fence.info) or 'no word after it'}"
 
     def take_script(self, fence, role):
         source, frame = fence.text, None
@@ -223,7 +231,7 @@ class PageReader:
         if self.script is None:
             return "no script above this result"
         if fence.kind != "listing" and len(fence.info) > 1:
-            return f"{fence.kind} takes nothing behind it"
+            return f"{fence.kind} takes nothing after it"
         results = self.script.results.setdefault(fence.kind, [])
         if fence.kind == "message" and results:
             return "a second message fence of the same script"
@@ -487,21 +495,31 @@ def in_backticks(page):
     return found
 
 
-def tokens_and_types():
-    tables = (SOURCES / "qyx_lists.cpp").read_text()
-    tokens = re.findall(r'^    \{TOKEN_\w+, "([^"]+)"_L1\},$', tables, re.MULTILINE)
-    types = re.findall(r'^    \{TYP_\w+, "(\w+)"_L1, "\w+"_L1\},$', tables, re.MULTILINE)
-    return tokens + types
-
-
-def built_ins():
-    source = (SOURCES / "qyx_functions.cpp").read_text()
-    body = re.search(r"^void AddBuildInFunctions\(.*?^\}", source, re.MULTILINE | re.DOTALL)[0]
-    return re.findall(r'"(\w+)"', re.sub(r'\{"\w+", \w+\}', "", body))
-
-
 def missing_words(page):
-    return [word for word in tokens_and_types() + built_ins() if word not in in_backticks(page)]
+    explained = in_backticks(page)
+    everything = [*words.tokens(), *words.types(), *words.built_ins()]
+    return [word for word in everything if word not in explained]
+
+
+BUILT_IN_ROW = re.compile(r"^\| `(\w+)` \| (.+) \| (?:`(\w+)`|none) \| .+ \|$", re.MULTILINE)
+PARAMETERS = re.compile(r"(four )?`(\w+)`")
+
+
+def parameter_types(text):
+    """`UINT` number, four `REAL` values -> ["UINT", "REAL", "REAL", "REAL", "REAL"]"""
+    found = []
+    for four, name in PARAMETERS.findall(text):
+        found += [name] * (4 if four else 1)
+    return found
+
+
+def wrong_signatures(page):
+    """The built-ins of which the table on the page tells another signature, or none."""
+    shown = {
+        name: {"name": name, "arguments": parameter_types(parameters), "result": result or None}
+        for name, parameters, result in BUILT_IN_ROW.findall(page.prose)
+    }
+    return [name for name, row in words.built_ins().items() if shown.get(name) != row]
 
 
 # ---------------------------------------------------------------------------------------------
@@ -532,16 +550,12 @@ def differing_quirks(page):
     yield from (f"no such comment in the sources: {key}" for key in sorted(entries - sources))
 
 
-def driver_options():
-    return re.findall(r'\{"(-\w+)"_L1, flag_\w+\}', (SOURCES / "main.cpp").read_text())
-
-
 def missing_options(examples):
     """Each option stands in a command that is run."""
     text = "\n".join(console.fence.text for console in examples.consoles)
     commands = [line for line in text.splitlines() if line.startswith(f"{PROMPT}yxstcmp ")]
     used = {word for line in commands for word in re.findall(r"[^\s;|]+", line)}
-    return [option for option in driver_options() if option not in used]
+    return [option for option in words.driver_options(BINARY) if option not in used]
 
 
 # ---------------------------------------------------------------------------------------------
@@ -590,6 +604,7 @@ def incompleteness(page, examples):
         yield from missing_mended_scripts(examples)
     elif name == "language.md":
         yield from (f"not in backticks: {word}" for word in missing_words(page))
+        yield from (f"signature of {name}" for name in wrong_signatures(page))
     elif name == "surprises.md":
         yield from differing_quirks(page)
     elif name == "tutorial.md":
@@ -749,6 +764,14 @@ class IncompletePagesAreNoticed(unittest.TestCase):
         self.assertEqual({"THEN", "cos", ";", "**", "<="} & set(missing), set())
         self.assertGreater(len(missing), 100)
 
+    def test_signatures(self):
+        rows = "| `cos` | `REAL` | `LREAL` | x |\n| `pow` | `LREAL`, `LREAL` | `LREAL` | x |\n"
+        block = "| `yxSetRegUINT` | four `UDINT` words, `UINT` value | {} | x |\n"
+        wrong = wrong_signatures(page_of(top=rows + block.format("none")))
+        self.assertEqual(words.built_ins().keys() - set(wrong), {"pow", "yxSetRegUINT"})
+        wrong = wrong_signatures(page_of(top=rows + block.format("`LREAL`")))
+        self.assertIn("yxSetRegUINT", wrong)
+
     def test_quirks(self):
         source = "// Two.\n// QUIRK(one-two): three\n    // four.\n// QUIRK: b\nint c;"
         self.assertEqual(quirks_in(source), ["one-two", ""])
@@ -760,7 +783,6 @@ class IncompletePagesAreNoticed(unittest.TestCase):
         self.assertGreater(len(complaints), 20)
 
     def test_options(self):
-        self.assertEqual(len(driver_options()), 8)
         examples = find_examples(page_of("!console\n$ yxstcmp a.st a -s -l\n-m\n!"))
         self.assertEqual(missing_options(examples), ["-i", "-c", "-m", "-n", "-r", "-e"])
 

@@ -6,7 +6,7 @@ import sys
 import unittest
 from typing import NamedTuple
 
-from support import ROOT
+from support import ROOT, words
 
 sys.path.insert(0, str(ROOT / "tests/checker"))
 from check_code import break_into_items, parse  # noqa: E402
@@ -14,20 +14,10 @@ from corpus import accepted_sources, compile_source, side_by_side  # noqa: E402
 
 MARK = "\ufeff"
 
-SECTIONS = (
-    "VAR VAR_INPUT VAR_OUTPUT VAR_GLOBAL VAR_ARG VAR_REF VAR_YXGLOBAL VAR_YXREGISTER"
-).split()
+SECTIONS = words.lists()["sections"] + words.lists()["engineSections"]
 UNIT_KEYWORDS = ("PROGRAM", "FUNCTION", "FUNCTION_BLOCK")
 BOOLEANS = ("TRUE", "FALSE")
-KEYWORDS = {
-    *SECTIONS,
-    *UNIT_KEYWORDS,
-    *"END_PROGRAM END_FUNCTION END_FUNCTION_BLOCK END_VAR CONSTANT RESULT".split(),
-    *"IF THEN ELSIF ELSE END_IF FOR TO DOWNTO DO END_FOR REPEAT UNTIL END_REPEAT".split(),
-    *"WHILE END_WHILE CASE OF END_CASE BREAK CONTINUE EXIT GOTO TICK".split(),
-    *"MOD OR XOR AND NOT SHL SHR ROR ROL".split(),
-    *"BOOL SINT USINT INT UINT DINT UDINT REAL LREAL STRING ARRAY".split(),
-}
+KEYWORDS = {*words.reserved_words(), *words.types()} - {*BOOLEANS}
 
 TOKENS = re.compile(
     r"""

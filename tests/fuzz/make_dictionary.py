@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
-"""Turns the words of the language (JSON, standard input) into the fuzzer's dictionary."""
+"""Prints the words and the punctuation of the language as the fuzzer's dictionary."""
 
-import json
 import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "scripts"))
+import words  # noqa: E402
 
 
 def main():
-    words = sorted({word for group in json.load(sys.stdin).values() for word in group})
-    for word in words:
+    for word in sorted({*words.tokens(), *words.types(), *words.built_ins()}):
         print(f'"{word}"')
 
 

@@ -413,6 +413,7 @@ TIMED_OUT = -signal.SIGKILL
 NOT_BUILT = "not built"
 
 COMPILER_TARGET = "yxstcmp"
+WORDS_TARGET = "yxst_words"  # what it prints stays that of the compiler without a change
 UNIT_TARGET = "yxst_unit_tests"
 
 
@@ -445,20 +446,20 @@ class Worker:
     def __init__(self, folder):
         self.tree = folder / "tree"
         self.build_folder = folder / "build"
-        self.scratch = folder / "scratch"  # for the files that tests leave behind
+        self.scratch = folder / "scratch"  # for the files that tests leave
         shutil.copytree(folder.parent / "tree", self.tree)
         # Quick to compile, and an index out of range ends the run.
         flags = "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS"
         options = ["-DCMAKE_BUILD_TYPE=Debug", flags, f"-DPython3_EXECUTABLE={sys.executable}"]
         configure = ["cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build_folder, *options]
         subprocess.run(configure, check=True, stdout=subprocess.DEVNULL)
-        if not self.build(COMPILER_TARGET):
+        if not self.build(COMPILER_TARGET) or not self.build(WORDS_TARGET):
             sys.exit("the compiler does not build even without a change")
         self.build(UNIT_TARGET)
         self.tests = {test.name: test for test in self.find_tests()}
 
     def run(self, command, seconds, environment=None):
-        """The exit status, TIMED_OUT behind that time; all that it started ends with it."""
+        """The exit status, TIMED_OUT after that time; all that it started ends with it."""
         self.scratch.mkdir(exist_ok=True)
         process = subprocess.run(
             ["timeout", "--signal=KILL", str(seconds), *command],
