@@ -24,6 +24,9 @@ TIMEOUT_SECONDS = 60
 BANNER = b"Ambrel Software. ST compiler version 2.00.\n"
 SUCCESS = b"Build successful.  Elapsed time: N ms.\n"  # with the time masked
 
+OPTIONS = ("-l", "-s", "-i", "-c", "-m", "-n", "-r", "-e")
+SIDE_FILES = {"-l": "out.lst", "-r": "out.res", "-e": "out.err"}  # beside a code file "out"
+
 VALID_SOURCE = b"PROGRAM main\nVAR\n    a : INT;\nEND_VAR\n    a := 1;\nEND_PROGRAM\n"
 
 
@@ -87,3 +90,14 @@ def side_by_side(function, items):
 
 def mask_time(data):
     return re.sub(rb"Elapsed time: \d+ ms\.", b"Elapsed time: N ms.", data)
+
+
+def lines_of(data):
+    """The lines of an output without their line ends, the time masked."""
+    *lines, rest = mask_time(data).decode(errors="backslashreplace").split("\n")
+    return [*lines, rest] if rest else lines
+
+
+def diagnostics_in(text):
+    """The errors and warnings among the lines of an output, without the listing's semicolon."""
+    return re.findall(r"^;?((?:Error|Warning): Line \d+, Column \d+: .*)$", text, re.MULTILINE)

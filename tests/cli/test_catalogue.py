@@ -10,7 +10,7 @@ import unittest
 from typing import NamedTuple, Optional, Tuple
 
 from limits import STACK_SIZE, limit_stack
-from support import ROOT, VALID_SOURCE, mask_time, words
+from support import ROOT, VALID_SOURCE, diagnostics_in, mask_time, words
 from test_depth import LIMIT_LEVELS
 from test_files import FilesTestCase, limit_file_size
 
@@ -76,12 +76,9 @@ def texts_in(line):
 # The raised texts
 # ---------------------------------------------------------------------------------------------
 
-DIAGNOSTIC = re.compile(r"^[;^]?((?:Error|Warning): Line \d+, Column \d+: .*)$", re.MULTILINE)
-
-
 def texts_in_diagnostics(output):
     raised = set()
-    for line in DIAGNOSTIC.findall(output):
+    for line in diagnostics_in(output):
         raised |= texts_in(line)
     return raised
 

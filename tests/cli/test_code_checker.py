@@ -7,11 +7,11 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from support import ROOT
+from corpus import accepted_sources
+from support import ROOT, compile_source, side_by_side
 
 sys.path.insert(0, str(ROOT / "tests/checker"))
 from check_code import break_into_items, check  # noqa: E402
-from corpus import accepted_sources, compile_source, side_by_side  # noqa: E402
 
 CHECKER = ROOT / "tests/checker/check_code.py"
 

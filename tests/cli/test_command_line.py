@@ -2,7 +2,16 @@
 
 import unittest
 
-from support import BANNER, SUCCESS, VALID_SOURCE, CompilerTestCase, compile_source, mask_time
+from support import (
+    BANNER,
+    OPTIONS,
+    SIDE_FILES,
+    SUCCESS,
+    VALID_SOURCE,
+    CompilerTestCase,
+    compile_source,
+    mask_time,
+)
 
 USAGE = (
     b"Error arguments.\n"
@@ -25,13 +34,10 @@ LST_FAILED = b"File open failed for output LST file"
 RES_FAILED = b"File open failed for output RES file"
 ERR_FAILED = b"File open failed for output ERR file"
 
-OPTIONS = ("-l", "-s", "-i", "-c", "-m", "-n", "-r", "-e")
-SIDE_FILES = {"-l": "out.lst", "-r": "out.res", "-e": "out.err"}
-
 CODE = b"PROG: main VAR: a V INT 0 MAIN: MOV 1 #A0 MOV #A0 @a RET "
 CODE_LISTING = b"PROG:\nmain\nVAR:\na V INT 0\nMAIN:\nMOV 1 #A0\nMOV #A0 @a\nRET\n"
 
-# Line 3 assigns to a constant; the semicolon is the character behind the token that is refused.
+# Line 3 assigns to a constant; the semicolon is the character after the token that is refused.
 FAILING_SOURCE = b"PROGRAM main\nVAR CONSTANT a : INT := 1; END_VAR\n    a := 2;\nEND_PROGRAM\n"
 FAILURE = b"Error: Line 3, Column 7: Left side cannot be assigned to\n"
 FAILURE_RECORD = b"e:3,10"

@@ -5,12 +5,12 @@ import subprocess
 import sys
 import unittest
 
+from corpus import accepted_sources
 from support import ROOT, words
 from test_relations import tokenize
 
-sys.path.insert(0, str(ROOT / "tests/checker"))
+sys.path.insert(0, str(ROOT / "scripts"))
 import grammar as collector  # noqa: E402
-from corpus import accepted_sources  # noqa: E402
 
 GRAMMAR = collector.collect()
 RESERVED = set(words.reserved_words())

@@ -45,7 +45,8 @@ from support import (
     ROOT,
     TIMEOUT_SECONDS,
     compile_source,
-    mask_time,
+    diagnostics_in,
+    lines_of,
     side_by_side,
     words,
 )
@@ -268,18 +269,10 @@ def compare(fence, given, what=""):
     return [fence.complain(f"{kind} differs here:\n    {rows}", first + 1)]
 
 
-def lines_of(data):
-    lines = mask_time(data).decode(errors="replace").split("\n")
-    return lines[:-1] if lines[-1] == "" else lines
-
-
 class Compiled(NamedTuple):
     status: int
     diagnostics: List[str]
     items: Optional[List[str]]  # none after an error
-
-
-DIAGNOSTIC = re.compile(r"(?:Error|Warning): Line \d+, Column \d+: ")
 
 
 def compile_script(source):
@@ -289,8 +282,7 @@ def compile_script(source):
         items = lines_of(result.files["out.lst"])
         if "".join(f"{item} " for item in items).encode() != result.files["out"]:
             raise ValueError("code file and listing do not hold the same items")
-    diagnostics = list(filter(DIAGNOSTIC.match, lines_of(result.stdout)))
-    return Compiled(result.status, diagnostics, items)
+    return Compiled(result.status, diagnostics_in(result.stdout.decode()), items)
 
 
 def check_messages(script, compiled):

@@ -9,9 +9,16 @@ import itertools
 import unittest
 from typing import NamedTuple
 
-from support import BINARY, VALID_SOURCE, compile_source, mask_time, side_by_side, words
+from support import (
+    BINARY,
+    OPTIONS,
+    VALID_SOURCE,
+    compile_source,
+    mask_time,
+    side_by_side,
+    words,
+)
 
-OPTIONS = ("-l", "-s", "-i", "-c", "-m", "-n", "-r", "-e")
 OPTION_SETS = [
     chosen
     for count in range(len(OPTIONS) + 1)

@@ -6,11 +6,11 @@ import sys
 import unittest
 from typing import NamedTuple
 
-from support import ROOT, words
+from corpus import accepted_sources
+from support import ROOT, compile_source, lines_of, side_by_side, words
 
 sys.path.insert(0, str(ROOT / "tests/checker"))
 from check_code import break_into_items, parse  # noqa: E402
-from corpus import accepted_sources, compile_source, side_by_side  # noqa: E402
 
 MARK = "\ufeff"
 
@@ -179,18 +179,8 @@ class Renaming:
         return "".join(item + " " for item in items)
 
 
-def without_time(text):
-    return re.sub(r"Elapsed time: \d+ ms\.", "Elapsed time: N ms.", text)
-
-
 def text_of(data):
     return data.decode(errors="backslashreplace")
-
-
-def lines_of(data):
-    """The lines without their line ends; the last one must have one too."""
-    *lines, rest = without_time(text_of(data)).split("\n")
-    return [*lines, rest] if rest else lines
 
 
 def on_screen(line):
