@@ -1,6 +1,8 @@
 """The accepted programs among the golden cases and the examples."""
 
+import random
 import sys
+from itertools import groupby
 from typing import NamedTuple
 
 from support import ROOT
@@ -20,3 +22,14 @@ def accepted_sources():
     for path in sorted((ROOT / "examples").glob("*.st")):
         sources.append(Source(f"examples/{path.stem}", path.read_bytes()))
     return sources
+
+
+def sample_of_sources(count, seed=1):
+    """About that many of the accepted sources, of each area the same share but one at least."""
+    sources = accepted_sources()
+    chance = random.Random(seed)
+    sample = []
+    for _, area in groupby(sources, lambda source: source.name.partition("/")[0]):
+        of_area = list(area)
+        sample += chance.sample(of_area, -(-count * len(of_area) // len(sources)))
+    return sample
