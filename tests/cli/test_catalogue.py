@@ -17,7 +17,7 @@ from test_files import FilesTestCase, limit_file_size
 SOURCES = ROOT / "qyx_st_cmp"
 GOLDEN = ROOT / "tests" / "golden"
 
-EXPECTED_SUFFIXES = {".lst", ".out", ".res"}
+EXPECTED_SUFFIXES = {".lst", ".out", ".res", ".txt"}
 
 # Why a text is not raised.
 NOT_USED = "defined and not raised"

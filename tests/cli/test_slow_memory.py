@@ -3,10 +3,22 @@
 import re
 import shutil
 import subprocess
+import sys
 import unittest
 
 from limits import IS_SANITIZED
-from support import BINARY, ROOT, VALID_SOURCE, Compiler, CompilerTestCase, side_by_side
+from support import (
+    BINARY,
+    ROOT,
+    VALID_SOURCE,
+    Compiler,
+    CompilerTestCase,
+    diagnostics_in,
+    side_by_side,
+)
+
+sys.path.insert(0, str(ROOT / "tests/golden"))
+from cases import all_cases  # noqa: E402
 
 VALGRIND = shutil.which("valgrind")
 FOUND = 99  # the exit status when memcheck has found something
@@ -24,17 +36,21 @@ ALL_OUTPUTS = ["-l", "-s", "-i", "-m", "-n", "-r", "-e"]
 
 def kind_of(message):
     """The message without its place and what it quotes."""
-    return re.sub(rb"^Error: Line [0-9]+, Column [0-9]+: |\"[^\"]*\"|'[^']*'", b"", message)
+    return re.sub(r"^Error: Line [0-9]+, Column [0-9]+: |\"[^\"]*\"|'[^']*'", "", message)
 
 
-def sources_of_each_message():
-    """For each kind of message, the first golden case in whose listing it ends the run."""
+def errors_of(case):
+    report = (case.expected(".lst") or b"") + (case.expected(".res") or b"")
+    lines = diagnostics_in(report.decode(errors="replace"))
+    return [line for line in lines if line.startswith("Error: ")]
+
+
+def cases_of_each_message():
+    """For each kind of message, the first golden case that it ends."""
     found = {}
-    for listing in sorted((ROOT / "tests/golden").glob("*/*.lst")):
-        source = listing.with_suffix(".st")
-        last = listing.read_bytes().splitlines()[-1:]
-        if last and last[0].lstrip(b";").startswith(b"Error: ") and source.is_file():
-            found.setdefault(kind_of(last[0].lstrip(b";")), source)
+    for case in all_cases():
+        for error in errors_of(case):
+            found.setdefault(kind_of(error), case)
     return list(found.values())
 
 
@@ -56,8 +72,8 @@ def check(data, *arguments):
     return process.returncode, process.stderr.decode(errors="replace")
 
 
-def check_compile(source):
-    return check(source.read_bytes(), "in.st", "out", *ALL_OUTPUTS)
+def check_compile(data):
+    return check(data, "in.st", "out", *ALL_OUTPUTS)
 
 
 @unittest.skipIf(VALGRIND is None, "valgrind is not installed")
@@ -78,14 +94,15 @@ class Memory(CompilerTestCase):
 
     def test_examples(self):
         examples = sorted((ROOT / "examples").glob("*.st"))
-        for source, run in zip(examples, side_by_side(check_compile, examples)):
+        runs = side_by_side(check_compile, [path.read_bytes() for path in examples])
+        for source, run in zip(examples, runs):
             self.expect(0, source.name, run)
 
     def test_program_of_each_message(self):
-        sources = sources_of_each_message()
-        self.assertGreater(len(sources), 50)
-        for source, run in zip(sources, side_by_side(check_compile, sources)):
-            self.expect(1, str(source.relative_to(ROOT)), run)
+        cases = cases_of_each_message()
+        self.assertGreater(len(cases), 50)
+        for case, run in zip(cases, side_by_side(check_compile, [case.data for case in cases])):
+            self.expect(1, case.name, run)
 
     def test_runs_that_do_not_begin(self):
         for arguments in [
