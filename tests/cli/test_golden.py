@@ -1,6 +1,8 @@
 """The runner of the golden cases: it passes what is right, notices what is not, and updates."""
 
-import subprocess
+import contextlib
+import io
+import re
 import sys
 import tempfile
 import unittest
@@ -8,7 +10,8 @@ from pathlib import Path
 
 from support import ROOT
 
-RUNNER = ROOT / "tests/golden/run.py"
+sys.path.insert(0, str(ROOT / "tests/golden"))
+import run as runner  # noqa: E402
 
 SOURCE = "PROGRAM P\nVAR\n  x : INT := 0;\nEND_VAR\nx := 1;\nEND_PROGRAM\n"
 BANNER = ";Ambrel Software. ST compiler version 2.00.\n"
@@ -53,18 +56,18 @@ class RunnerTestCase(unittest.TestCase):
         self.area.mkdir()
 
     def run_area(self, *options):
-        command = [sys.executable, "-B", RUNNER, *options, self.area]
-        return subprocess.run(command, capture_output=True, text=True)
+        """The exit status and what is printed."""
+        with contextlib.redirect_stdout(io.StringIO()) as output:
+            status = runner.main([*options, str(self.area)])
+        return status, output.getvalue()
 
     def assert_passes(self, count):
-        run = self.run_area()
-        self.assertEqual((run.stdout, run.stderr), (f"{count} passed, 0 failed\n", ""))
-        self.assertEqual(run.returncode, 0)
+        self.assertEqual(self.run_area(), (0, f"{count} passed, 0 failed\n"))
 
     def assert_fails(self, text):
-        run = self.run_area()
-        self.assertNotEqual(run.returncode, 0)
-        self.assertIn(text, run.stdout + run.stderr)
+        status, output = self.run_area()
+        self.assertEqual(status, 1)
+        self.assertIn(text, output)
 
 
 class Files(RunnerTestCase):
@@ -117,6 +120,10 @@ class Table(RunnerTestCase):
         self.assertEqual(TABLE.count(old), 1)
         self.table.write_text(TABLE.replace(old, new))
 
+    def assert_refused(self, text):
+        with self.assertRaisesRegex(ValueError, re.escape(text)):
+            self.run_area()
+
     def test_right_messages(self):
         self.table.write_text(TABLE)
         self.assert_passes(3)
@@ -147,11 +154,11 @@ class Table(RunnerTestCase):
         ]:
             with self.subTest(text=text, new=new):
                 self.replace(old, new)
-                self.assert_fails(text)
+                self.assert_refused(text)
 
     def test_source_after_messages(self):
         self.table.write_text(TABLE + "    x := 1;\n")
-        self.assert_fails("source after the messages of two_lines")
+        self.assert_refused("source after the messages of two_lines")
 
     def test_update(self):
         self.replace("Line 8, Column 4", "Line 8, Column 1")

@@ -98,13 +98,13 @@ def problems(case, updating):
     return [*check_rules(case, run), *check_outputs(case, run)]
 
 
-def main():
+def main(command_line=None):
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--sources", type=Path, help="folder of .st files for areas without any")
     parser.add_argument("--filter", default="", help="only cases whose area/case name holds this")
     parser.add_argument("--update", action="store_true", help="rewrite the expected files")
     parser.add_argument("areas", type=Path, nargs="+", metavar="AREA_DIR")
-    arguments = parser.parse_args()
+    arguments = parser.parse_args(command_line)
 
     cases = []
     failed = 0
