@@ -32,7 +32,9 @@ from typing import NamedTuple
 
 ROOT = Path(__file__).resolve().parents[2]
 SOURCE_FOLDER = "qyx_st_cmp"
-HEADERS = ["qyx_il.h", "qyx_messages.h"]  # those that hold constants and texts
+
+# Of the headers only those with texts are changed, and by these operators alone.
+HEADER_OF_TEXTS = re.compile(r"inline constexpr QLatin1String \w+ =")
 HEADER_OPERATORS = {"number", "text"}
 
 # ---------------------------------------------------------------------------------------------
@@ -244,21 +246,28 @@ def text(source, chance):
             yield source.edit(index, index, quote + changed + quote)
 
 
-# Where the constants of each kind are defined.
+# The definitions of the constants of each kind.
 KINDS = {
-    "token": ("qyx_globals.h", r"\b(TOKEN_\w+) = \d"),
-    "type": ("qyx_globals.h", r"\b(TYP_\w+) = \d"),
-    "line": ("qyx_globals.h", r"\b(WHAT_\w+) = \d"),
-    "character class": ("qyx_scanner.cpp", r"\b(CLASS_\w+) ="),
-    "code": ("qyx_il.h", r"constexpr QLatin1String (\w+) ="),
-    "message": ("qyx_messages.h", r"constexpr QLatin1String (\w+) ="),
+    "token": r"^ +(TOKEN_\w+) = \d",
+    "type": r"^ +(TYP_\w+) = \d",
+    "line": r"^ +(WHAT_\w+) = \d",
+    "character class": r"^ +(CLASS_\w+) =",
+    "code": r"^inline constexpr QLatin1String ((?!TXT_)\w+) =",
+    "message": r"^inline constexpr QLatin1String (TXT_\w+) =",
 }
+
+
+def source_files(folder):
+    return [*sorted(folder.glob("*.cpp")), *sorted(folder.glob("*.h"))]
 
 
 def find_constants(folder):
     constants = {}
-    for kind, (file, pattern) in KINDS.items():
-        names = re.findall(pattern, (folder / file).read_text())
+    text = "\n".join(path.read_text() for path in source_files(folder))
+    for kind, pattern in KINDS.items():
+        names = re.findall(pattern, text, re.MULTILINE)
+        if len(names) < 2:
+            sys.exit(f"the sources define no constants of the kind {kind}")
         for name, following in zip(names, names[1:] + names[-2:-1]):
             constants[name] = following, kind
     return constants
@@ -380,8 +389,9 @@ class Mutant(NamedTuple):
 
 def read_sources(folder):
     constants = find_constants(folder)
-    for path in [*sorted(folder.glob("*.cpp")), *(folder / name for name in HEADERS)]:
-        yield Source(path, constants)
+    for path in source_files(folder):
+        if path.suffix == ".cpp" or HEADER_OF_TEXTS.search(path.read_text()):
+            yield Source(path, constants)
 
 
 def choose_mutants(folder, count, seed):
