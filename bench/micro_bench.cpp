@@ -96,7 +96,7 @@ void BM_LookupVariable(benchmark::State& state) {
     std::vector<const Spelling*> spellings;
     for (const QString& name : ShuffledNames(state.range(0))) {
         VarItem item;
-        item.name = name;
+        item.spelling = &SpellingOf(name);
         item.type = TYP_INT;
         AddVarToVarsList(variables, std::move(item));
         spellings.push_back(&SpellingOf(name));

@@ -78,7 +78,7 @@ QJsonArray ArgumentTypes(const FunctionItem& function) {
 
 // A function block gives no result, whatever its record holds.
 QJsonObject BuiltIn(const FunctionItem& function) {
-    return {{"name", function.name},
+    return {{"name", function.name()},
             {"arguments", ArgumentTypes(function)},
             {"result", function.isFunction ? QJsonValue(TypToStr(function.resultType))
                                            : QJsonValue(QJsonValue::Null)}};

@@ -4,6 +4,7 @@
 #include "qyx_messages.h"
 #include "qyx_program.h"
 #include "qyx_scanner.h"
+#include "qyx_text.h"
 
 #include <QElapsedTimer>
 #include <QTextCodec>
@@ -31,7 +32,7 @@ void Trademark() {
 // "Build successful.  Elapsed time: 42 ms."
 void Finish(qint64 elapsedMs) {
     QString milliseconds;
-    Int64ToStr(elapsedMs, milliseconds, DECIMAL);
+    Int64ToStr(elapsedMs, milliseconds);
     WriteLn(StringsToString(TXT_BUILD_SUCCESSFUL, "  Elapsed time: ", milliseconds, " ms."),
             WHAT_INFORMATION);
 }
@@ -147,7 +148,7 @@ void CheckSourceIsKept(const QString& input, const QString& output) {
 // Probes that the side files can be created; old files of their names are gone afterwards.
 void ProbeSideFiles(const QString& output) {
     for (const SideFile& sideFile : SIDE_FILES) {
-        if (sideFile.isWanted && !FileCanExists(StringsToString(output, sideFile.suffix), true)) {
+        if (sideFile.isWanted && !FileCanExists(StringsToString(output, sideFile.suffix))) {
             sideFile.exitOnFailure();
         }
     }
@@ -183,7 +184,7 @@ void Compile() {
     DoFunctions(labels, stackDepth);
     DoProgram(labels, stackDepth);
     if (!IsEndOfInput(Look)) {
-        Warning(TXT_UNEXPECTED_DATA_AFTER_END_PROGRAM, false);
+        Warning(TXT_UNEXPECTED_DATA_AFTER_END_PROGRAM);
     }
 }
 
@@ -251,7 +252,7 @@ int main(int argc, char** argv) {
     const QString output = FileName(argv[OUTPUT_ARGUMENT]);
     const bool areOptionsKnown = ReadOptions(argc, argv);
     CheckSourceIsKept(input, output);
-    if (!FileCanExists(output, true)) {
+    if (!FileCanExists(output)) {
         OutputFileNameError();
     }
     if (!areOptionsKnown) {

@@ -4,10 +4,12 @@
 #include "qyx_il.h"
 #include "qyx_lists.h"
 #include "qyx_messages.h"
+#include "qyx_nesting.h"
 #include "qyx_scanner.h"
 #include "qyx_types.h"
 
-#include <iterator>
+#include <array>
+#include <initializer_list>
 #include <string>
 
 namespace {
@@ -60,22 +62,20 @@ QLatin1String OperatorText(Token code) {
 // Aborts with Operator "-" not applicable to this operand type.
 [[noreturn]] void AbortNotApplicable(Token code) {
     Abort(StringsToString(TXT_OPERATOR, " ", Quoted(OperatorText(code)), " ",
-                          TXT_NOT_APPLICABLE_TO_THIS_OPERAND_TYPE),
-          false);
+                          TXT_NOT_APPLICABLE_TO_THIS_OPERAND_TYPE));
 }
 
 // Aborts with "MOD" illegal, left operand has type REAL.
-[[noreturn]] void AbortIllegal(Token code, QLatin1String operandHasType, Typ typ) {
+[[noreturn]] void AbortIllegal(Token code, QLatin1String operandHasType, Typ type) {
     Abort(StringsToString(Quoted(OperatorText(code)), " ", TXT_ILLEGAL, ", ", operandHasType, " ",
-                          TypToStr(typ)),
-          false);
+                          TypToStr(type)));
 }
 
 // ---------------------------------------------------------------------------------------------
 // Binary operators
 // ---------------------------------------------------------------------------------------------
 
-Typ MulTerm(const VarsList& vars, Typ typ);
+Typ MulTerm(const VarsList& vars, Typ type);
 
 // Which operands an operator takes, and with it which message refuses others.
 enum class OperandClass : unsigned char { Any, Digit, Ordinal };
@@ -86,12 +86,12 @@ struct BinaryOperator {
     OperandClass operands;
 };
 
-void CheckOperand(const BinaryOperator& op, QLatin1String operandHasType, Typ typ) {
-    if (op.operands == OperandClass::Digit && !IsTypDigit(typ)) {
+void CheckOperand(const BinaryOperator& op, QLatin1String operandHasType, Typ type) {
+    if (op.operands == OperandClass::Digit && !IsTypDigit(type)) {
         AbortNotApplicable(op.token);
     }
-    if (op.operands == OperandClass::Ordinal && !IsTypOrdinal(typ)) {
-        AbortIllegal(op.token, operandHasType, typ);
+    if (op.operands == OperandClass::Ordinal && !IsTypOrdinal(type)) {
+        AbortIllegal(op.token, operandHasType, type);
     }
 }
 
@@ -101,12 +101,12 @@ void CheckOperand(const BinaryOperator& op, QLatin1String operandHasType, Typ ty
 // QUIRK(right-grouping): the right operand is a whole MulTerm whatever the operator, so all
 // operators but "+" and "-" group to the right: a / b * c is a / (b * c). Programs in the field
 // rely on it.
-Typ BinaryOperation(const BinaryOperator& op, const VarsList& vars, Typ typ) {
+Typ BinaryOperation(const BinaryOperator& op, const VarsList& vars, Typ type) {
     const NestingGuard guard;
     Match(op.token);
-    CheckOperand(op, TXT_LEFT_OPERAND_HAS_TYPE, typ);
-    const Typ rightTyp = ConvertTyp(typ, Scan(), false);
-    const Typ merged = ConvertTyp(rightTyp, MulTerm(vars, rightTyp), false);
+    CheckOperand(op, TXT_LEFT_OPERAND_HAS_TYPE, type);
+    const Typ rightTyp = ConvertTyp(type, Scan());
+    const Typ merged = ConvertTyp(rightTyp, MulTerm(vars, rightTyp));
     CheckOperand(op, TXT_RIGHT_OPERAND_HAS_TYPE, merged);
     EmitStackOperation(op.keyword);
     return merged;
@@ -116,84 +116,96 @@ Typ BinaryOperation(const BinaryOperator& op, const VarsList& vars, Typ typ) {
 //
 // QUIRK(plus-unchecked): "+" checks no operand itself: a BOOL on its left is refused by the
 // conversion, in other words than those of "-".
-Typ Add(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_PLUS, sADD, OperandClass::Any}, vars, typ);
+Typ Add(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_PLUS, sADD, OperandClass::Any}, vars, type);
 }
 
-Typ Subtract(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_MINUS, sSUB, OperandClass::Digit}, vars, typ);
+Typ Subtract(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_MINUS, sSUB, OperandClass::Digit}, vars, type);
 }
 
-Typ Multiply(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_MULTIPLY, sMUL, OperandClass::Digit}, vars, typ);
+Typ Multiply(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_MULTIPLY, sMUL, OperandClass::Digit}, vars, type);
 }
 
-Typ Divide(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_DIVIDE, sDIV, OperandClass::Digit}, vars, typ);
+Typ Divide(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_DIVIDE, sDIV, OperandClass::Digit}, vars, type);
 }
 
-Typ Mod(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_MOD, sMOD, OperandClass::Ordinal}, vars, typ);
+Typ Mod(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_MOD, sMOD, OperandClass::Ordinal}, vars, type);
 }
 
-Typ BitAnd(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_AND, sBAND, OperandClass::Ordinal}, vars, typ);
+Typ BitAnd(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_AND, sBAND, OperandClass::Ordinal}, vars, type);
 }
 
-Typ BitOr(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_OR, sBOR, OperandClass::Ordinal}, vars, typ);
+Typ BitOr(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_OR, sBOR, OperandClass::Ordinal}, vars, type);
 }
 
-Typ BitXor(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_XOR, sBXOR, OperandClass::Ordinal}, vars, typ);
+Typ BitXor(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_XOR, sBXOR, OperandClass::Ordinal}, vars, type);
 }
 
-Typ BitShl(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_SHL, sSHL, OperandClass::Ordinal}, vars, typ);
+Typ BitShl(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_SHL, sSHL, OperandClass::Ordinal}, vars, type);
 }
 
-Typ BitShr(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_SHR, sSHR, OperandClass::Ordinal}, vars, typ);
+Typ BitShr(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_SHR, sSHR, OperandClass::Ordinal}, vars, type);
 }
 
-Typ BitRol(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_ROL, sROL, OperandClass::Ordinal}, vars, typ);
+Typ BitRol(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_ROL, sROL, OperandClass::Ordinal}, vars, type);
 }
 
-Typ BitRor(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_ROR, sROR, OperandClass::Ordinal}, vars, typ);
+Typ BitRor(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_ROR, sROR, OperandClass::Ordinal}, vars, type);
 }
 
-Typ Pow(const VarsList& vars, Typ typ) {
-    return BinaryOperation({TOKEN_POWER, sPOW, OperandClass::Digit}, vars, typ);
+Typ Pow(const VarsList& vars, Typ type) {
+    return BinaryOperation({TOKEN_POWER, sPOW, OperandClass::Digit}, vars, type);
 }
 
-using Operation = Typ (*)(const VarsList& vars, Typ typ);
+using Operation = Typ (*)(const VarsList& vars, Typ type);
 
-// In the order of the token codes from TOKEN_PLUS to TOKEN_POWER; NOT stands among them and is no
-// binary operator. The codes (qyx_globals.h) and these rows change together.
-constexpr Operation OPERATIONS[] = {
-    Add,       // TOKEN_PLUS
-    Subtract,  // TOKEN_MINUS
-    Multiply,  // TOKEN_MULTIPLY
-    Divide,    // TOKEN_DIVIDE
-    Mod,       // TOKEN_MOD
-    BitOr,     // TOKEN_OR
-    BitXor,    // TOKEN_XOR
-    BitAnd,    // TOKEN_AND
-    nullptr,   // TOKEN_NOT
-    BitShr,    // TOKEN_SHR
-    BitShl,    // TOKEN_SHL
-    BitRor,    // TOKEN_ROR
-    BitRol,    // TOKEN_ROL
-    Pow,       // TOKEN_POWER
+struct OperationRow {
+    Token token;
+    Operation operation;
 };
-static_assert(std::size(OPERATIONS) == TOKEN_POWER - TOKEN_PLUS + 1, "one row for each code");
+
+// Operations by their tokens, null for a token that is no operator.
+using OperationTable = std::array<Operation, TOKEN_CODES_COUNT>;
+
+constexpr OperationTable ByToken(std::initializer_list<OperationRow> rows) {
+    OperationTable table = {};
+    for (const OperationRow& row : rows) {
+        table[row.token] = row.operation;
+    }
+    return table;
+}
+
+constexpr OperationTable OPERATIONS = ByToken({
+    {TOKEN_PLUS, Add},
+    {TOKEN_MINUS, Subtract},
+    {TOKEN_MULTIPLY, Multiply},
+    {TOKEN_DIVIDE, Divide},
+    {TOKEN_MOD, Mod},
+    {TOKEN_OR, BitOr},
+    {TOKEN_XOR, BitXor},
+    {TOKEN_AND, BitAnd},
+    {TOKEN_SHR, BitShr},
+    {TOKEN_SHL, BitShl},
+    {TOKEN_ROR, BitRor},
+    {TOKEN_ROL, BitRol},
+    {TOKEN_POWER, Pow},
+});
 
 // "MOV #A0 $PUSH", then the operation of the current token.
-Typ PushAndOperate(const VarsList& vars, Typ typ) {
+Typ PushAndOperate(const VarsList& vars, Typ type) {
     EmitPush();
-    return OPERATIONS[TokenChar - TOKEN_PLUS](vars, typ);
+    return OPERATIONS[TokenChar](vars, type);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -201,21 +213,20 @@ Typ PushAndOperate(const VarsList& vars, Typ typ) {
 // ---------------------------------------------------------------------------------------------
 
 // Warns of a variable that no assignment has reached yet.
-void WarnIfUninitialized(const VarItem& variable, const Spelling& name) {
+void WarnIfUninitialized(const VarItem& variable, const Spelling& spelling) {
     if (variable.mayBeUninitialized) {
-        Warning(StringsToString(TXT_VARIABLE, " ", Quoted(name.text), " ",
-                                TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED),
-                false);
+        Warning(StringsToString(TXT_VARIABLE, " ", Quoted(spelling.text), " ",
+                                TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED));
     }
 }
 
 // name
 // "MOV @name #A0"
-Typ LoadVariable(const VarsList& vars, const Spelling& name) {
-    VarItem& variable = IsVarInVarsList(vars, name);
-    EmitLoad(OperandOf(variable, name));
+Typ LoadVariable(const VarsList& vars, const Spelling& spelling) {
+    VarItem& variable = IsVarInVarsList(vars, spelling);
+    EmitLoad(OperandOf(variable, spelling));
     variable.isUsed = true;
-    WarnIfUninitialized(variable, name);
+    WarnIfUninitialized(variable, spelling);
     return variable.type;
 }
 
@@ -224,18 +235,17 @@ Typ LoadVariable(const VarsList& vars, const Spelling& name) {
 //
 // QUIRK(linear-index-registers): the linear index is made in #R0 while the operand names #R1.
 // The engine pairs the two.
-Typ LoadElement(const VarsList& vars, const Spelling& name) {
-    VarItem& array = IsArrayVarInVarsList(vars, name);
+Typ LoadElement(const VarsList& vars, const Spelling& spelling) {
+    VarItem& array = IsArrayVarInVarsList(vars, spelling);
     array.isUsed = true;
     ArrayIndices(vars, array, false);
     if (array.arrayDimensions == 1) {
-        EmitLoad(ElementOperand(array, name, INDEX_ON_STACK));
+        EmitLoad(ElementOperand(array, spelling, INDEX_ON_STACK));
     } else {
         EmitLinearIndex(array);
-        EmitLoad(ElementOperand(array, name, INDEX_IN_REGISTER_1));
+        EmitLoad(ElementOperand(array, spelling, INDEX_IN_REGISTER_1));
     }
-    Match(TOKEN_RIGHT_BRACKET);
-    Scan();
+    MatchAndScan(TOKEN_RIGHT_BRACKET);
     return array.elementType;
 }
 
@@ -243,14 +253,14 @@ Typ LoadElement(const VarsList& vars, const Spelling& name) {
 // The load of the value, or the code of the call.
 Typ Ident(const VarsList& vars) {
     if (TokenChar == TOKEN_FUNCTION) {
-        return DoFunc1(FunctionsList, vars);
+        return DoFunc1(vars);
     }
-    const Spelling& name = *TokenSpelling;
+    const Spelling& spelling = *TokenSpelling;
     Scan();
     if (TokenChar == TOKEN_LEFT_BRACKET) {
-        return LoadElement(vars, name);
+        return LoadElement(vars, spelling);
     }
-    return LoadVariable(vars, name);
+    return LoadVariable(vars, spelling);
 }
 
 // Turns a loaded BOOL into a condition and keeps the value: the flag is set from a copy.
@@ -265,16 +275,15 @@ void EmitCondition() {
 
 // "(" BoolExpression ")"
 // <expression>, [ "L1:" ]; the expression starts without the types around it.
-Typ Parenthesis(const VarsList& vars, Typ typ) {
+Typ Parenthesis(const VarsList& vars, Typ type) {
     const NestingGuard guard;
-    Match(TOKEN_LEFT_PARENTHESIS);
-    const Typ literal = Scan();
+    const Typ literal = MatchAndScan(TOKEN_LEFT_PARENTHESIS);
     Label label;
-    typ = ConvertTyp(typ, BoolExpression(vars, literal, label), false);
+    type = ConvertTyp(type, BoolExpression(vars, literal, label));
     Match(TOKEN_RIGHT_PARENTHESIS);
     PostPendingLabel(label);
     Scan();
-    return typ;
+    return type;
 }
 
 // "MOV *TICK #A0"
@@ -291,38 +300,38 @@ Typ StringFactor() {
     return TYP_STRING;
 }
 
-// "MOV <number> #A0"; the type of the literal is in `typ` already.
-Typ NumberFactor(Typ typ) {
+// "MOV <number> #A0"; the type of the literal is in `type` already.
+Typ NumberFactor(Typ type) {
     Match(TOKEN_NUMBER);
     EmitLoad(TokenName);
     Scan();
-    return typ;
+    return type;
 }
 
 // Factor = "(" BoolExpression ")" | Ident | TICK | String | Number
 // The load of the value; a BOOL from a name is turned into a condition.
-Typ Factor(const VarsList& vars, Typ typ) {
+Typ Factor(const VarsList& vars, Typ type) {
     switch (TokenChar) {
         case TOKEN_LEFT_PARENTHESIS:
-            return Parenthesis(vars, typ);
+            return Parenthesis(vars, type);
         case TOKEN_IDENTIFIER:
         case TOKEN_FUNCTION:
         case TOKEN_RESULT:
-            typ = ConvertTyp(typ, Ident(vars), false);
-            if (IsTypBoolean(typ)) {
+            type = ConvertTyp(type, Ident(vars));
+            if (IsTypBoolean(type)) {
                 EmitCondition();
             }
-            return typ;
+            return type;
         case TOKEN_TICK:
             return TickFactor();
         case TOKEN_STRING:
             return StringFactor();
         default:
-            return NumberFactor(typ);
+            return NumberFactor(type);
     }
 }
 
-// A number behind "-". Its load is written when the token behind it has been read.
+// A number after "-". Its load is written when the token after it has been read.
 void NegatedNumber() {
     const QStringView text = TokenName;
     Scan();
@@ -331,21 +340,21 @@ void NegatedNumber() {
 
 // SignedFactor = [ "+" ] [ "-" ] Factor
 // <factor>, with "-" followed by "SUB 0 #A0": a constant is never written with a sign.
-Typ SignedFactor(const VarsList& vars, Typ typ) {
+Typ SignedFactor(const VarsList& vars, Typ type) {
     if (TokenChar == TOKEN_PLUS) {
-        typ = ConvertTyp(typ, Scan(), false);
+        type = ConvertTyp(type, Scan());
     }
     if (TokenChar != TOKEN_MINUS) {
-        return ConvertTyp(typ, Factor(vars, typ), false);
+        return ConvertTyp(type, Factor(vars, type));
     }
-    typ = ConvertTyp(typ, Scan(), false);
+    type = ConvertTyp(type, Scan());
     if (TokenChar == TOKEN_NUMBER) {
         NegatedNumber();
     } else {
-        typ = ConvertTyp(typ, Factor(vars, typ), false);
+        type = ConvertTyp(type, Factor(vars, type));
     }
     EmitNegate();
-    return typ;
+    return type;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -355,44 +364,44 @@ Typ SignedFactor(const VarsList& vars, Typ typ) {
 // operand { operator MulTerm }
 // <operand>, { "MOV #A0 $PUSH", <right operand>, "<keyword> $POP #A0" }
 template <Operation operand, bool (*isOperator)(Token)>
-Typ OperatorLevel(const VarsList& vars, Typ typ) {
-    typ = ConvertTyp(typ, operand(vars, typ), false);
+Typ OperatorLevel(const VarsList& vars, Typ type) {
+    type = ConvertTyp(type, operand(vars, type));
     while (isOperator(TokenChar)) {
-        typ = PushAndOperate(vars, typ);
+        type = PushAndOperate(vars, type);
     }
-    return typ;
+    return type;
 }
 
 // PowTerm = SignedFactor { "**" MulTerm }
-Typ PowTerm(const VarsList& vars, Typ typ) {
-    return OperatorLevel<SignedFactor, IsPowOp>(vars, typ);
+Typ PowTerm(const VarsList& vars, Typ type) {
+    return OperatorLevel<SignedFactor, IsPowOp>(vars, type);
 }
 
 // ShiftTerm = PowTerm { ( SHL | SHR | ROL | ROR ) MulTerm }
-Typ ShiftTerm(const VarsList& vars, Typ typ) {
-    return OperatorLevel<PowTerm, IsShiftOp>(vars, typ);
+Typ ShiftTerm(const VarsList& vars, Typ type) {
+    return OperatorLevel<PowTerm, IsShiftOp>(vars, type);
 }
 
 // BitTerm = ShiftTerm { ( AND | OR | XOR ) MulTerm }
 // The operators of a BOOL operand are left to BoolExpression.
-Typ BitTerm(const VarsList& vars, Typ typ) {
-    typ = ConvertTyp(typ, ShiftTerm(vars, typ), false);
-    while (IsBitOp(TokenChar) && !IsTypBoolean(typ)) {
-        typ = PushAndOperate(vars, typ);
+Typ BitTerm(const VarsList& vars, Typ type) {
+    type = ConvertTyp(type, ShiftTerm(vars, type));
+    while (IsBitOp(TokenChar) && !IsTypBoolean(type)) {
+        type = PushAndOperate(vars, type);
     }
-    return typ;
+    return type;
 }
 
 // MulTerm = BitTerm { ( "*" | "/" | MOD ) MulTerm }
-Typ MulTerm(const VarsList& vars, Typ typ) {
-    return OperatorLevel<BitTerm, IsMulOp>(vars, typ);
+Typ MulTerm(const VarsList& vars, Typ type) {
+    return OperatorLevel<BitTerm, IsMulOp>(vars, type);
 }
 
 }  // namespace
 
 // Expression = MulTerm { ( "+" | "-" ) MulTerm }
-Typ Expression(const VarsList& vars, Typ typ) {
-    return OperatorLevel<MulTerm, IsAddOp>(vars, typ);
+Typ Expression(const VarsList& vars, Typ type) {
+    return OperatorLevel<MulTerm, IsAddOp>(vars, type);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -405,9 +414,9 @@ namespace {
 void ArrayIndex(const VarsList& vars, bool asDInt) {
     const NestingGuard guard;
     const Typ literal = Scan();
-    const Typ typ = ConvertTyp(literal, Expression(vars, literal), false);
-    if (!IsTypOrdinal(asDInt ? ConvertTyp(TYP_DINT, typ, false) : typ)) {
-        Abort(TXT_ORDINAL_TYPE_REQUIRED, false);
+    const Typ type = ConvertTyp(literal, Expression(vars, literal));
+    if (!IsTypOrdinal(asDInt ? ConvertTyp(TYP_DINT, type) : type)) {
+        Abort(TXT_ORDINAL_TYPE_REQUIRED);
     }
     EmitPush();
 }
@@ -423,7 +432,7 @@ void ArrayIndices(const VarsList& vars, const VarItem& array, bool asDInt) {
         ++count;
     } while (TokenChar == TOKEN_COMMA);
     if (count != array.arrayDimensions) {
-        Abort(TXT_ARRAY_INCORRECT_SIZE_OF_ARRAY, false);
+        Abort(TXT_ARRAY_INCORRECT_SIZE_OF_ARRAY);
     }
 }
 
@@ -448,8 +457,8 @@ void EmitLinearIndex(const VarItem& array) {
 namespace {
 
 // A BOOL result is taken as it is; any other is merged into the type so far.
-Typ MergeUnlessBool(Typ typ, Typ result) {
-    return IsTypBoolean(result) ? result : ConvertTyp(typ, result, false);
+Typ MergeUnlessBool(Typ type, Typ result) {
+    return IsTypBoolean(result) ? result : ConvertTyp(type, result);
 }
 
 // With TRUE or FALSE current: whether it is TRUE. Aborts on any other token.
@@ -473,16 +482,16 @@ void ComparedLiteral() {
 
 // Comparison = ( "=" | "<>" | "<" | ">" | "<=" | ">=" ) ( TRUE | FALSE | Expression )
 // <right operand>, "<keyword> $POP #A0", "TST #A0"; the left operand waits on the stack already.
-Typ Comparison(Token code, QLatin1String keyword, const VarsList& vars, Typ typ) {
+Typ Comparison(Token code, QLatin1String keyword, const VarsList& vars, Typ type) {
     Match(code);
-    if (!IsTypDigit(typ) && !IsTypBoolean(typ)) {
-        AbortIllegal(code, TXT_LEFT_OPERAND_HAS_TYPE, typ);
+    if (!IsTypDigit(type) && !IsTypBoolean(type)) {
+        AbortIllegal(code, TXT_LEFT_OPERAND_HAS_TYPE, type);
     }
     const Typ literal = Scan();
     if (IsBoolean(TokenChar)) {
         ComparedLiteral();
     } else {
-        ConvertTyp(typ, Expression(vars, literal), false);  // only a check
+        ConvertTyp(type, Expression(vars, literal));  // only a check
     }
     EmitStackOperation(keyword);
     EmitTest();
@@ -490,52 +499,48 @@ Typ Comparison(Token code, QLatin1String keyword, const VarsList& vars, Typ typ)
 }
 
 // The comparisons, each with its token and its keyword.
-Typ BoolEquals(const VarsList& vars, Typ typ) {
-    return Comparison(TOKEN_EQUAL, sEQ, vars, typ);
+Typ BoolEquals(const VarsList& vars, Typ type) {
+    return Comparison(TOKEN_EQUAL, sEQ, vars, type);
 }
 
-Typ BoolNotEquals(const VarsList& vars, Typ typ) {
-    return Comparison(TOKEN_NOT_EQUAL, sNE, vars, typ);
+Typ BoolNotEquals(const VarsList& vars, Typ type) {
+    return Comparison(TOKEN_NOT_EQUAL, sNE, vars, type);
 }
 
-Typ BoolLess(const VarsList& vars, Typ typ) {
-    return Comparison(TOKEN_LESS, sLT, vars, typ);
+Typ BoolLess(const VarsList& vars, Typ type) {
+    return Comparison(TOKEN_LESS, sLT, vars, type);
 }
 
-Typ BoolGreater(const VarsList& vars, Typ typ) {
-    return Comparison(TOKEN_GREATER, sGT, vars, typ);
+Typ BoolGreater(const VarsList& vars, Typ type) {
+    return Comparison(TOKEN_GREATER, sGT, vars, type);
 }
 
-Typ BoolLessOrEquals(const VarsList& vars, Typ typ) {
-    return Comparison(TOKEN_LESS_OR_EQUAL, sLE, vars, typ);
+Typ BoolLessOrEquals(const VarsList& vars, Typ type) {
+    return Comparison(TOKEN_LESS_OR_EQUAL, sLE, vars, type);
 }
 
-Typ BoolGreaterOrEquals(const VarsList& vars, Typ typ) {
-    return Comparison(TOKEN_GREATER_OR_EQUAL, sGE, vars, typ);
+Typ BoolGreaterOrEquals(const VarsList& vars, Typ type) {
+    return Comparison(TOKEN_GREATER_OR_EQUAL, sGE, vars, type);
 }
 
-// In the order of the token codes from TOKEN_EQUAL to TOKEN_GREATER_OR_EQUAL; the codes
-// (qyx_globals.h) and these rows change together.
-constexpr Operation COMPARISONS[] = {
-    BoolEquals,           // TOKEN_EQUAL
-    BoolNotEquals,        // TOKEN_NOT_EQUAL
-    BoolLess,             // TOKEN_LESS
-    BoolGreater,          // TOKEN_GREATER
-    BoolLessOrEquals,     // TOKEN_LESS_OR_EQUAL
-    BoolGreaterOrEquals,  // TOKEN_GREATER_OR_EQUAL
-};
-static_assert(std::size(COMPARISONS) == TOKEN_GREATER_OR_EQUAL - TOKEN_EQUAL + 1,
-              "one row for each code");
+constexpr OperationTable COMPARISONS = ByToken({
+    {TOKEN_EQUAL, BoolEquals},
+    {TOKEN_NOT_EQUAL, BoolNotEquals},
+    {TOKEN_LESS, BoolLess},
+    {TOKEN_GREATER, BoolGreater},
+    {TOKEN_LESS_OR_EQUAL, BoolLessOrEquals},
+    {TOKEN_GREATER_OR_EQUAL, BoolGreaterOrEquals},
+});
 
 // Relation = Expression [ Comparison ]
 // <expression> [ "MOV #A0 $PUSH", <comparison> ]; a second comparison is left to the caller.
-Typ Relation(const VarsList& vars, Typ typ) {
-    typ = MergeUnlessBool(typ, Expression(vars, typ));
+Typ Relation(const VarsList& vars, Typ type) {
+    type = MergeUnlessBool(type, Expression(vars, type));
     if (!IsRelop(TokenChar)) {
-        return typ;
+        return type;
     }
     EmitPush();
-    return COMPARISONS[TokenChar - TOKEN_EQUAL](vars, typ);
+    return COMPARISONS[TokenChar](vars, type);
 }
 
 // TRUE | FALSE: "MOV 1 #A0" or "MOV 0 #A0", then "EQ 1 #A0", "TST #A0"
@@ -549,16 +554,16 @@ Typ BooleanLiteral() {
 }
 
 // BoolFactor = TRUE | FALSE | Relation
-Typ BoolFactor(const VarsList& vars, Typ typ) {
-    return IsBoolean(TokenChar) ? BooleanLiteral() : MergeUnlessBool(typ, Relation(vars, typ));
+Typ BoolFactor(const VarsList& vars, Typ type) {
+    return IsBoolean(TokenChar) ? BooleanLiteral() : MergeUnlessBool(type, Relation(vars, type));
 }
 
 // "NOT #A0", "TST #A0" for a BOOL, "BNOT #A0" for an integer.
-void EmitNot(Typ typ) {
-    if (IsTypBoolean(typ)) {
+void EmitNot(Typ type) {
+    if (IsTypBoolean(type)) {
         Emit(sNOT, ACCUMULATOR);
         EmitTest();
-    } else if (IsTypOrdinal(typ)) {
+    } else if (IsTypOrdinal(type)) {
         Emit(sBNOT, ACCUMULATOR);
     } else {
         AbortNotApplicable(TOKEN_NOT);
@@ -567,20 +572,20 @@ void EmitNot(Typ typ) {
 
 // NotFactor = [ NOT ] BoolFactor
 // <factor> [ <negation> ]; the factor includes a comparison: NOT a = b is NOT (a = b).
-Typ NotFactor(const VarsList& vars, Typ typ) {
+Typ NotFactor(const VarsList& vars, Typ type) {
     if (TokenChar != TOKEN_NOT) {
-        return MergeUnlessBool(typ, BoolFactor(vars, typ));
+        return MergeUnlessBool(type, BoolFactor(vars, type));
     }
     const Typ literal = Scan();
-    typ = MergeUnlessBool(typ, BoolFactor(vars, literal));
-    EmitNot(typ);
-    return typ;
+    type = MergeUnlessBool(type, BoolFactor(vars, literal));
+    EmitNot(type);
+    return type;
 }
 
 // The operator of a Boolean operation and its right operand, a whole BoolExpression.
 //
 // QUIRK(boolean-grouping): AND, OR and XOR thus group to the right, and AND does not bind
-// tighter than an OR behind it: a AND b OR c is a AND (b OR c). Programs in the field rely on
+// tighter than an OR after it: a AND b OR c is a AND (b OR c). Programs in the field rely on
 // it.
 Typ BoolRightOperand(const VarsList& vars, Label& label) {
     const NestingGuard guard;
@@ -590,33 +595,33 @@ Typ BoolRightOperand(const VarsList& vars, Label& label) {
 
 // The left operand of a Boolean operation must be BOOL. BitTerm has taken the operator already
 // where it is not, with a check of its own in the same words.
-void CheckBoolLeftOperand(Token code, Typ typ) {
+void CheckBoolLeftOperand(Token code, Typ type) {
     Match(code);
-    if (!IsTypBoolean(typ)) {
-        AbortIllegal(code, TXT_LEFT_OPERAND_HAS_TYPE, typ);  // GCOVR_EXCL_LINE: never, as told
+    if (!IsTypBoolean(type)) {
+        AbortIllegal(code, TXT_LEFT_OPERAND_HAS_TYPE, type);  // GCOVR_EXCL_LINE: never, as told
     }
 }
 
 // <right operand>, [ "L1:" ], "<keyword> $POP #A0", "TST #A0"
 Typ StackedBoolOperation(QLatin1String keyword, const VarsList& vars) {
     Label label;
-    const Typ typ = BoolRightOperand(vars, label);
+    const Typ type = BoolRightOperand(vars, label);
     PostPendingLabel(label);
     EmitStackOperation(keyword);
     EmitTest();
-    return typ;
+    return type;
 }
 
 // AND BoolExpression, the left operand on the stack.
-Typ BoolAnd(const VarsList& vars, Typ typ) {
-    CheckBoolLeftOperand(TOKEN_AND, typ);
+Typ BoolAnd(const VarsList& vars, Typ type) {
+    CheckBoolLeftOperand(TOKEN_AND, type);
     return StackedBoolOperation(sAND, vars);
 }
 
 // XOR BoolExpression
 // "MOV #A0 $PUSH", then as AND.
-Typ BoolXOr(const VarsList& vars, Typ typ) {
-    CheckBoolLeftOperand(TOKEN_XOR, typ);
+Typ BoolXOr(const VarsList& vars, Typ type) {
+    CheckBoolLeftOperand(TOKEN_XOR, type);
     EmitPush();
     return StackedBoolOperation(sXOR, vars);
 }
@@ -624,8 +629,8 @@ Typ BoolXOr(const VarsList& vars, Typ typ) {
 // OR BoolExpression
 // "JMPT L1", <right operand>: a true left operand skips the rest, with 1 in #A0 and the flag
 // true. Every OR of a chain jumps to the one label.
-Typ BoolOr(const VarsList& vars, Typ typ, Label& label) {
-    CheckBoolLeftOperand(TOKEN_OR, typ);
+Typ BoolOr(const VarsList& vars, Typ type, Label& label) {
+    CheckBoolLeftOperand(TOKEN_OR, type);
     if (label.isEmpty()) {
         GetNewLabel(label);
     }
@@ -635,13 +640,13 @@ Typ BoolOr(const VarsList& vars, Typ typ, Label& label) {
 
 // BoolTerm = NotFactor { AND BoolExpression }
 // <factor>, { "MOV #A0 $PUSH", <right operand>, "AND $POP #A0", "TST #A0" }
-Typ BoolTerm(const VarsList& vars, Typ typ) {
-    typ = MergeUnlessBool(typ, NotFactor(vars, typ));
+Typ BoolTerm(const VarsList& vars, Typ type) {
+    type = MergeUnlessBool(type, NotFactor(vars, type));
     while (TokenChar == TOKEN_AND) {
         EmitPush();
-        typ = BoolAnd(vars, typ);
+        type = BoolAnd(vars, type);
     }
-    return typ;
+    return type;
 }
 
 }  // namespace
@@ -649,10 +654,10 @@ Typ BoolTerm(const VarsList& vars, Typ typ) {
 // BoolExpression = BoolTerm { ( OR | XOR ) BoolExpression }
 // <term>, { "JMPT L1", <right operand> | "MOV #A0 $PUSH", <right operand>, "XOR $POP #A0",
 // "TST #A0" }; the caller posts L1.
-Typ BoolExpression(const VarsList& vars, Typ typ, Label& label) {
-    typ = MergeUnlessBool(typ, BoolTerm(vars, typ));
+Typ BoolExpression(const VarsList& vars, Typ type, Label& label) {
+    type = MergeUnlessBool(type, BoolTerm(vars, type));
     while (IsOrORXor(TokenChar)) {
-        typ = TokenChar == TOKEN_OR ? BoolOr(vars, typ, label) : BoolXOr(vars, typ);
+        type = TokenChar == TOKEN_OR ? BoolOr(vars, type, label) : BoolXOr(vars, type);
     }
-    return typ;
+    return type;
 }

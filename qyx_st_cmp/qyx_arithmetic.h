@@ -3,25 +3,33 @@
 // Each level of the grammar is a function that compiles one operand of its level, writes the
 // target code at once and returns the type of the value that the code leaves in the accumulator.
 // It takes the variables that the expression sees and the type so far: what the tokens before
-// have settled, or the type of the literal that the last Scan read, TYP_NONE for none.
-// The current token is the first of the expression on entry and the first behind it on return.
+// have settled, or where nothing is settled the type of the literal that is current, TYP_NONE for
+// none. A BOOL result is returned as it is; any other is merged into the type so far.
+// The current token is the first of the expression on entry and the first after it on return.
+//
+// The order of Scan and writing is output: a Scan that reaches a new line echoes it into the
+// listing, before the items that are written next. An operand's load is written after the token
+// after the operand was read, an operator's item after the first token after its right operand;
+// a pending label is posted when the token that ends the expression has been matched. A Scan or
+// Match between an expression and its PostPendingLabel is no accident.
 #pragma once
 
 #include "qyx_globals.h"
 
-// A whole expression. The "true" jumps of a short-circuit OR go to `label`: an empty label is
-// filled with a new one when the first OR needs it, and then the caller posts it where the
-// expression's value is due; a caller's own label is posted by the caller at its own place.
-Typ BoolExpression(const VarsList& vars, Typ typ, Label& label);
+// A whole expression. The "true" jumps of a short-circuit OR go to `label`, the pending label: an
+// empty one is filled with a new one when the first OR needs it, and then the caller posts it
+// where the expression's value is due, after what it checks of the value and of the token that
+// ends the expression; a caller's own label is posted by the caller at its own place.
+Typ BoolExpression(const VarsList& vars, Typ type, Label& label);
 
 // A numeric expression: no comparison and no Boolean operator outside parentheses.
-Typ Expression(const VarsList& vars, Typ typ);
+Typ Expression(const VarsList& vars, Typ type);
 
 // ---------------------------------------------------------------------------------------------
 // Array elements, as values here and as targets of assignments
 // ---------------------------------------------------------------------------------------------
 
-// Compiles "[" and the indices and leaves them on the value stack; the token behind the last
+// Compiles "[" and the indices and leaves them on the value stack; the token after the last
 // index is current then. Aborts on an index that is no integer and on a wrong number of indices.
 // With asDInt each index is converted to DINT first.
 void ArrayIndices(const VarsList& vars, const VarItem& array, bool asDInt);

@@ -1,15 +1,11 @@
 #include "qyx_files.h"
 
 #include "qyx_messages.h"
-#include "qyx_scanner.h"
 
 #include <algorithm>
-#include <array>
 #include <cassert>
-#include <charconv>
 #include <cstdio>
 #include <filesystem>
-#include <limits>
 #include <string>
 #include <system_error>
 
@@ -30,6 +26,7 @@ std::unique_ptr<FileHandle> g_OutputErrFileHandle;
 QString g_OutputCodeFileName;
 int g_OutputCodeFileCurrentLineCount = 0;
 std::vector<int> g_InputCodeFileLinesList;
+int g_InputCodeFileLineCount = 0;
 int g_InputCodeFileTmpLineCount = -1;
 
 namespace {
@@ -108,18 +105,25 @@ void FileHandle::readAllText() {
     close();
 }
 
-void FileHandle::makeSpace(std::size_t size) {
+char* FileHandle::makeSpace(std::size_t size) {
     writeCollected();
+    if (writeFailed_) {
+        return nullptr;
+    }
     if (static_cast<std::size_t>(bufferEnd_ - unused_) < size) {
         const std::size_t capacity = std::max(size, WRITE_BLOCK_SIZE);
         buffer_.reset(new char[capacity]);
         unused_ = buffer_.get();
         bufferEnd_ = unused_ + capacity;
     }
+    return unused_;
 }
 
 void FileHandle::appendText(std::string_view utf8) {
-    commit(PutPart(reserve(utf8.size()), utf8));
+    char* const space = reserve(utf8.size());
+    if (space != nullptr) {
+        commit(PutPart(space, utf8));
+    }
 }
 
 void FileHandle::writeCollected() {
@@ -168,7 +172,7 @@ bool FileCanExists(const QString& name, bool removeAfter) {
 
 namespace {
 
-// Notes where each line of the source begins. Text behind the last line feed is a line too, even
+// Notes where each line of the source begins. Text after the last line feed is a line too, even
 // when it is empty.
 void InitInputCodeFileParams(const QString& text) {
     g_InputCodeFileLinesList.assign(1, 0);
@@ -176,6 +180,7 @@ void InitInputCodeFileParams(const QString& text) {
     while ((lineFeed = text.indexOf(QLatin1Char('\n'), lineFeed + 1)) >= 0) {
         g_InputCodeFileLinesList.push_back(lineFeed + 1);
     }
+    g_InputCodeFileLineCount = static_cast<int>(g_InputCodeFileLinesList.size());
 }
 
 }  // namespace
@@ -185,7 +190,7 @@ void OpenInputCodeFile(const QString& name) {
     assert(!g_InputCodeFileHandle);
     g_InputCodeFileHandle = std::make_unique<FileHandle>(name, true);
     if (!g_InputCodeFileHandle->isOpened()) {
-        Abort(TXT_OPEN_FAILED_ON_INPUT_FILE, false);
+        Abort(TXT_OPEN_FAILED_ON_INPUT_FILE);
     }
     if (flag_ShowInputFileLines) {
         InitInputCodeFileParams(g_InputCodeFileHandle->text());
@@ -195,11 +200,12 @@ void OpenInputCodeFile(const QString& name) {
 void CloseInputCodeFile() {
     g_InputCodeFileHandle.reset();
     g_InputCodeFileLinesList.clear();
+    g_InputCodeFileLineCount = 0;
 }
 
 int ReadCharFromInputCodeFile() {
     if (!g_InputCodeFileHandle) {
-        Abort(TXT_PROBLEM_READING_INPUT_FILE, false);
+        Abort(TXT_PROBLEM_READING_INPUT_FILE);
     }
     return g_InputCodeFileHandle->getChar();
 }
@@ -209,7 +215,7 @@ QString OutlineInputCodeString(QStringView text, int line) {
         return QString();
     }
     QString number;
-    IntToStr(line + 1, number, DECIMAL);
+    IntToStr(line + 1, number);
     return StringsToString(";", TXT_LINE, " ", number, ": \"", text, "\"");
 }
 
@@ -220,16 +226,17 @@ QStringView RemoveComment(QStringView text) {
     return text;
 }
 
-QString GetInputCodeFileCurrentLineParams(int line) {
-    const int count = static_cast<int>(g_InputCodeFileLinesList.size());
-    if (line >= count) {
-        return QString();
+InputCodeFileLineParams GetInputCodeFileCurrentLineParams(int line) {
+    if (line >= g_InputCodeFileLineCount) {
+        return {line, QString()};
     }
     const auto index = static_cast<std::size_t>(line);
+    const bool isLast = line + 1 == g_InputCodeFileLineCount;
     const QStringView text = g_InputCodeFileHandle->text();
     const int begin = g_InputCodeFileLinesList[index];
-    const qsizetype end = line + 1 < count ? g_InputCodeFileLinesList[index + 1] : text.size();
-    return OutlineInputCodeString(RemoveComment(text.mid(begin, end - begin).trimmed()), line);
+    const qsizetype end = isLast ? text.size() : g_InputCodeFileLinesList[index + 1];
+    const QStringView content = text.mid(begin, end - begin).trimmed();
+    return {line, OutlineInputCodeString(RemoveComment(content), line)};
 }
 
 void TypeInputCodeCurrentLine() {
@@ -240,7 +247,7 @@ void TypeInputCodeCurrentLine() {
     if (!flag_ShowInputFileLines) {
         return;
     }
-    const QString echo = GetInputCodeFileCurrentLineParams(g_InputCodeFileCurrentLineCount);
+    const QString echo = GetInputCodeFileCurrentLineParams(g_InputCodeFileCurrentLineCount).text;
     if (!echo.isEmpty()) {
         WriteLn(echo, WHAT_SOURCE_ECHO);
     }
@@ -285,7 +292,7 @@ void OpenOutputErrFile(const QString& name) {
 
 void FinishOutputCodeFile() {
     if (!g_OutputCodeFileHandle || !g_OutputCodeFileHandle->finish()) {
-        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
+        AbortWriting();
     }
 }
 
@@ -338,6 +345,11 @@ void WriteStringToSideFile(bool isWanted, const std::unique_ptr<FileHandle>& han
 
 }  // namespace
 
+void WriteStringToOutputCodeFile(std::string_view text) {
+    char* const end = PutPart(ReserveCode(text.size()), text);
+    g_OutputCodeFileHandle->commit(end);
+}
+
 void WriteStringToOutputListFile(std::string_view text) {
     WriteStringToSideFile(flag_SaveListFile, g_OutputListFileHandle, text);
 }
@@ -362,22 +374,13 @@ void WriteStringToScreen(std::string_view text, bool force) {
 
 namespace {
 
-// Appends the number, filled with zeros to four digits.
-void AppendLineNumber(std::string& line, int number) {
-    std::array<char, std::numeric_limits<int>::digits10 + 1> digits = {};
-    const char* end = std::to_chars(digits.begin(), digits.end(), number).ptr;
-    const auto count = static_cast<std::size_t>(end - digits.data());
-    line.append(LINE_NUMBER_WIDTH - std::min(count, LINE_NUMBER_WIDTH), '0');
-    line.append(digits.data(), count);
-}
-
 // A code line as the listing shows it: its number with -n, the text, a line feed. Holds until the
 // next one is made.
 const std::string& ListingForm(std::string_view item) {
     static std::string line;
     line.clear();
     if (flag_ShowLinesNumber) {
-        AppendLineNumber(line, g_OutputCodeFileCurrentLineCount + 1);
+        IntToStr(g_OutputCodeFileCurrentLineCount + 1, line, LINE_NUMBER_WIDTH);
         line.push_back('\t');
     }
     line.append(item);
@@ -399,7 +402,7 @@ void RouteMessage(const std::string& line, bool force) {
 }
 
 // QUIRK(error-file-place): the error file gets the place of the look-ahead character, which may
-// lie behind the token that the message names, and nothing separates two records. Readers of
+// lie after the token that the message names, and nothing separates two records. Readers of
 // the file rely on it.
 void RecordPosition() {
     const std::string line = std::to_string(g_InputCodeFileCurrentLineCount + 1);
@@ -419,12 +422,14 @@ void RouteEcho(const std::string& line, bool force) {
 }
 
 void WriteCodeLine(const QString& text, bool force) {
+    const std::string item = text.toStdString();
     if (force) {
-        WriteStringToStandardOutput(ListingForm(text.toStdString()));
-        ++g_OutputCodeFileCurrentLineCount;
+        WriteStringToStandardOutput(ListingForm(item));
     } else {
-        WriteItem(QStringView(text));
+        WriteStringToOutputCodeFile(item + ' ');
+        ListItem(item);
     }
+    ++g_OutputCodeFileCurrentLineCount;
 }
 
 }  // namespace
@@ -462,15 +467,8 @@ void WriteLn(const QString& text, TWhatStr kind) {
 // Items of target code
 // ---------------------------------------------------------------------------------------------
 
-char* MakeCodeSpace(std::size_t size) {
-    if (!g_OutputCodeFileHandle) {
-        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
-    }
-    char* space = g_OutputCodeFileHandle->reserve(size);
-    if (g_OutputCodeFileHandle->hasFailed()) {
-        Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE, false);
-    }
-    return space;
+void AbortWriting() {
+    Abort(TXT_PROBLEM_WRITING_OUTPUT_FILE);
 }
 
 void ListItem(std::string_view item) {

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "qyx_globals.h"
+#include "qyx_text.h"
 
 #include <QFile>
 
@@ -26,10 +27,10 @@ public:
     bool isOpened() const { return opened_; }
     const QString& text() const { return text_; }
 
-    // Reading: the next UTF-16 unit of the source, -1 behind its end.
+    // Reading: the next UTF-16 unit of the source, -1 after its end.
     int getChar() { return next_ == end_ ? -1 : (next_++)->unicode(); }
 
-    // Reading: the character read last and those behind it of which isIn holds; they are read
+    // Reading: the character read last and those after it of which isIn holds; they are read
     // then. Holds them without a copy for as long as the file is open.
     template <typename Predicate>
     QStringView takeRun(Predicate isIn) {
@@ -40,24 +41,16 @@ public:
         return QStringView(first, next_);
     }
 
-    // Writing: space for that many bytes behind all that was written; commit tells how much of
-    // it was filled.
+    // Writing: space for that many bytes after all that was written; commit tells how much of it
+    // was filled. Null when some of the text could not be written.
     char* reserve(std::size_t size) {
-        if (!hasSpace(size)) {
-            makeSpace(size);
-        }
-        return unused_;
-    }
-    bool hasSpace(std::size_t size) const {
-        return size <= static_cast<std::size_t>(bufferEnd_ - unused_);
+        const bool isReady = size <= static_cast<std::size_t>(bufferEnd_ - unused_);
+        return isReady ? unused_ : makeSpace(size);
     }
     void commit(char* end) { unused_ = end; }
 
-    // Writing: appends the text.
+    // Writing: appends the text, unless some before it could not be written.
     void appendText(std::string_view utf8);
-
-    // Writing: whether some of the text could not be written.
-    bool hasFailed() const { return writeFailed_; }
 
     // Writing: writes what is still collected and closes. False if anything could not be written.
     bool finish();
@@ -68,12 +61,12 @@ private:
     const QChar* next_ = nullptr;     // in text_, the next character
     const QChar* end_ = nullptr;      // the end of text_
     std::unique_ptr<char[]> buffer_;  // what writing has collected and not yet handed to the file
-    char* unused_ = nullptr;          // in buffer_, behind what is collected
+    char* unused_ = nullptr;          // in buffer_, after what is collected
     char* bufferEnd_ = nullptr;
     bool writeFailed_ = false;
 
     void readAllText();
-    void makeSpace(std::size_t size);
+    char* makeSpace(std::size_t size);
     void writeCollected();
 };
 
@@ -81,7 +74,7 @@ private:
 // Names on the command line
 // ---------------------------------------------------------------------------------------------
 
-// Whether there is a file of that name, behind links too.
+// Whether there is a file of that name; links are followed.
 bool FileExists(const QString& name);
 
 // Whether both names lead to one existing file, by whatever links.
@@ -89,7 +82,7 @@ bool IsSameFile(const QString& a, const QString& b);
 
 // Probes that a file of that name can be written. An old file of that name is removed, and with
 // removeAfter so is the file that the probe made.
-bool FileCanExists(const QString& name, bool removeAfter);
+bool FileCanExists(const QString& name, bool removeAfter = true);
 
 // ---------------------------------------------------------------------------------------------
 // The source
@@ -99,7 +92,7 @@ bool FileCanExists(const QString& name, bool removeAfter);
 void OpenInputCodeFile(const QString& name);
 void CloseInputCodeFile();
 
-// The next UTF-16 unit of the source, -1 behind its end. Aborts when no source is open.
+// The next UTF-16 unit of the source, -1 after its end. Aborts when no source is open.
 int ReadCharFromInputCodeFile();
 
 // A source line as the listing echoes it, `;Line 7: "text"`; an empty line stays empty.
@@ -108,8 +101,14 @@ QString OutlineInputCodeString(QStringView text, int line);
 // The place where comments would be taken out of the echo; the text comes back unchanged.
 QStringView RemoveComment(QStringView text);
 
-// The echo of the line with that 0-based index; empty for a blank line and beyond the last.
-QString GetInputCodeFileCurrentLineParams(int line);
+// A line of the source: its 0-based index and its echo, which is empty for a blank line.
+struct InputCodeFileLineParams {
+    int line;
+    QString text;
+};
+
+// The line with that index; without text beyond the last.
+InputCodeFileLineParams GetInputCodeFileCurrentLineParams(int line);
 
 // Echoes the line of the look-ahead character, if that was not done yet. Called before each
 // token.
@@ -140,6 +139,9 @@ void CloseAllFiles();
 // Removes the code file if one was opened. What is no regular file or link by now stays.
 void DeleteOutputCodeFile();
 
+// Appends to the code file. Aborts when there is none or a block of it could not be written.
+void WriteStringToOutputCodeFile(std::string_view text);
+
 // Append to one output. They fail silently and take nothing unless their option is set; the
 // screen takes text with force too.
 void WriteStringToOutputListFile(std::string_view text);
@@ -160,12 +162,16 @@ void WriteLn(const QString& text, TWhatStr kind);
 // for each kind of part its largest size and how it is put.
 // ---------------------------------------------------------------------------------------------
 
-// Space at the end of the code file, made when the last block is full. Aborts when there is no
-// code file or a block of it could not be written.
-char* MakeCodeSpace(std::size_t size);
+// Aborts: there is no code file, or a block of it could not be written.
+[[noreturn]] void AbortWriting();
+
+// Space at the end of the code file.
 inline char* ReserveCode(std::size_t size) {
-    const bool isReady = g_OutputCodeFileHandle && g_OutputCodeFileHandle->hasSpace(size);
-    return isReady ? g_OutputCodeFileHandle->reserve(size) : MakeCodeSpace(size);
+    char* const space = g_OutputCodeFileHandle ? g_OutputCodeFileHandle->reserve(size) : nullptr;
+    if (space == nullptr) {
+        AbortWriting();
+    }
+    return space;
 }
 
 // The listing and the screen get the item too.

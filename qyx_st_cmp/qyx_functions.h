@@ -13,8 +13,8 @@ void AddBuildInFunctions(FunctionList& list);
 // ends the run.
 // DoFunc: a function called as a statement; ";" is current on return.
 // DoFunc1: a function called in an expression; returns the type of its result. The first token
-// behind the call is current on return.
+// after the call is current on return.
 // DoFuncBlock: a function block called as a statement; ";" is current on return.
-void DoFunc(const FunctionList& functions, const VarsList& vars);
-Typ DoFunc1(const FunctionList& functions, const VarsList& vars);
-void DoFuncBlock(const FunctionList& functions, const VarsList& vars);
+void DoFunc(const VarsList& vars);
+Typ DoFunc1(const VarsList& vars);
+void DoFuncBlock(const VarsList& vars);

@@ -2,6 +2,11 @@
 
 #include "qyx_types.h"
 
+#include <charconv>
+#include <limits>
+
+int LabelCount = 1;
+
 namespace {
 
 constexpr std::size_t ELEMENT_PUNCTUATION_SIZE = 3;  // "[", "." and "]"
@@ -23,15 +28,15 @@ char* PutPart(char* to, const Operand& operand) {
     return PutPart(to, ']');
 }
 
-Operand OperandOf(const VarItem& variable, const Spelling& name) {
-    if (name.row != NO_ROW) {
+Operand OperandOf(const VarItem& variable, const Spelling& spelling) {
+    if (spelling.row != NO_ROW) {
         return RESULT_OPERAND;
     }
-    return {variable.isReference ? BY_REFERENCE : BY_VALUE, name.utf8};
+    return {variable.isReference ? BY_REFERENCE : BY_VALUE, spelling.utf8};
 }
 
-Operand ElementOperand(const VarItem& array, const Spelling& name, QLatin1String index) {
-    return {BY_VALUE, name.utf8, index, TypToShortStr(array.elementType)};
+Operand ElementOperand(const VarItem& array, const Spelling& spelling, QLatin1String index) {
+    return {BY_VALUE, spelling.utf8, index, TypToShortStr(array.elementType)};
 }
 
 void EmitPush() {
@@ -72,4 +77,36 @@ void EmitTest() {
 
 void EmitReturn() {
     WriteItem(sRET);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Code labels
+// ---------------------------------------------------------------------------------------------
+
+void GetNewLabel(Label& label) {
+    label = {LabelCount};
+    ++LabelCount;
+}
+
+// QUIRK(shared-label): the second label is shown, not reserved: whoever draws next gets it
+// again. The numbers of all later labels follow from that, and they are part of the target
+// code.
+void GetNewLabelAndNextLabel(Label& label, Label& next) {
+    GetNewLabel(label);
+    next = {LabelCount};
+}
+
+std::size_t PartSize(Label) {
+    return PartSize(sLABEL) + std::numeric_limits<int>::digits10 + 1;
+}
+
+char* PutPart(char* to, Label part) {
+    to = PutPart(to, sLABEL);
+    return std::to_chars(to, to + std::numeric_limits<int>::digits10 + 1, part.number).ptr;
+}
+
+void PostPendingLabel(Label label) {
+    if (!label.isEmpty()) {
+        PostLabel(label);
+    }
 }

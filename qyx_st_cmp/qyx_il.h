@@ -8,6 +8,7 @@
 
 #include "qyx_files.h"
 #include "qyx_globals.h"
+#include "qyx_text.h"
 
 #include <string_view>
 
@@ -89,12 +90,12 @@ inline constexpr Operand RESULT_OPERAND = {BY_VALUE, "RESULT"};
 
 // The operand of a variable with the spelling of this use. Only the result variable can have a
 // reserved name, as no declaration takes one; it is always spelled RESULT.
-Operand OperandOf(const VarItem& variable, const Spelling& name);
+Operand OperandOf(const VarItem& variable, const Spelling& spelling);
 
 // The operand of an element of an array, whose index is in that place.
 inline constexpr QLatin1String INDEX_ON_STACK = "#POP"_L1;
 inline constexpr QLatin1String INDEX_IN_REGISTER_1 = "#R1"_L1;
-Operand ElementOperand(const VarItem& array, const Spelling& name, QLatin1String index);
+Operand ElementOperand(const VarItem& array, const Spelling& spelling, QLatin1String index);
 
 // "<keyword> <first> <second>"
 template <typename First, typename Second>
@@ -130,3 +131,26 @@ void EmitR0Operation(QLatin1String keyword);     // "<keyword> #R0 #A0"
 void EmitNegate();                               // "SUB 0 #A0"
 void EmitTest();                                 // "TST #A0"
 void EmitReturn();                               // "RET"
+
+// ---------------------------------------------------------------------------------------------
+// Code labels
+// ---------------------------------------------------------------------------------------------
+
+// Draws the next label.
+void GetNewLabel(Label& label);
+
+// Draws the next label and shows the one after it without drawing it.
+void GetNewLabelAndNextLabel(Label& label, Label& next);
+
+// A label as a part of an item, "L" and its number.
+std::size_t PartSize(Label part);
+char* PutPart(char* to, Label part);
+
+// Writes the item "<label>:".
+template <typename Text>
+void PostLabel(const Text& label) {
+    WriteItem(label, ':');
+}
+
+// Posts the label of short-circuit jumps if an expression has drawn one.
+void PostPendingLabel(Label label);

@@ -5,14 +5,16 @@
 #include "qyx_il.h"
 #include "qyx_lists.h"
 #include "qyx_messages.h"
+#include "qyx_nesting.h"
 #include "qyx_scanner.h"
 #include "qyx_types.h"
 
 #include <algorithm>
-#include <initializer_list>
+#include <cassert>
 #include <iterator>
 #include <map>
 #include <set>
+#include <vector>
 
 namespace {
 
@@ -24,36 +26,34 @@ bool IsOneOf(Token code, std::initializer_list<Token> codes) {
     return std::find(codes.begin(), codes.end(), code) != codes.end();
 }
 
-// Statements = { Block }
-// Up to one of the tokens that end the statement's body.
-void Statements(const Body& body, const LoopLabels& loop, std::initializer_list<Token> ends) {
-    const NestingGuard guard;
-    while (!IsOneOf(TokenChar, ends)) {
-        Block(body, loop);
-        Scan();
-    }
-}
-
 // The end of a compound statement: keyword ";"
 void MatchEnd(Token keyword) {
-    Match(keyword);
-    Scan();
+    MatchAndScan(keyword);
     Match(TOKEN_SEMICOLON);
 }
 
 // Condition = BoolExpression
-// It must be BOOL; see there for `label`.
-void Condition(const Body& body, Typ literal, Label& label) {
-    const Typ typ = BoolExpression(body.variables, literal, label);
-    if (!IsTypBoolean(typ)) {
-        Abort(TXT_TYPE_OF_EXPRESSION_MUST_BE_BOOLEAN, false);
+// It must be BOOL; `label` is that of BoolExpression.
+void Condition(const VarsList& vars, Label& label) {
+    if (!IsTypBoolean(BoolExpression(vars, CurrentToken.type, label))) {
+        Abort(TXT_TYPE_OF_EXPRESSION_MUST_BE_BOOLEAN);
     }
 }
 
-// "JMPF <target>", [ "L1:" ]: a true operand of OR jumps behind the JMPF.
+// "JMPF <target>", [ "L1:" ]: a true operand of OR jumps past the JMPF.
 void EmitJumpIfFalse(Label target, Label pendingLabel) {
     Emit(sJMPF, target);
     PostPendingLabel(pendingLabel);
+}
+
+// Compares a value that waits on the stack, and stays there, with the accumulator.
+// "MOV $POP #R0", "<comparison> #R0 #A0", "TST #A0", "MOV #R0 $PUSH", "JMPF <target>"
+void EmitWaitingTest(QLatin1String comparison, Label target) {
+    EmitPopToR0();
+    EmitR0Operation(comparison);
+    EmitTest();
+    EmitPushFromR0();
+    Emit(sJMPF, target);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -62,12 +62,11 @@ void EmitJumpIfFalse(Label target, Label pendingLabel) {
 
 // Label = ( Name | RESULT ) ":"
 // "<NAME>:"; the statement counts as ended, no ";" follows.
-void LabelDefinition(const Body& body, const Spelling& name) {
-    const QString label = name.text.toUpper();
-    CheckDuplicate(SpellingOf(label), body.variables);
-    IsLabelItemInLabelLists(body.labels, label);
-    PostLabel(label);
-    TokenChar = TOKEN_SEMICOLON;
+void LabelDefinition(Body& body, const Spelling& spelling) {
+    const Spelling& label = LabelSpelling(spelling);
+    CheckLabelName(label, body.variables);
+    PostLabel(IsLabelItemInLabelLists(body.labels, label).name);
+    CountAsSemicolumn();
 }
 
 // Where an assignment stores its value.
@@ -79,8 +78,8 @@ struct Target {
 
 // Target = ( Name | RESULT ) [ Indices ]
 // <indices>, [ <linear index>, "MOV #R0 $PUSH" ]: the index waits on the value stack.
-Target ElementTarget(const VarsList& vars, const Spelling& name) {
-    VarItem& array = IsArrayVarInVarsList(vars, name);
+Target ElementTarget(const VarsList& vars, const Spelling& spelling) {
+    VarItem& array = IsArrayVarInVarsList(vars, spelling);
     ArrayIndices(vars, array, true);
     Match(TOKEN_RIGHT_BRACKET);
     if (array.arrayDimensions > 1) {
@@ -88,13 +87,13 @@ Target ElementTarget(const VarsList& vars, const Spelling& name) {
         EmitPushFromR0();
     }
     Scan();
-    return {array, array.elementType, ElementOperand(array, name, INDEX_ON_STACK)};
+    return {array, array.elementType, ElementOperand(array, spelling, INDEX_ON_STACK)};
 }
 
-// The name of a variable, which is current.
-Target VariableTarget(const VarsList& vars, const Spelling& name) {
-    VarItem& variable = IsVarInVarsList(vars, name);
-    return {variable, variable.type, OperandOf(variable, name)};
+// The variable of that name. The token after the name is current.
+Target VariableTarget(const VarsList& vars, const Spelling& spelling) {
+    VarItem& variable = IsVarInVarsList(vars, spelling);
+    return {variable, variable.type, OperandOf(variable, spelling)};
 }
 
 // A variable that a statement has stored into.
@@ -106,60 +105,58 @@ void MarkAssigned(VarItem& variable) {
 // Aborts with Incompatible types: "INT" and function_block.
 [[noreturn]] void AbortFunctionBlockAsValue(Typ target) {
     Abort(StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(target)), " ",
-                          TXT_AND_FUNCTION_BLOCK),
-          false);
+                          TXT_AND_FUNCTION_BLOCK));
 }
 
 // BoolExpression ";", the first token of the expression being current
 // <expression>, [ "L1:" ]; aborts unless the value converts to the type.
-void AssignedValue(const VarsList& vars, Typ literal, Typ target) {
+void AssignedValue(const VarsList& vars, Typ target) {
     Label label;
-    ConvertTyp(target, BoolExpression(vars, literal, label), false);
+    ConvertTyp(target, BoolExpression(vars, CurrentToken.type, label));
     Match(TOKEN_SEMICOLON);
     PostPendingLabel(label);
 }
 
 // target ":=" BoolExpression ";"
-// <expression>, "MOV #A0 <target>"
-void AssignTo(const VarsList& vars, const Target& target) {
+// <expression>, "MOV #A0 <target>"; returns the type of the target.
+Typ AssignTo(const VarsList& vars, const Target& target) {
     if (target.variable.isConstant) {
-        Abort(TXT_LEFT_SIDE_CANNOT_BE_ASSIGNED_TO, false);
+        Abort(TXT_LEFT_SIDE_CANNOT_BE_ASSIGNED_TO);
     }
-    Match(TOKEN_ASSIGN);
-    const Typ literal = Scan();
+    MatchAndScan(TOKEN_ASSIGN);
     if (TokenChar == TOKEN_FUNCTION_BLOCK) {
         AbortFunctionBlockAsValue(target.type);
     }
-    AssignedValue(vars, literal, target.type);
+    AssignedValue(vars, target.type);
     MarkAssigned(target.variable);
     EmitStore(target.operand);
+    return target.type;
 }
 
 // Assignment = Label | Target ":=" BoolExpression ";"
-// The store of the value, or the label.
-void Assignment(const Body& body) {
+// The store of the value, or the label. Returns the type of the value, TYP_NONE for a label.
+Typ Assignment(Body& body) {
     if (TokenChar != TOKEN_RESULT) {
         Match(TOKEN_IDENTIFIER);
     }
-    const Spelling& name = *TokenSpelling;
+    const Spelling& spelling = *TokenSpelling;
     Scan();
     if (TokenChar == TOKEN_COLON) {
-        LabelDefinition(body, name);
-    } else if (TokenChar == TOKEN_LEFT_BRACKET) {
-        AssignTo(body.variables, ElementTarget(body.variables, name));
-    } else {
-        AssignTo(body.variables, VariableTarget(body.variables, name));
+        LabelDefinition(body, spelling);
+        return TYP_NONE;
     }
+    if (TokenChar == TOKEN_LEFT_BRACKET) {
+        return AssignTo(body.variables, ElementTarget(body.variables, spelling));
+    }
+    return AssignTo(body.variables, VariableTarget(body.variables, spelling));
 }
 
 // Tick = TICK ":=" BoolExpression ";"
 // <expression>, "MOV #A0 *TICK"
 void DoTick(const VarsList& vars) {
-    Match(TOKEN_TICK);
-    Scan();
-    Match(TOKEN_ASSIGN);
-    const Typ literal = Scan();
-    AssignedValue(vars, literal, TYP_UDINT);
+    MatchAndScan(TOKEN_TICK);
+    MatchAndScan(TOKEN_ASSIGN);
+    AssignedValue(vars, TYP_UDINT);
     EmitStore(TICK);
 }
 
@@ -169,12 +166,11 @@ void DoTick(const VarsList& vars) {
 
 // ConditionalBranch = Condition THEN Statements
 // <condition>, "JMPF N", [ "L1:" ], <statements>; returns N, which the caller posts.
-Label ConditionalBranch(const Body& body, const LoopLabels& loop) {
-    const Typ literal = Scan();
-    Label pending;
-    Condition(body, literal, pending);
-    Match(TOKEN_THEN);
+Label ConditionalBranch(Body& body, const LoopLabels& loop) {
     Scan();
+    Label pending;
+    Condition(body.variables, pending);
+    MatchAndScan(TOKEN_THEN);
     Label next;
     GetNewLabel(next);
     EmitJumpIfFalse(next, pending);
@@ -187,7 +183,7 @@ Label ConditionalBranch(const Body& body, const LoopLabels& loop) {
 //
 // QUIRK(unposted-label): an IF without ELSIF and ELSE draws the label E and never posts it. The
 // numbers of all later labels follow from that.
-void DoIf(const Body& body, const LoopLabels& loop) {
+void DoIf(Body& body, const LoopLabels& loop) {
     Match(TOKEN_IF);
     Label end;
     GetNewLabel(end);
@@ -222,18 +218,16 @@ void DoIf(const Body& body, const LoopLabels& loop) {
 
 // While = WHILE Condition DO Statements END_WHILE ";"
 // "H:", <condition>, "JMPF X", [ "L1:" ], <statements>, "JMP H", "X:"
-void DoWhile(const Body& body) {
-    Match(TOKEN_WHILE);
-    const Typ literal = Scan();
+void DoWhile(Body& body) {
+    MatchAndScan(TOKEN_WHILE);
     Label head;
     Label exit;
     GetNewLabel(head);
     GetNewLabel(exit);
     PostLabel(head);
     Label pending;
-    Condition(body, literal, pending);
-    Match(TOKEN_DO);
-    Scan();
+    Condition(body.variables, pending);
+    MatchAndScan(TOKEN_DO);
     EmitJumpIfFalse(exit, pending);
     Statements(body, {exit, head}, {TOKEN_END_WHILE});
     MatchEnd(TOKEN_END_WHILE);
@@ -243,18 +237,17 @@ void DoWhile(const Body& body) {
 
 // Repeat = REPEAT Statements UNTIL Condition END_REPEAT ";"
 // "H:", <statements>, <condition>, "JMPF H", "X:"; a true operand of OR jumps straight to X.
-void DoRepeat(const Body& body) {
-    Match(TOKEN_REPEAT);
-    Scan();
+void DoRepeat(Body& body) {
+    MatchAndScan(TOKEN_REPEAT);
     Label head;
     Label exit;
     GetNewLabel(head);
     GetNewLabel(exit);
     PostLabel(head);
     Statements(body, {exit, head}, {TOKEN_UNTIL});
-    const Typ literal = Scan();
+    Scan();
     Label conditionExit = exit;
-    Condition(body, literal, conditionExit);
+    Condition(body.variables, conditionExit);
     MatchEnd(TOKEN_END_REPEAT);
     Emit(sJMPF, head);
     PostLabel(exit);
@@ -269,28 +262,28 @@ struct Direction {
 constexpr Direction UPWARDS = {sGE, sADD};
 constexpr Direction DOWNWARDS = {sLE, sSUB};
 
-void CheckControlType(Typ typ) {
-    if (!IsTypOrdinal(typ)) {
-        Abort(TXT_FOR_LOOP_CONTROL_VARIABLE_MUST_HAVE_ORDINAL_TYPE, false);
+void CheckControlType(Typ type) {
+    if (!IsTypOrdinal(type)) {
+        Abort(TXT_FOR_LOOP_CONTROL_VARIABLE_MUST_HAVE_ORDINAL_TYPE);
     }
 }
 
-// The start or the bound of a FOR, an Expression that converts to an integer type.
-void ControlValue(const VarsList& vars, Typ literal, Typ control) {
-    CheckControlType(ConvertTyp(control, Expression(vars, literal), false));
+// The start or the bound of a FOR, an Expression that converts to an integer type; its first
+// token is current.
+void ControlValue(const VarsList& vars, Typ control) {
+    CheckControlType(ConvertTyp(control, Expression(vars, CurrentToken.type)));
 }
 
 // ForStart = Name ":=" Expression
 // <expression>, "MOV #A0 @name"; returns the control variable.
-VarItem& ForStart(const VarsList& vars, const Spelling& name) {
-    VarItem& variable = IsVarInVarsList(vars, name);
+VarItem& ForStart(const VarsList& vars, const Spelling& spelling) {
+    VarItem& variable = IsVarInVarsList(vars, spelling);
     CheckControlType(variable.type);
+    ScanAndMatch(TOKEN_ASSIGN);
     Scan();
-    Match(TOKEN_ASSIGN);
-    const Typ literal = Scan();
-    ControlValue(vars, literal, variable.type);
+    ControlValue(vars, variable.type);
     MarkAssigned(variable);
-    EmitStore(OperandOf(variable, name));
+    EmitStore(OperandOf(variable, spelling));
     return variable;
 }
 
@@ -299,8 +292,8 @@ VarItem& ForStart(const VarsList& vars, const Spelling& name) {
 const Direction& ForBound(const VarsList& vars, Typ control) {
     Match(TOKEN_TO, TOKEN_DOWNTO);
     const Direction& direction = TokenChar == TOKEN_TO ? UPWARDS : DOWNWARDS;
-    const Typ literal = Scan();
-    ControlValue(vars, literal, control);
+    Scan();
+    ControlValue(vars, control);
     EmitPush();
     return direction;
 }
@@ -308,11 +301,7 @@ const Direction& ForBound(const VarsList& vars, Typ control) {
 // The test of FOR: the variable against the bound, which goes back on the stack.
 void EmitForTest(const Operand& control, const Direction& direction, Label exit) {
     EmitLoad(control);
-    EmitPopToR0();
-    EmitR0Operation(direction.compareBound);
-    EmitTest();
-    EmitPushFromR0();
-    Emit(sJMPF, exit);
+    EmitWaitingTest(direction.compareBound, exit);
 }
 
 // The step of FOR, always 1.
@@ -327,7 +316,7 @@ void EmitForStep(const Operand& control, const Direction& direction) {
 //
 // QUIRK(for-by-reference): test and step address the variable by value even when it is held by
 // reference, while the start is stored through the reference. Target code is fixed.
-void DoFor(const Body& body) {
+void DoFor(Body& body) {
     Match(TOKEN_FOR);
     Label head;
     Label exit;
@@ -335,11 +324,10 @@ void DoFor(const Body& body) {
     GetNewLabel(head);
     GetNewLabel(exit);
     GetNewLabel(step);
-    Scan();
-    Match(TOKEN_IDENTIFIER);
-    const Spelling& name = *TokenSpelling;
-    const Operand control = {BY_VALUE, name.utf8};
-    const VarItem& variable = ForStart(body.variables, name);
+    ScanAndMatch(TOKEN_IDENTIFIER);
+    const Spelling& spelling = *TokenSpelling;
+    const Operand control = {BY_VALUE, spelling.utf8};
+    const VarItem& variable = ForStart(body.variables, spelling);
     const Direction& direction = ForBound(body.variables, variable.type);
     ++body.stackDepth;
     Match(TOKEN_DO);
@@ -362,43 +350,59 @@ void DoFor(const Body& body) {
 
 enum class TWhatCase : unsigned char { Single, Range };
 
-// The labels of the CASE being compiled.
-struct CaseItems {
-    std::set<qint64> ends;            // single values, and the low and high ends of ranges
-    std::map<qint64, qint64> ranges;  // high ends by low ends; none inside another
+// A label of a CASE; a single value is both its ends.
+struct CaseItem {
+    TWhatCase kind;
+    qint64 low;
+    qint64 high;
 };
 
-bool IsInRange(const CaseItems& items, qint64 value) {
-    const auto behind = items.ranges.upper_bound(value);
-    return behind != items.ranges.begin() && std::prev(behind)->second >= value;
+// The labels of the CASE being compiled and an index of their values.
+struct CaseItems {
+    std::vector<CaseItem> items;      // in source order; the index answers all that is asked
+    std::set<qint64> ends;            // single values, and the low and high ends of ranges
+    std::map<qint64, qint64> ranges;  // high ends by low ends; none inside another
+
+    bool isInRange(qint64 value) const;
+    void append(const CaseItem& item);
+};
+
+bool CaseItems::isInRange(qint64 value) const {
+    const auto next = ranges.upper_bound(value);
+    return next != ranges.begin() && std::prev(next)->second >= value;
+}
+
+// A range that is no duplicate lies either inside an older one or apart from all.
+void CaseItems::append(const CaseItem& item) {
+    items.push_back(item);
+    ends.insert({item.low, item.high});
+    if (item.kind == TWhatCase::Range && !isInRange(item.low)) {
+        ranges.emplace(item.low, item.high);
+    }
 }
 
 // QUIRK(inner-range): a new range that lies strictly inside an older one is not noticed: only
 // the ends of the older range are looked for in the new one. Programs in the field rely on it.
-bool IsDuplicate(const CaseItems& items, TWhatCase kind, qint64 low, qint64 high) {
-    const auto end = items.ends.lower_bound(low);
-    const bool holdsAnEnd = end != items.ends.end() && *end <= high;
-    return holdsAnEnd || (kind == TWhatCase::Single && IsInRange(items, low));
+bool IsDuplicate(const CaseItems& items, const CaseItem& item) {
+    const auto end = items.ends.lower_bound(item.low);
+    const bool holdsAnEnd = end != items.ends.end() && *end <= item.high;
+    return holdsAnEnd || (item.kind == TWhatCase::Single && items.isInRange(item.low));
 }
 
-// Checks a new label against those before it and adds it to them. A range that passes lies either
-// inside an older one or apart from all.
-void CheckCase(CaseItems& items, TWhatCase kind, qint64 low, qint64 high) {
-    if (low > high) {
-        Abort(TXT_CASE_LOW_BOUND_EXCEEDS_HIGH_BOUND, false);
+// Checks a new label against those before it and adds it to them.
+void CheckCase(CaseItems& items, const CaseItem& item) {
+    if (item.low > item.high) {
+        Abort(TXT_CASE_LOW_BOUND_EXCEEDS_HIGH_BOUND);
     }
-    if (IsDuplicate(items, kind, low, high)) {
-        Abort(TXT_CASE_DUPLICATE_CASE_LABEL, false);
+    if (IsDuplicate(items, item)) {
+        Abort(TXT_CASE_DUPLICATE_CASE_LABEL);
     }
-    items.ends.insert({low, high});
-    if (kind == TWhatCase::Range && !IsInRange(items, low)) {
-        items.ranges.emplace(low, high);
-    }
+    items.append(item);
 }
 
 // Scans where a label or a separator of labels may stand: a "." ends a number there.
 void ScanInCase() {
-    Scan(TokenName, true, true);
+    Scan(true);
 }
 
 // A bound of a case label as the source writes it.
@@ -409,14 +413,14 @@ struct CaseBound {
 };
 
 // CaseBound = [ "-" ] Integer
-// The separator behind it is read as well.
+// The separator after it is read as well.
 CaseBound ReadCaseBound() {
     const bool isNegative = TokenChar == TOKEN_MINUS;
     if (isNegative) {
         ScanInCase();
     }
     if (TokenChar != TOKEN_NUMBER) {
-        Abort(TXT_ORDINAL_TYPE_REQUIRED, false);
+        Abort(TXT_ORDINAL_TYPE_REQUIRED);
     }
     const qint64 magnitude = StrToInt64(TokenName);
     CaseBound bound = {TokenName, isNegative, isNegative ? -magnitude : magnitude};
@@ -426,18 +430,13 @@ CaseBound ReadCaseBound() {
 }
 
 // A test of the selector, which stays on the value stack: jumps unless the comparison holds.
-// "MOV <bound> #A0", [ "SUB 0 #A0" ], "MOV $POP #R0", "<comparison> #R0 #A0", "TST #A0",
-// "MOV #R0 $PUSH", "JMPF <target>"
+// "MOV <bound> #A0", [ "SUB 0 #A0" ], <waiting test>
 void EmitCaseTest(const CaseBound& bound, QLatin1String comparison, Label target) {
     EmitLoad(bound.text);
     if (bound.isNegative) {
         EmitNegate();
     }
-    EmitPopToR0();
-    EmitR0Operation(comparison);
-    EmitTest();
-    EmitPushFromR0();
-    Emit(sJMPF, target);
+    EmitWaitingTest(comparison, target);
 }
 
 // The rest of lo ".." hi, ".." being current
@@ -446,7 +445,7 @@ void CaseRange(CaseItems& items, const CaseBound& low, Label branch) {
     ScanInCase();
     const CaseBound high = ReadCaseBound();
     Match(TOKEN_COMMA, TOKEN_COLON);
-    CheckCase(items, TWhatCase::Range, low.value, high.value);
+    CheckCase(items, {TWhatCase::Range, low.value, high.value});
     Label highTest;
     Label next;
     GetNewLabelAndNextLabel(highTest, next);
@@ -465,7 +464,7 @@ void CaseLabel(CaseItems& items, Label branch) {
     if (TokenChar == TOKEN_DOT_DOT) {
         CaseRange(items, bound, branch);
     } else {
-        CheckCase(items, TWhatCase::Single, bound.value, bound.value);
+        CheckCase(items, {TWhatCase::Single, bound.value, bound.value});
         EmitCaseTest(bound, sNE, branch);
     }
 }
@@ -478,7 +477,7 @@ bool IsCaseBranchEnd(Token code) {
 //
 // QUIRK(case-in-loop): the branches of a CASE know no loop: BREAK and CONTINUE are refused in
 // them even when the CASE stands in a loop. The language has it so.
-void CaseBranch(const Body& body) {
+void CaseBranch(Body& body) {
     const NestingGuard guard;
     ScanInCase();
     while (!IsCaseBranchEnd(TokenChar)) {
@@ -489,7 +488,7 @@ void CaseBranch(const Body& body) {
 
 // CaseElement = CaseLabel { "," CaseLabel } ":" Statements
 // <tests>, "JMP N", "B:", <statements>, "JMP E", "N:"
-void CaseElement(const Body& body, CaseItems& items, Label branch, Label next, Label end) {
+void CaseElement(Body& body, CaseItems& items, Label branch, Label next, Label end) {
     CaseLabel(items, branch);
     while (TokenChar == TOKEN_COMMA) {
         ScanInCase();
@@ -504,12 +503,11 @@ void CaseElement(const Body& body, CaseItems& items, Label branch, Label next, L
 
 // CaseSelector = BoolExpression OF
 // <expression>, [ "L1:" ], "MOV #A0 $PUSH"
-void CaseSelector(const Body& body) {
+void CaseSelector(const VarsList& vars) {
     const Typ literal = Scan();
     Label label;
-    const Typ typ = ConvertTyp(literal, BoolExpression(body.variables, literal, label), false);
-    if (!IsTypOrdinal(typ)) {
-        Abort(TXT_ORDINAL_TYPE_REQUIRED, false);
+    if (!IsTypOrdinal(ConvertTyp(literal, BoolExpression(vars, literal, label)))) {
+        Abort(TXT_ORDINAL_TYPE_REQUIRED);
     }
     PostPendingLabel(label);
     EmitPush();
@@ -521,10 +519,10 @@ void CaseSelector(const Body& body) {
 //
 // QUIRK(exit-in-case): the selector on the value stack is not counted in the stack depth, so an
 // EXIT in a branch leaves it there. Target code is fixed. For the same reason a fresh pair of
-// labels is drawn behind every element, the last one included.
-void DoCase(const Body& body) {
+// labels is drawn after every element, the last one included.
+void DoCase(Body& body) {
     Match(TOKEN_CASE);
-    CaseSelector(body);
+    CaseSelector(body.variables);
     Label end;
     Label branch;
     Label next;
@@ -556,7 +554,7 @@ void DoCase(const Body& body) {
 void JumpInLoop(Token keyword, Label target, QLatin1String outsideOfLoop) {
     MatchEnd(keyword);
     if (target.isEmpty()) {
-        Abort(outsideOfLoop, false);
+        Abort(outsideOfLoop);
     }
     Emit(sJMP, target);
 }
@@ -575,7 +573,7 @@ void DoContinue(Label continueLabel) {
 
 // Exit = EXIT ";"
 // "MOV $POP #NIL" for each value on the stack, [ "MOV @RESULT #A0" ], "RET"
-void DoExit(const Body& body) {
+void DoExit(Body& body) {
     MatchEnd(TOKEN_EXIT);
     for (int i = 0; i < body.stackDepth; ++i) {
         EmitDrop();
@@ -589,20 +587,17 @@ void DoExit(const Body& body) {
 // GoTo = GOTO Name ";"
 // "JMP <NAME>"; values on the stack stay there.
 void DoGoTo(LabelsList& labels) {
-    Match(TOKEN_GOTO);
-    Scan();
+    MatchAndScan(TOKEN_GOTO);
     Match(TOKEN_IDENTIFIER);
-    const QString name = TokenSpelling->text.toUpper();
-    Scan();
-    Match(TOKEN_SEMICOLON);
-    AddPeferenceToLabelItemInLabelLists(labels, name);
-    Emit(sJMP, name);
+    const Spelling& label = LabelSpelling(*TokenSpelling);
+    ScanAndMatch(TOKEN_SEMICOLON);
+    Emit(sJMP, AddPeferenceToLabelItemInLabelLists(labels, label).name);
 }
 
 // Statement = Assignment | Tick | If | While | Repeat | For | Case | Break | Continue | Exit
 //     | GoTo | CallStatement
 // A function called as a statement has its result dropped: "MOV $POP #NIL".
-void Statement(const Body& body, const LoopLabels& loop) {
+void Statement(Body& body, const LoopLabels& loop) {
     switch (TokenChar) {
         case TOKEN_IF:
             return DoIf(body, loop);
@@ -625,21 +620,32 @@ void Statement(const Body& body, const LoopLabels& loop) {
         case TOKEN_TICK:
             return DoTick(body.variables);
         case TOKEN_FUNCTION_BLOCK:
-            return DoFuncBlock(body.functions, body.variables);
+            return DoFuncBlock(body.variables);
         case TOKEN_FUNCTION:
-            DoFunc(body.functions, body.variables);
+            DoFunc(body.variables);
             return EmitDrop();
         default:
-            return Assignment(body);
+            Assignment(body);
     }
 }
 
 }  // namespace
 
+// Statements = { Block }
+void Statements(Body& body, const LoopLabels& loop, std::initializer_list<Token> ends) {
+    const NestingGuard guard;
+    while (!IsOneOf(TokenChar, ends)) {
+        Block(body, loop);
+        Scan();
+    }
+}
+
 // Block = Statement | ";"
 // Every statement leaves its own ";" as the current token.
-void Block(const Body& body, const LoopLabels& loop) {
+void Block(Body& body, const LoopLabels& loop) {
+    [[maybe_unused]] const int depth = body.stackDepth;
     while (TokenChar != TOKEN_SEMICOLON) {
         Statement(body, loop);
+        assert(body.stackDepth == depth);
     }
 }

@@ -3,13 +3,21 @@
 // Every statement routine is entered with the statement's first token and returns with its ";" as
 // the current token, matched and not consumed. The order in which the routines draw their code
 // labels decides the numbers in the target code.
+//
+// The order of Scan and writing is output as well: with -i a Scan that reaches a new line echoes
+// it into the listing. A routine writes the items of a head when the token that ends the head has
+// been matched, mostly before the token after that is read, and the items of its end when the ";"
+// has been matched. The label that a condition left pending is posted after the jump of its
+// statement, wherever Scans stand between; the type so far of an expression is that of the token
+// that is current when it begins.
 #pragma once
 
 #include "qyx_globals.h"
 
+#include <initializer_list>
+
 // What all statements of one body share.
 struct Body {
-    const FunctionList& functions;
     const VarsList& variables;
     LabelsList& labels;
     int& stackDepth;  // values that enclosing statements keep on the engine's value stack
@@ -23,5 +31,8 @@ struct LoopLabels {
 };
 
 // Compiles one statement, or none at a ";"; ";" is current on return. Aborts on anything that
-// begins no statement.
-void Block(const Body& body, const LoopLabels& loop);
+// begins no statement. The stack depth is afterwards what it was.
+void Block(Body& body, const LoopLabels& loop);
+
+// Compiles statements up to one of the tokens that end them, which is current on return.
+void Statements(Body& body, const LoopLabels& loop, std::initializer_list<Token> ends);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "qyx_globals.h"
+#include "qyx_text.h"
 
 // ---------------------------------------------------------------------------------------------
 // Diagnostics
@@ -16,17 +17,17 @@
 // ---------------------------------------------------------------------------------------------
 
 // Writes a warning; the compilation goes on.
-void Warning(const QString& text, bool force);
-void Warning(TokenPos pos, const QString& text, bool force);
+void Warning(const QString& text, bool force = false);
+void Warning(TokenPos pos, const QString& text, bool force = false);
 
 // Writes an error and returns: the caller ends the run.
-void Error(const QString& text, bool force);
+void Error(const QString& text, bool force = false);
 
 // Closes all files, deletes the code file and ends the process with status 1.
 [[noreturn]] void Fail();
 
 // Writes an error, then fails.
-[[noreturn]] void Abort(const QString& text, bool force);
+[[noreturn]] void Abort(const QString& text, bool force = false);
 
 // Aborts with `what` + " expected".
 [[noreturn]] void Expected(const QString& what);
@@ -36,29 +37,6 @@ void Error(const QString& text, bool force);
 
 // Aborts with An unrecognized keyword "name".
 [[noreturn]] void Unrecognized(QStringView name);
-
-// Abort unless the current token is an identifier: a program's, a function's or a function
-// block's name must stand here.
-void MatchProgName();
-void MatchFuncName();
-void MatchProcName();
-
-// The levels of nesting, counted over all constructs together, that a script may reach.
-constexpr int NESTING_LIMIT = 2000;
-
-// One level of nesting for as long as it lives. Whatever recurses into itself (parentheses,
-// right operands, actual parameters, array indices, bodies of statements) makes one first, so
-// that no source can exhaust the stack: beyond the limit it aborts with "Too deep nesting".
-class NestingGuard {
-public:
-    NestingGuard();
-    ~NestingGuard();
-    NestingGuard(const NestingGuard&) = delete;
-    NestingGuard& operator=(const NestingGuard&) = delete;
-
-private:
-    static int depth_;
-};
 
 // ---------------------------------------------------------------------------------------------
 // The catalogue

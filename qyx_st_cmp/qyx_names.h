@@ -1,8 +1,12 @@
 // Names, and lists of records that are found by name.
 //
 // A word of the source is looked up once, when it is scanned: its spelling leads to all that is
-// known about the name, and names are equal exactly if they are the same Name.
+// known about the name. Three words are kept apart: a name is a text, a spelling is one way to
+// write a name, with what its uses ask, and an identity is what spellings that differ in case
+// alone have in common. Names are equal exactly if their identity is the same object.
 #pragma once
+
+#include "qyx_tables.h"
 
 #include <QString>
 #include <QStringView>
@@ -13,29 +17,28 @@
 #include <utility>
 #include <vector>
 
-constexpr int NO_ROW = -1;  // of a word that stands in no table
-
-// One name in all its spellings; spellings that differ in case alone are one name.
-struct Name {
+// What all spellings of one name share.
+struct Identity {
     std::size_t hash;  // of the case-folded characters
     QString text;      // the spelling seen first
     int row;           // in TokensTable, NO_ROW if the name is no token
-    int typeRow;       // in TypsTable, NO_ROW if the name is no type
+    int typRow;        // in TypsTable, NO_ROW if the name is no type
 };
 
 constexpr std::size_t CACHE_LINE_SIZE = 64;
 
-// One way to spell a name. What every use of the name asks is repeated from Name, so that one
-// cache line holds it all.
+// One way to spell a name. What every use of the name asks is repeated from its identity, so that
+// one cache line holds it all.
 struct alignas(CACHE_LINE_SIZE) Spelling {
-    const Name* name;
-    std::size_t nameHash;
+    const Identity* identity;
+    std::size_t identityHash;
     int row;
     QString text;
     std::string utf8;
 };
 
-// The one spelling with that text; it lives as long as the process.
+// The one spelling with that text; it lives as long as the process. The reserved words and types
+// are known from the start.
 const Spelling& SpellingOf(QStringView text);
 
 // The text, kept for as long as the process lives.
@@ -92,8 +95,8 @@ private:
     }
 };
 
-// Records in the order in which they were appended, found by their names without regard to case.
-// A record stays where it is while others are appended. Names neither change nor repeat.
+// Records in the order in which they were appended, found by the identity of their `spelling`. A
+// record stays where it is while others are appended. Names neither change nor repeat.
 template <typename Record>
 class NameList {
 public:
@@ -105,23 +108,19 @@ public:
     ~NameList() = default;
 
     Record& append(Record record) {
-        const Name* name = SpellingOf(record.name).name;
-        return append(name, std::move(record));
-    }
-    Record& append(const Name* name, Record record) {
         Record& stored = records_.emplace_back(std::move(record));
-        index_.insert({name, &stored});
+        index_.insert({stored.spelling->identity, &stored});
         return stored;
     }
     // The record of that name, or null. A list that may not grow still lets its records be
     // marked.
     Record* find(const Spelling& spelling) const {
-        const Name* name = spelling.name;
+        const Identity* identity = spelling.identity;
         return index_
-            .find(spelling.nameHash, [name](const Slot& slot) { return slot.name == name; })
+            .find(spelling.identityHash,
+                  [identity](const Slot& slot) { return slot.identity == identity; })
             .record;
     }
-    Record* find(QStringView text) const { return find(SpellingOf(text)); }
     void clear() { *this = NameList(); }
     bool isEmpty() const { return records_.empty(); }
     auto begin() const { return records_.begin(); }
@@ -129,11 +128,11 @@ public:
 
 private:
     struct Slot {
-        const Name* name = nullptr;
+        const Identity* identity = nullptr;
         Record* record = nullptr;
 
-        explicit operator bool() const { return name != nullptr; }
-        std::size_t hash() const { return name->hash; }
+        explicit operator bool() const { return identity != nullptr; }
+        std::size_t hash() const { return identity->hash; }
     };
 
     std::list<Record> records_;

@@ -8,8 +8,6 @@
 #include "qyx_scanner.h"
 #include "qyx_types.h"
 
-#include <cassert>
-
 QString ProgramName;
 
 namespace {
@@ -21,13 +19,15 @@ namespace {
 constexpr QLatin1String CONSTANT_HINT = "Hint: A constant must be initialized"_L1;
 constexpr QLatin1String NO_VALUE = "0"_L1;  // the value field of a variable without initial value
 
-// How a section of declarations treats its variables.
+// How a section of declarations treats its variables. A section of engine variables binds them to
+// objects of the engine by numbers.
 struct Section {
     Token keyword;
     QLatin1String code;  // the field of the declaration line that names the section
     bool allowConstant;
     bool allowInit;
     bool isInitialized;
+    int engineNumbers = 0;
 };
 
 constexpr Section VAR_SECTION = {TOKEN_VAR, sV, true, true, false};
@@ -36,10 +36,16 @@ constexpr Section OUTPUT_SECTION = {TOKEN_VAR_OUTPUT, sVO, false, true, false};
 constexpr Section GLOBAL_SECTION = {TOKEN_VAR_GLOBAL, sVG, true, true, false};
 constexpr Section ARG_SECTION = {TOKEN_VAR_ARG, sARG, false, false, true};
 constexpr Section REF_SECTION = {TOKEN_VAR_REF, sREF, false, false, true};
+constexpr Section YXGLOBAL_SECTION = {TOKEN_VAR_YXGLOBAL, sYXVG, false, false, true, 1};
+constexpr Section YXREGISTER_SECTION = {TOKEN_VAR_YXREGISTER, sYXVR, false, false, true, 4};
 
 bool IsDeclVars(Token code) {
     return (code >= TOKEN_VAR && code <= TOKEN_VAR_YXREGISTER) || code == TOKEN_VAR_ARG ||
            code == TOKEN_VAR_REF;
+}
+
+bool IsDeclFuncVars(Token code) {
+    return IsDeclVars(code);
 }
 
 bool IsEndDeclVars(Token code) {
@@ -48,45 +54,50 @@ bool IsEndDeclVars(Token code) {
 
 // Aborts with <using> "name" here is illegal.
 [[noreturn]] void AbortIllegalName(QLatin1String usingWhat, QStringView name) {
-    Abort(StringsToString(usingWhat, " ", Quoted(name), " ", TXT_HERE_IS_ILLEGAL), false);
+    Abort(StringsToString(usingWhat, " ", Quoted(name), " ", TXT_HERE_IS_ILLEGAL));
 }
 
-void CheckNotReserved(const Spelling& name) {
-    if (IsItReservedWord(name)) {
-        AbortIllegalName(TXT_USING_RESERVED_WORD, name.text);
+void CheckNotReserved(const Spelling& spelling) {
+    if (IsItReservedWord(spelling)) {
+        AbortIllegalName(TXT_USING_RESERVED_WORD, spelling.text);
     }
 }
 
 // A name that may be declared: no reserved word and no function.
-void CheckNewName(const Spelling& name) {
-    CheckNotReserved(name);
-    if (IsItInFunctionsList(FunctionsList, name)) {
-        AbortIllegalName(TXT_USING_FUNCTION_NAME, name.text);
+void CheckNewName(const Spelling& spelling) {
+    CheckNotReserved(spelling);
+    if (IsItInFunctionsList(FunctionsList, spelling)) {
+        AbortIllegalName(TXT_USING_FUNCTION_NAME, spelling.text);
     }
 }
 
-// A type name that a variable may have. `keyword` receives it in upper case.
-Typ DeclaredType(QString& keyword) {
-    GetType(keyword, true);
-    const Typ type = IsTypInTypsTable(keyword);
+// The type whose name comes next.
+Typ NamedType() {
+    GetType();
+    return IsTypInTypsTable(*TokenSpelling);
+}
+
+// A type that a variable may have.
+Typ DeclaredType() {
+    const Typ type = NamedType();
     if (type == TYP_STRING) {
-        Abort(TXT_STRING_DISABLED_IN_CURRENT_VERTION, false);
+        Abort(TXT_STRING_DISABLED_IN_CURRENT_VERTION);
     }
     if (type == TYP_ARRAY) {
-        Abort(TXT_ARRAY_DISABLED_IN_CURRENT_VERTION, false);
+        Abort(TXT_ARRAY_DISABLED_IN_CURRENT_VERTION);
     }
     return type;
 }
 
 // SignedNumber = [ "-" | "+" ] Number
-// Returns the text as target code has it, "-" kept and "+" dropped.
-QString SignedNumber(Typ declared, Typ literal) {
+// Its first token is current. Returns the text as target code has it, "-" kept and "+" dropped.
+QString SignedNumber(Typ declared) {
     const bool isNegative = TokenChar == TOKEN_MINUS;
     if (isNegative || TokenChar == TOKEN_PLUS) {
-        literal = Scan();
+        Scan();
     }
     Match(TOKEN_NUMBER);
-    ConvertTyp(declared, literal, false);
+    ConvertTyp(declared, CurrentToken.type);
     return isNegative ? StringsToString("-", TokenName) : TokenName.toString();
 }
 
@@ -103,8 +114,8 @@ QString BooleanValue() {
 }
 
 // InitialValue = SignedNumber | TRUE | FALSE
-// Returns the value field of the declaration line.
-QString InitialValue(Typ declared, Typ literal) {
+// Its first token is current. Returns the value field of the declaration line.
+QString InitialValue(Typ declared) {
     if (TokenChar == TOKEN_STRING) {
         AbortIncompatible(declared, TYP_STRING);  // no type that can be declared takes a string
     }
@@ -112,7 +123,7 @@ QString InitialValue(Typ declared, Typ literal) {
     if (IsTypBoolean(declared) && !isSigned) {
         return BooleanValue();
     }
-    return SignedNumber(declared, literal);
+    return SignedNumber(declared);
 }
 
 // Initialization = [ ":=" InitialValue ] ";"
@@ -127,14 +138,13 @@ QString Initialization(const Section& section, VarItem& variable) {
         return NO_VALUE;
     }
     if (!section.allowInit) {
-        Abort(TXT_THIS_VAIABLE_CANNOT_BE_INITIALIZED, false);
+        Abort(TXT_THIS_VAIABLE_CANNOT_BE_INITIALIZED);
     }
-    const Typ literal = Scan();
-    const QString value = InitialValue(variable.type, literal);
+    Scan();
+    const QString value = InitialValue(variable.type);
     variable.isInitialized = true;
     variable.mayBeUninitialized = false;
-    Scan();
-    Match(TOKEN_SEMICOLON);
+    ScanAndMatch(TOKEN_SEMICOLON);
     return value;
 }
 
@@ -143,33 +153,26 @@ QString Initialization(const Section& section, VarItem& variable) {
 // QUIRK(mixed-case-literal): a BOOL initialised with a literal of mixed case, as True, has no
 // value field, and an empty item stands in place of its declaration. Programs in the field rely
 // on it.
-void EmitDeclaration(const Section& section, QStringView name, const QString& keyword,
-                     const QString& value) {
+void EmitDeclaration(const Section& section, const VarItem& variable, const QString& value) {
     if (value.isEmpty()) {
         WriteItem(QStringView(value));
     } else {
-        WriteItem(name, ' ', section.code, ' ', keyword, ' ', value);
+        WriteItem(std::string_view(variable.spelling->utf8), ' ', section.code, ' ',
+                  TypToStr(variable.type), ' ', value);
     }
 }
 
-// DeclaredName = [ CONSTANT ] Name
-// The first token is current in `name`.
-// Returns the record with what is known so far.
-VarItem DeclaredName(const Section& section, QStringView& name, const VarsList& list,
-                     const VarsList& otherList) {
-    VarItem variable;
-    if (TokenChar == TOKEN_CONSTANT) {
-        if (!section.allowConstant) {
-            Abort(TXT_THIS_VAIABLE_CANNOT_BE_CONSTANT, false);
-        }
-        variable.isConstant = true;
-        Scan(name, false, true);
+void CheckConstant(const Section& section) {
+    if (!section.allowConstant) {
+        Abort(TXT_THIS_VAIABLE_CANNOT_BE_CONSTANT);
     }
-    const Spelling& spelling = SpellingOf(name);
-    CheckNewName(spelling);
-    CheckDuplicate(spelling, list, otherList);
+}
+
+// A name that is declared, which is current. Returns the record with what is known so far.
+VarItem NamedVariable(const Section& section) {
     Match(TOKEN_IDENTIFIER);
-    variable.name = spelling.text;
+    VarItem variable;
+    variable.spelling = TokenSpelling;
     variable.isReference = section.keyword == TOKEN_VAR_REF;
     variable.isInitialized = section.isInitialized;
     variable.declBegin = IdentPlace.begin;
@@ -177,160 +180,160 @@ VarItem DeclaredName(const Section& section, QStringView& name, const VarsList& 
     return variable;
 }
 
+// The current token as a name, whatever it is: names are checked before the kind of the token is.
+const Spelling& CurrentName() {
+    return TokenSpelling != nullptr ? *TokenSpelling : SpellingOf(CurrentToken.text);
+}
+
+// DeclaredName = [ CONSTANT ] Name
+// The first token is current. Returns the record with what is known so far.
+VarItem DeclaredName(const Section& section, const VarsList& list, const VarsList& otherList) {
+    const bool isConstant = TokenChar == TOKEN_CONSTANT;
+    if (isConstant) {
+        CheckConstant(section);
+        ScanDeclared();
+    }
+    const Spelling& spelling = CurrentName();
+    CheckNewName(spelling);
+    CheckDuplicate(spelling, list, otherList);
+    VarItem variable = NamedVariable(section);
+    variable.isConstant = isConstant;
+    return variable;
+}
+
 // Declaration = DeclaredName ":" Type Initialization
 // "<name> <section> <TYPE> <value>"; at END_VAR there is none.
 //
-// QUIRK(quoted-token-before): the name is read into a text of its own, so "expected but"
-// messages about a token in its place quote the token before. Messages are fixed.
+// QUIRK(quoted-token-before): the name is scanned as a declared one, so "expected but" messages
+// about a token in its place quote the token before. Messages are fixed.
 void DoAllocDecl(const Section& section, VarsList& list, const VarsList& otherList) {
-    QStringView name;
-    Scan(name, false, true);
+    ScanDeclared();
     if (IsEndDeclVars(TokenChar)) {
         return;
     }
-    VarItem declared = DeclaredName(section, name, list, otherList);
-    Scan();
-    Match(TOKEN_COLON);
-    QString keyword;
-    declared.type = DeclaredType(keyword);
+    VarItem declared = DeclaredName(section, list, otherList);
+    ScanAndMatch(TOKEN_COLON);
+    declared.type = DeclaredType();
     VarItem& variable = AddVarToVarsList(list, std::move(declared));
     const QString value = Initialization(section, variable);
-    EmitDeclaration(section, name, keyword, value);
+    EmitDeclaration(section, variable, value);
     SkipWhite();
+}
+
+// ---------------------------------------------------------------------------------------------
+// One declaration of an engine variable
+// ---------------------------------------------------------------------------------------------
+
+// EngineNumbers = "(" SignedNumber { "," SignedNumber } ")"
+// Returns the numbers, a blank between them.
+QString EngineNumbers(const Section& section, Typ declared) {
+    ScanAndMatch(TOKEN_LEFT_PARENTHESIS);
+    Scan();
+    QString numbers = SignedNumber(declared);
+    for (int i = 1; i < section.engineNumbers; ++i) {
+        ScanAndMatch(TOKEN_COMMA);
+        Scan();
+        numbers += StringsToString(" ", SignedNumber(declared));
+    }
+    ScanAndMatch(TOKEN_RIGHT_PARENTHESIS);
+    return numbers;
+}
+
+// EngineDeclaration = Name ":" Type EngineNumbers ";"
+// "<name> <section> <TYPE> <numbers>"; at END_VAR there is none.
+void DoAllocDeclYX(const Section& section, VarsList& vars) {
+    Scan();
+    if (IsEndDeclVars(TokenChar)) {
+        return;
+    }
+    if (TokenChar == TOKEN_CONSTANT) {
+        CheckConstant(section);
+    }
+    CheckNewName(CurrentName());
+    VarItem declared = NamedVariable(section);
+    ScanAndMatch(TOKEN_COLON);
+    declared.type = DeclaredType();
+    const VarItem& variable = AddVarToVarsList(vars, std::move(declared));
+    const QString numbers = EngineNumbers(section, variable.type);
+    ScanAndMatch(TOKEN_SEMICOLON);
+    EmitDeclaration(section, variable, numbers);
+}
+
+void DoAllocDeclYXGlobal(const Section& section, VarsList& vars) {
+    DoAllocDeclYX(section, vars);
+}
+
+void DoAllocDeclYXRegister(const Section& section, VarsList& vars) {
+    DoAllocDeclYX(section, vars);
 }
 
 // ---------------------------------------------------------------------------------------------
 // Sections
 // ---------------------------------------------------------------------------------------------
 
-// Section = { Declaration } END_VAR
-// The keyword of the section, which is current, tells what its declarations may have.
-void DoSection(const Section& section, VarsList& list, const VarsList& otherList) {
+// The keyword of the section, which is current, then declarations up to END_VAR.
+template <typename AllocDecl>
+void DoSection(const Section& section, const AllocDecl& allocDecl) {
     Match(section.keyword);
     do {
-        DoAllocDecl(section, list, otherList);
+        allocDecl(section);
     } while (!IsEndDeclVars(TokenChar));
+}
+
+// Section = { Declaration } END_VAR
+void DoVarSection(const Section& section, VarsList& list,
+                  const VarsList& otherList = VarsList()) {
+    DoSection(section, [&](const Section& s) { DoAllocDecl(s, list, otherList); });
 }
 
 // The sections, each entered with its keyword; they write the lines of their declarations. Those
 // of a definition tell its arguments from its locals.
 void DoDecl_VAR(VarsList& vars) {
-    DoSection(VAR_SECTION, vars, VarsList());
+    DoVarSection(VAR_SECTION, vars);
 }
 
 void DoDecl_VAR(const VarsList& args, VarsList& locals) {
-    DoSection(VAR_SECTION, locals, args);
+    DoVarSection(VAR_SECTION, locals, args);
 }
 
 void DoDecl_VAR_INPUT(VarsList& vars) {
-    DoSection(INPUT_SECTION, vars, VarsList());
+    DoVarSection(INPUT_SECTION, vars);
 }
 
 void DoDecl_VAR_OUTPUT(VarsList& vars) {
-    DoSection(OUTPUT_SECTION, vars, VarsList());
+    DoVarSection(OUTPUT_SECTION, vars);
 }
 
 void DoDecl_VAR_GLOBAL(VarsList& vars) {
-    DoSection(GLOBAL_SECTION, vars, VarsList());
+    DoVarSection(GLOBAL_SECTION, vars);
 }
 
 void DoDecl_ARG(VarsList& args, const VarsList& locals) {
     CheckOnTop(locals);
-    DoSection(ARG_SECTION, args, locals);
+    DoVarSection(ARG_SECTION, args, locals);
 }
 
 void DoDecl_ARG_REF(VarsList& args, const VarsList& locals) {
     CheckOnTop(locals);
-    DoSection(REF_SECTION, args, locals);
-}
-
-// ---------------------------------------------------------------------------------------------
-// Sections of engine variables
-// ---------------------------------------------------------------------------------------------
-
-// A section whose variables are bound to objects of the engine by numbers.
-struct EngineSection {
-    Token keyword;
-    QLatin1String code;
-    int numbersCount;
-};
-
-constexpr EngineSection YXGLOBAL_SECTION = {TOKEN_VAR_YXGLOBAL, sYXVG, 1};
-constexpr EngineSection YXREGISTER_SECTION = {TOKEN_VAR_YXREGISTER, sYXVR, 4};
-
-// EngineNumbers = "(" SignedNumber { "," SignedNumber } ")"
-// Returns the numbers, a blank before each.
-QString EngineNumbers(const EngineSection& section, Typ declared) {
-    Scan();
-    Match(TOKEN_LEFT_PARENTHESIS);
-    QString numbers;
-    for (int i = 0; i < section.numbersCount; ++i) {
-        if (i > 0) {
-            Scan();
-            Match(TOKEN_COMMA);
-        }
-        const Typ literal = Scan();
-        numbers += StringsToString(" ", SignedNumber(declared, literal));
-    }
-    Scan();
-    Match(TOKEN_RIGHT_PARENTHESIS);
-    return numbers;
-}
-
-// EngineDeclaration = Name ":" Type EngineNumbers ";"
-// "<name> <section> <TYPE> <numbers>"; at END_VAR there is none.
-void DoAllocDeclYX(const EngineSection& section, VarsList& vars) {
-    Scan();
-    if (IsEndDeclVars(TokenChar)) {
-        return;
-    }
-    if (TokenChar == TOKEN_CONSTANT) {
-        Abort(TXT_THIS_VAIABLE_CANNOT_BE_CONSTANT, false);
-    }
-    VarItem variable;
-    const Spelling& spelling = SpellingOf(TokenName);
-    CheckNewName(spelling);
-    variable.name = spelling.text;
-    Match(TOKEN_IDENTIFIER);
-    variable.isInitialized = true;  // the engine supplies the value
-    variable.declBegin = IdentPlace.begin;
-    variable.declEnd = IdentPlace.end;
-    Scan();
-    Match(TOKEN_COLON);
-    QString keyword;
-    variable.type = DeclaredType(keyword);
-    const VarItem& added = AddVarToVarsList(vars, std::move(variable));
-    const QString numbers = EngineNumbers(section, added.type);
-    Scan();
-    Match(TOKEN_SEMICOLON);
-    WriteItem(added.name, ' ', section.code, ' ', keyword, numbers);
+    DoVarSection(REF_SECTION, args, locals);
 }
 
 // EngineSection = { EngineDeclaration } END_VAR
-void DoEngineSection(const EngineSection& section, VarsList& vars) {
-    Match(section.keyword);
-    do {
-        DoAllocDeclYX(section, vars);
-    } while (!IsEndDeclVars(TokenChar));
-}
-
-// The two sections, each entered with its keyword.
 void DoDecl_VAR_YXGLOBAL(VarsList& vars) {
-    DoEngineSection(YXGLOBAL_SECTION, vars);
+    DoSection(YXGLOBAL_SECTION, [&](const Section& s) { DoAllocDeclYXGlobal(s, vars); });
 }
 
 void DoDecl_VAR_YXREGISTER(VarsList& vars) {
-    DoEngineSection(YXREGISTER_SECTION, vars);
+    DoSection(YXREGISTER_SECTION, [&](const Section& s) { DoAllocDeclYXRegister(s, vars); });
 }
 
 // Aborts with The "VAR_ARG" declaration cannot be used here.
 [[noreturn]] void AbortMisplacedSection() {
-    Abort(StringsToString(TXT_THE, " ", Quoted(TokenName), " ", TXT_DECLARATION_CANNOT_BE_HERE),
-          false);
+    Abort(StringsToString(TXT_THE, " ", Quoted(TokenName), " ", TXT_DECLARATION_CANNOT_BE_HERE));
 }
 
-// Scans the token behind END_VAR and any number of ";" behind that.
-void ScanBehindSection() {
+// Scans the token after END_VAR and any number of ";" after that.
+void ScanAfterSection() {
     Scan();
     while (TokenChar == TOKEN_SEMICOLON) {
         SkipSemicolumn();
@@ -346,16 +349,16 @@ void ScanBehindSection() {
 void WarnAt(TokenPos pos, QLatin1String what, const QString& name, QLatin1String text,
             const QString& unit = QString()) {
     const QString suffix = unit.isEmpty() ? unit : StringsToString(" ", Quoted(unit));
-    Warning(pos, StringsToString(what, " ", Quoted(name), " ", text, suffix), false);
+    Warning(pos, StringsToString(what, " ", Quoted(name), " ", text, suffix));
 }
 
 // Warns of a variable that was never used, or else of one that may never have been assigned.
 void WarnOfVariable(const VarItem& variable, const QString& unit) {
     if (!variable.isUsed) {
-        WarnAt(variable.declBegin, TXT_VARIABLE, variable.name, TXT_IS_DECLARED_BUT_NEVER_USED_IN,
-               unit);
+        WarnAt(variable.declBegin, TXT_VARIABLE, variable.name(),
+               TXT_IS_DECLARED_BUT_NEVER_USED_IN, unit);
     } else if (variable.mayBeUninitialized) {
-        WarnAt(variable.declBegin, TXT_VARIABLE, variable.name,
+        WarnAt(variable.declBegin, TXT_VARIABLE, variable.name(),
                TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED_IN, unit);
     }
 }
@@ -364,7 +367,7 @@ void WarnOfUnusedFunctions() {
     for (const FunctionItem& function : FunctionsList) {
         if (!function.isUsed) {
             WarnAt(function.declBegin, function.isFunction ? TXT_FUNCTION : TXT_FUNCTION_BLOCK,
-                   function.name, TXT_IS_DECLARED_BUT_NEVER_USED);
+                   function.name(), TXT_IS_DECLARED_BUT_NEVER_USED);
         }
     }
 }
@@ -373,53 +376,42 @@ void WarnOfUnusedFunctions() {
 // Functions and function blocks
 // ---------------------------------------------------------------------------------------------
 
-// Appends the record of a new function. Aborts when the name is taken.
-void DoAllocDeclFunc(TokenPlace place, const QString& name) {
-    const Spelling& spelling = SpellingOf(name);
+// Appends the record of a new function, whose name is current. Aborts when the name is taken.
+FunctionItem& DoAllocDeclFunc() {
+    const Spelling& spelling = *TokenSpelling;
     CheckNotReserved(spelling);
     if (IsItInFunctionsList(FunctionsList, spelling)) {
-        Abort(StringsToString(TXT_DUPLICATE_FUNCTION_NAME, Quoted(name)), false);
+        Abort(StringsToString(TXT_DUPLICATE_FUNCTION_NAME, Quoted(spelling.text)));
     }
     FunctionItem function;
-    function.name = name;
-    function.declBegin = place.begin;
-    function.declEnd = place.end;
-    FunctionsList.append(std::move(function));
-}
-
-// The record of a definition that was declared before.
-FunctionItem& DeclaredFunction(const QString& name) {
-    FunctionItem* function = FunctionsList.find(name);
-    assert(function);
-    return *function;
+    function.spelling = &spelling;
+    function.declBegin = IdentPlace.begin;
+    function.declEnd = IdentPlace.end;
+    return FunctionsList.append(std::move(function));
 }
 
 // name, which `matchName` checks
 // "<name>:", the entry of the definition
-QString DefinitionHead(void (*matchName)()) {
-    ScanName(TokenName, false);
+FunctionItem& DefinitionHead(void (*matchName)()) {
+    ScanName();
     matchName();
-    const QString name = TokenName.toString();
-    DoAllocDeclFunc(IdentPlace, name);
+    FunctionItem& function = DoAllocDeclFunc();
     SkipWhite();
-    PostLabel(name);
-    return name;
+    PostLabel(std::string_view(function.spelling->utf8));
+    return function;
 }
 
 // "RESULT V <TYPE> 0"
-void DoAllocFuncResult(const QString& typeName) {
-    WriteItem(sRESULT, ' ', sV, ' ', typeName, ' ', NO_VALUE);
+void DoAllocFuncResult(Typ type) {
+    WriteItem(sRESULT, ' ', sV, ' ', TypToStr(type), ' ', NO_VALUE);
 }
 
 // ":" type
 // "RESULT V <TYPE> 0"
 Typ ResultType() {
-    Scan();
-    Match(TOKEN_COLON);
-    QString keyword;
-    GetType(keyword, true);
-    const Typ type = IsTypInTypsTable(keyword);
-    DoAllocFuncResult(keyword);
+    ScanAndMatch(TOKEN_COLON);
+    const Typ type = NamedType();
+    DoAllocFuncResult(type);
     return type;
 }
 
@@ -438,7 +430,7 @@ void DefinitionSection(VarsList& args, VarsList& locals) {
         default:
             AbortMisplacedSection();
     }
-    ScanBehindSection();
+    ScanAfterSection();
 }
 
 // { DefinitionSection }, unless the definition ends at once
@@ -448,10 +440,10 @@ void ArgsDecls(VarsList& args, VarsList& locals, Token end, bool mayBeginWithRes
         return;
     }
     const bool isBody = mayBeginWithResult && TokenChar == TOKEN_RESULT;
-    if (!IsDeclVars(TokenChar) && !isBody) {
+    if (!IsDeclFuncVars(TokenChar) && !isBody) {
         Unrecognized(TokenName);
     }
-    while (IsDeclVars(TokenChar)) {
+    while (IsDeclFuncVars(TokenChar)) {
         DefinitionSection(args, locals);
     }
 }
@@ -469,8 +461,9 @@ void FBArgsDecls(VarsList& args, VarsList& locals) {
 
 // The result variable that the body of a function sees.
 VarItem ResultVariable(const FunctionItem& function) {
+    static const Spelling& spelling = SpellingOf(QString(sRESULT));
     VarItem result;
-    result.name = sRESULT;
+    result.spelling = &spelling;
     result.type = function.resultType;
     result.declBegin = function.declBegin;
     result.declEnd = function.declEnd;
@@ -479,9 +472,8 @@ VarItem ResultVariable(const FunctionItem& function) {
 
 // Completes the record of the definition and makes `locals` the list that its body sees: the
 // arguments, the locals and, for a function, RESULT.
-void DoAllocFuncArguments(const QString& name, const VarsList& args, VarsList& locals,
+void DoAllocFuncArguments(FunctionItem& function, const VarsList& args, VarsList& locals,
                           bool isFunction, Typ resultType) {
-    FunctionItem& function = DeclaredFunction(name);
     function.arguments.assign(args.begin(), args.end());
     function.isFunction = isFunction;
     function.resultType = resultType;
@@ -500,92 +492,94 @@ void DoAllocFuncArguments(const QString& name, const VarsList& args, VarsList& l
 
 // "BODY:", then for each argument from the last to the first "MOV $POP #A0" and "MOV #A0 @name",
 // or "MOVA #A0 @name" for one by reference: the caller pushed them from first to last.
-void FProlog(const QString& name) {
+void FProlog(const FunctionItem& function) {
     PostLabel(sBODY);
-    const std::vector<VarItem>& arguments = DeclaredFunction(name).arguments;
+    const std::vector<VarItem>& arguments = function.arguments;
     for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
         EmitPop();
         Emit(argument->isReference ? sMOVA : sMOV, ACCUMULATOR,
-             Operand{BY_VALUE, argument->name.toStdString()});
+             Operand{BY_VALUE, argument->spelling->utf8});
     }
 }
 
-bool IsResult(const VarItem& variable) {
-    return StrCmp(variable.name, QString(sRESULT), true) == 0;
+void FBProlog(const FunctionItem& function) {
+    FProlog(function);
 }
 
-void WarnOfFunctionVariables(const QString& name, const VarsList& vars) {
+// Whether it is RESULT, the one variable that has a reserved name.
+bool IsResult(const VarItem& variable) {
+    return IsItReservedWord(*variable.spelling);
+}
+
+void WarnOfFunctionVariables(const FunctionItem& function, const VarsList& vars) {
     for (const VarItem& variable : vars) {
         if (IsResult(variable) && !variable.isUsed) {
-            Warning(StringsToString(TXT_RETURN_VALUE_OF_FUNCTION, " ", Quoted(name), " ",
-                                    TXT_MIGHT_BE_UNDEFINED),
-                    false);
+            Warning(StringsToString(TXT_RETURN_VALUE_OF_FUNCTION, " ", Quoted(function.name()),
+                                    " ", TXT_MIGHT_BE_UNDEFINED));
         } else {
-            WarnOfVariable(variable, name);
+            WarnOfVariable(variable, function.name());
         }
     }
 }
 
 // END_FUNCTION: "MOV @RESULT #A0", "RET"
-void FEpilog(const QString& name, const VarsList& vars) {
+void FEpilog(const FunctionItem& function, const VarsList& vars) {
     Match(TOKEN_END_FUNCTION);
     EmitLoad(RESULT_OPERAND);
-    WarnOfFunctionVariables(name, vars);
+    WarnOfFunctionVariables(function, vars);
     EmitReturn();
     SkipWhite();
 }
 
 // END_FUNCTION_BLOCK: "RET"
-void FBEpilog(const QString& name, const VarsList& vars) {
+void FBEpilog(const FunctionItem& function, const VarsList& vars) {
     Match(TOKEN_END_FUNCTION_BLOCK);
-    WarnOfFunctionVariables(name, vars);
+    WarnOfFunctionVariables(function, vars);
     EmitReturn();
     SkipWhite();
 }
 
-// Statements, up to the token that ends the body
-void BodyStatements(const Body& body, Token end) {
-    while (TokenChar != end) {
-        Block(body, LoopLabels());
-        Scan();
-    }
+// <prologue>, <statements>, <epilogue>
+void FBody(const FunctionItem& function, VarsList& vars, LabelsList& labels, int& stackDepth) {
+    FProlog(function);
+    Body body = {vars, labels, stackDepth, true};
+    Statements(body, LoopLabels(), {TOKEN_END_FUNCTION});
+    FEpilog(function, vars);
 }
 
 // <prologue>, <statements>, <epilogue>
-void FBody(const QString& name, VarsList& vars, LabelsList& labels, int& stackDepth) {
-    FProlog(name);
-    BodyStatements({FunctionsList, vars, labels, stackDepth, true}, TOKEN_END_FUNCTION);
-    FEpilog(name, vars);
-}
-
-// <prologue>, <statements>, <epilogue>
-void FBBody(const QString& name, VarsList& vars, LabelsList& labels, int& stackDepth) {
-    FProlog(name);
-    BodyStatements({FunctionsList, vars, labels, stackDepth, false}, TOKEN_END_FUNCTION_BLOCK);
-    FBEpilog(name, vars);
+void FBBody(const FunctionItem& function, VarsList& vars, LabelsList& labels, int& stackDepth) {
+    FBProlog(function);
+    Body body = {vars, labels, stackDepth, false};
+    Statements(body, LoopLabels(), {TOKEN_END_FUNCTION_BLOCK});
+    FBEpilog(function, vars);
 }
 
 // Function = FUNCTION Name ":" Type { DefinitionSection } Statements END_FUNCTION
 // "<name>:", "RESULT V <TYPE> 0", <declarations>, <body>
 void DoFunction(LabelsList& labels, int& stackDepth) {
-    const QString name = DefinitionHead(MatchFuncName);
+    FunctionItem& function = DefinitionHead(MatchFuncName);
     const Typ resultType = ResultType();
     VarsList args;
     VarsList locals;
     FArgsDecls(args, locals);
-    DoAllocFuncArguments(name, args, locals, IS_FUNCTION, resultType);
-    FBody(name, locals, labels, stackDepth);
+    DoAllocFuncArguments(function, args, locals, IS_FUNCTION, resultType);
+    FBody(function, locals, labels, stackDepth);
 }
 
 // FunctionBlock = FUNCTION_BLOCK Name { DefinitionSection } Statements END_FUNCTION_BLOCK
 // "<name>:", <declarations>, <body>
+//
+// QUIRK(block-calls-itself): a function block that calls itself as its first statement after its
+// sections is called as a function there, and a value is dropped after the call: the name was
+// scanned while the record was still that of a function. Target code is fixed.
 void DoFunction_Block(LabelsList& labels, int& stackDepth) {
-    const QString name = DefinitionHead(MatchProcName);
+    FunctionItem& function = DefinitionHead(MatchProcName);
     VarsList args;
     VarsList locals;
     FBArgsDecls(args, locals);
-    DoAllocFuncArguments(name, args, locals, IS_FUNCTION_BLOCK, TYP_NONE);
-    FBBody(name, locals, labels, stackDepth);
+    DoAllocFuncArguments(function, args, locals, IS_FUNCTION_BLOCK, TYP_NONE);
+    FBBody(function, locals, labels, stackDepth);
 }
 
 }  // namespace
@@ -629,7 +623,7 @@ void Prolog() {
 // "PROG:", "<name>"
 void Header() {
     HeaderProlog();
-    ScanName(TokenName, false);
+    ScanName();
     MatchProgName();
     ProgramName = TokenName.toString();
     WriteItem(QStringView(ProgramName));
@@ -661,7 +655,7 @@ void ProgramSection(VarsList& vars) {
         default:
             AbortMisplacedSection();
     }
-    ScanBehindSection();
+    ScanAfterSection();
 }
 
 // ProgramSection { ProgramSection }
@@ -669,7 +663,7 @@ void ProgramSection(VarsList& vars) {
 void VarsDecls(VarsList& vars) {
     Scan();
     if (!IsDeclVars(TokenChar)) {
-        Abort(TXT_PROGRAM_MUST_START_WITH_DECLARATION_OF_VARIABLES, false);
+        Abort(TXT_PROGRAM_MUST_START_WITH_DECLARATION_OF_VARIABLES);
     }
     VarProlog();
     while (IsDeclVars(TokenChar)) {
@@ -691,7 +685,8 @@ void Epilog(const VarsList& vars) {
 // "MAIN:", <statements>, "RET"
 void Main(VarsList& vars, LabelsList& labels, int& stackDepth) {
     Prolog();
-    BodyStatements({FunctionsList, vars, labels, stackDepth, false}, TOKEN_END_PROGRAM);
+    Body body = {vars, labels, stackDepth, false};
+    Statements(body, LoopLabels(), {TOKEN_END_PROGRAM});
     CheckLabelsInLabelsLists(labels);
     Epilog(vars);
 }

@@ -1,27 +1,19 @@
 #include "qyx_scanner.h"
 
 #include "qyx_files.h"
-#include "qyx_il.h"
-#include "qyx_lists.h"
 #include "qyx_messages.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <initializer_list>
-#include <limits>
 #include <optional>
 
 QChar Look;
 int g_InputCodeFileCurrentLineCount = 0;
 int g_InputCodeFileCurrentPosCount = -1;
-TokenPos TokenPosBeg = {-1, -1};
-TokenPos TokenPosEnd = {-1, -1};
-TokenPlace IdentPlace = {{-1, -1}, {-1, -1}};
-Token TokenChar = TOKEN_UNKNOWN;
-QStringView TokenName;
-const Spelling* TokenSpelling = nullptr;
-int LabelCount = 1;
+bool IsCommentNow = false;
+ScannedToken CurrentToken;
 
 // ---------------------------------------------------------------------------------------------
 // Character classes
@@ -176,7 +168,7 @@ bool IsEndOfInput(QChar c) {
 
 namespace {
 
-// Where a line ends: no comment of one line and no string goes on behind it.
+// Where a line ends: no comment of one line and no string goes on after it.
 bool IsLineEnd(QChar c) {
     return c == QLatin1Char('\n') || IsEndOfInput(c);
 }
@@ -186,16 +178,15 @@ TokenPos LookPlace() {
 }
 
 void StoreTokenBeg(TokenPos place) {
-    TokenPosBeg = place;
-    TokenPosEnd = place;
+    CurrentToken.place = {place, place};
 }
 
 void StoreTokenEnd(TokenPos place) {
-    TokenPosEnd = place;
+    CurrentToken.place.end = place;
 }
 
-// Takes Look and the characters behind it of which isIn holds, no line end among them, and
-// advances behind them. Look itself is taken in any case.
+// Takes Look and the characters after it of which isIn holds, no line end among them, and
+// advances past them. Look itself is taken in any case.
 template <typename Predicate>
 QStringView TakeRun(Predicate isIn) {
     const QStringView run = g_InputCodeFileHandle->takeRun(isIn);
@@ -208,14 +199,14 @@ QStringView TakeOne() {
     return TakeRun([](QChar) { return false; });
 }
 
-// Takes Look, which stands directly behind the text, and returns both.
-QStringView TakeBehind(QStringView text) {
+// Takes Look, which stands directly after the text, and returns both.
+QStringView TakeAfter(QStringView text) {
     return {text.begin(), TakeOne().end()};
 }
 
 // Aborts with `expectedBut` '<Look>' found.
 [[noreturn]] void AbortAtLook(QLatin1String expectedBut) {
-    Abort(StringsToString(expectedBut, " '", Look, "' ", TXT_FOUND), false);
+    Abort(StringsToString(expectedBut, " '", Look, "' ", TXT_FOUND));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -223,7 +214,7 @@ QStringView TakeBehind(QStringView text) {
 // ---------------------------------------------------------------------------------------------
 
 // LineComment = "//" { ? any character but a line feed ? }
-// Look stands behind the "//", white space not skipped.
+// Look stands after the "//", white space not skipped.
 void SkipLineComment() {
     StoreTokenBeg(LookPlace());
     if (!IsLineEnd(Look)) {
@@ -234,58 +225,52 @@ void SkipLineComment() {
 
 // A piece of a multi-line comment: characters that are no operators, or one or two that could
 // make up "*)". Every "*" begins the pair anew, so that "**)" ends a comment as "*)" does.
-QStringView GetEndComment() {
+void GetEndComment() {
+    CurrentToken.code = TOKEN_UNKNOWN;
+    CurrentToken.text = QStringView();
     if (!IsOperation(Look)) {
         TakeRun([](QChar c) { return !IsOperation(c) && !IsLineEnd(c); });
-        return {};
+        return;
     }
     QStringView pair = TakeOne();
     while (pair.size() < 2 && (IsOperation(Look) || Look == QLatin1Char(')'))) {
         const bool beginsAnew = Look == QLatin1Char('*');
-        pair = beginsAnew ? TakeOne() : TakeBehind(pair);
+        pair = beginsAnew ? TakeOne() : TakeAfter(pair);
     }
     StoreTokenEnd({g_InputCodeFileCurrentLineCount, g_InputCodeFileCurrentPosCount - 1});
     SkipWhite();
-    return pair;
+    CurrentToken.text = pair;
+    CurrentToken.code = PunctuationToken(pair);
 }
 
-// Begins a token: echoes its line. Aborts at the end of the source.
-void StartToken() {
-    TypeInputCodeCurrentLine();
-    if (IsEndOfInput(Look)) {
-        Abort(TXT_UNEXPECTED_END_OF_INPUT_FILE, false);
-    }
-}
-
-void ScanCommentPiece(QStringView& text) {
-    StartToken();
-    text = GetEndComment();
-    TokenChar = text.isEmpty() ? TOKEN_UNKNOWN : PunctuationToken(text);
-}
+void ScanToken(bool integerOnly, bool skipWhite);
 
 // BlockComment = "(*" { ? any character ? } "*)"
-// Look stands on the "*" of "(*". Comments do not nest: "(*" within is comment text.
+// Look stands on the "*" of "(*". Comments do not nest: "(*" within is comment text. The comment
+// is read piece by piece, as tokens of its own kind.
 //
-// QUIRK(quoted-comment-piece): the first piece goes to TokenName even where the token is being
-// read into another text, so a message that quotes TokenName after such a comment quotes that
-// piece. Messages are fixed.
-void SkipMultiLinesComment(QStringView& text) {
+// QUIRK(quoted-comment-piece): messages quote the first piece as the token before, so one about a
+// declared name after such a comment quotes that piece. Messages are fixed.
+void SkipMultiLinesComment() {
     GetChar();
     SkipWhite();
-    ScanCommentPiece(TokenName);
+    IsCommentNow = true;
+    ScanToken(false, true);
+    CurrentToken.quoted = CurrentToken.text;
     while (TokenChar != TOKEN_COMMENT_END) {
         SkipWhite();
-        ScanCommentPiece(text);
+        ScanToken(false, true);
     }
     SkipWhite();
+    IsCommentNow = false;
 }
 
 // Comment = LineComment | BlockComment
-void SkipComment(Token code, QStringView& text) {
+void SkipComment(Token code) {
     if (code == TOKEN_LINE_COMMENT) {
         SkipLineComment();
     } else {
-        SkipMultiLinesComment(text);
+        SkipMultiLinesComment();
     }
 }
 
@@ -303,36 +288,37 @@ void CheckNameBegin(bool (*isBegin)(QChar)) {
         return;
     }
     if (IsDigit(Look)) {
-        Abort(TXT_IDENTIFIER_EXPECTED_BUT_NUMBER_FOUND, false);
+        Abort(TXT_IDENTIFIER_EXPECTED_BUT_NUMBER_FOUND);
     }
     AbortAtLook(TXT_IDENTIFIER_EXPECTED_BUT);
 }
 
 // Name = Letter { Letter | Digit }
 // It is kept as written.
-QStringView GetNameR(bool skipWhite) {
+void GetNameR(bool skipWhite) {
     StoreTokenBeg(LookPlace());
     CheckNameBegin(IsAlphaR);
     const QStringView name = TakeRun(IsAlphaOrDigitR);
     StoreTokenEnd(LookPlace());
-    TokenSpelling = &SpellingOf(name);
-    const int row = TokenSpelling->row;
-    TokenChar = row == NO_ROW ? TOKEN_IDENTIFIER : TokensTable[row].code;
+    const Spelling& spelling = SpellingOf(name);
+    CurrentToken.text = name;
+    CurrentToken.spelling = &spelling;
+    CurrentToken.code =
+        spelling.row == NO_ROW ? TOKEN_IDENTIFIER : TokensTable[spelling.row].code;
     if (skipWhite) {
         SkipWhite();
     }
-    return name;
 }
 
 // String = "'" { ? any character but an apostrophe and a line feed ? } "'"
 // It is upper-cased.
-QStringView GetString() {
+void GetString() {
     QString text;
     StoreTokenBeg(LookPlace());
     GetChar();
     while (!IsString(Look)) {
         if (IsLineEnd(Look)) {
-            Abort(TXT_UNTERMINATED_STRING, false);
+            Abort(TXT_UNTERMINATED_STRING);
         }
         text += Look.toUpper();
         GetChar();
@@ -340,26 +326,28 @@ QStringView GetString() {
     StoreTokenEnd(LookPlace());
     GetChar();
     SkipWhite();
-    return KeepText(text);
+    CurrentToken.text = KeepText(text);
+    CurrentToken.code = TOKEN_STRING;
 }
 
 // Operator = OperatorSign [ OperatorSign ]
 //
-// QUIRK(sign-pairs): two operation characters always make one token, so "a+-b" holds the
-// unknown token "+-". A blank between them is the language's way to write two operators. The
-// white space behind "//" is comment text and stays.
-QStringView GetOperation() {
+// QUIRK(sign-pairs): two operation characters always make one token, so "a+-b" holds the unknown
+// token "+-". A blank between them is the language's way to write two operators.
+//
+// The white space after "//" is comment text and stays.
+void GetOperation() {
     StoreTokenBeg(LookPlace());
     QStringView text = TakeOne();
     if (IsOperation(Look)) {
-        text = TakeBehind(text);
+        text = TakeAfter(text);
     }
     StoreTokenEnd(LookPlace());
-    TokenChar = PunctuationToken(text);
+    CurrentToken.text = text;
+    CurrentToken.code = PunctuationToken(text);
     if (TokenChar != TOKEN_LINE_COMMENT) {
         SkipWhite();
     }
-    return text;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -384,11 +372,12 @@ struct Notation {
 // QUIRK(octal-types): an octal literal is typed by its digits read in base 16, so 8#377 is an
 // INT and not a USINT. Programs in the field rely on the types that follow; the value itself is
 // read in base 8.
-constexpr std::array<Notation, 3> NOTATIONS = {{
-    {"16#"_L1, 16, 16, NUMBER_LENGTH_LIMIT, IsHexDigit, TXT_HEX_NUMBER_EXPECTED_BUT},
-    {"8#"_L1, 8, 16, NUMBER_LENGTH_LIMIT, IsOctDigit, TXT_OCT_NUMBER_EXPECTED_BUT},
-    {"2#"_L1, 2, 2, BIN_DIGITS_LIMIT, IsBinDigit, TXT_BIN_NUMBER_EXPECTED_BUT},
-}};
+constexpr Notation HEX_NOTATION = {
+    "16#"_L1, 16, 16, NUMBER_LENGTH_LIMIT, IsHexDigit, TXT_HEX_NUMBER_EXPECTED_BUT};
+constexpr Notation OCT_NOTATION = {
+    "8#"_L1, 8, 16, NUMBER_LENGTH_LIMIT, IsOctDigit, TXT_OCT_NUMBER_EXPECTED_BUT};
+constexpr Notation BIN_NOTATION = {"2#"_L1,          2,          2,
+                                   BIN_DIGITS_LIMIT, IsBinDigit, TXT_BIN_NUMBER_EXPECTED_BUT};
 
 // The integer types by the largest literal that each takes.
 struct LiteralRange {
@@ -410,13 +399,13 @@ Typ TypeOfInteger(qint64 value) {
             return range.type;
         }
     }
-    Abort(TXT_TOO_MUCH_CONSTANT, false);
+    Abort(TXT_TOO_MUCH_CONSTANT);
 }
 
 void AppendToNumber(QString& text, QChar c) {
     text += c;
     if (text.size() > NUMBER_LENGTH_LIMIT) {
-        Abort(TXT_TOO_MUCH_CONSTANT, false);
+        Abort(TXT_TOO_MUCH_CONSTANT);
     }
 }
 
@@ -429,9 +418,9 @@ void TakeDigits(QString& text, bool (*isDigit)(QChar)) {
 
 // The notation whose prefix, the only "#" being at its end, begins the text, or null.
 const Notation* NotationOf(QStringView text) {
-    for (const Notation& notation : NOTATIONS) {
-        if (text.startsWith(notation.prefix)) {
-            return &notation;
+    for (const Notation* notation : {&HEX_NOTATION, &OCT_NOTATION, &BIN_NOTATION}) {
+        if (text.startsWith(notation->prefix)) {
+            return notation;
         }
     }
     return nullptr;
@@ -451,9 +440,7 @@ std::optional<qint64> ValueOf(QStringView digits, int base) {
     return isInRange ? std::optional(value) : std::nullopt;
 }
 
-// BasedNumber = "16#" HexDigit { HexDigit } | "8#" OctDigit { OctDigit }
-//     | "2#" BinDigit { BinDigit }
-// The prefix stands in the text already; Look stands behind it.
+// The digits of a based number. The prefix stands in the text already; Look stands after it.
 Typ GetBasedDigit(const Notation& notation, QString& text) {
     if (!notation.isDigit(Look)) {
         AbortAtLook(notation.digitExpectedBut);
@@ -464,13 +451,13 @@ Typ GetBasedDigit(const Notation& notation, QString& text) {
     const QStringView digits = QStringView(text).mid(notation.prefix.size());
     const std::optional<qint64> value = ValueOf(digits, notation.typingBase);
     if (!value || digits.size() > notation.digitsLimit) {
-        Abort(TXT_TOO_MUCH_CONSTANT, false);
+        Abort(TXT_TOO_MUCH_CONSTANT);
     }
     return TypeOfInteger(*value);
 }
 
 // Fraction = { Digit } [ "E" [ "+" | "-" ] { Digit } ]
-// The integer part and "." stand in the text already. No digit behind the "." reads as "0".
+// The integer part and "." stand in the text already. No digit after the "." reads as "0".
 Typ GetFloatDigit(QString& text) {
     if (!IsDigit(Look)) {
         AppendToNumber(text, QLatin1Char('0'));
@@ -490,15 +477,34 @@ Typ GetFloatDigit(QString& text) {
     return text.toDouble() <= REAL_LIMIT ? TYP_REAL : TYP_LREAL;
 }
 
+// BasedNumber = "16#" HexDigit { HexDigit } | "8#" OctDigit { OctDigit }
+//     | "2#" BinDigit { BinDigit }
+Typ GetHexDigit(QString& text) {
+    return GetBasedDigit(HEX_NOTATION, text);
+}
+
+Typ GetOctDigit(QString& text) {
+    return GetBasedDigit(OCT_NOTATION, text);
+}
+
+Typ GetBinDigit(QString& text) {
+    return GetBasedDigit(BIN_NOTATION, text);
+}
+
 // Digits followed by "#": the digits must be a base's own prefix, "016#" is none.
 Typ GetNotation(QString& text) {
     AppendToNumber(text, Look);
     GetChar();
-    const Notation* notation = NotationOf(text);
-    if (notation == nullptr) {
-        Abort(TXT_BAD_SUFFIX_ON_NUMBER, false);
+    if (text == HEX_NOTATION.prefix) {
+        return GetHexDigit(text);
     }
-    return GetBasedDigit(*notation, text);
+    if (text == OCT_NOTATION.prefix) {
+        return GetOctDigit(text);
+    }
+    if (text == BIN_NOTATION.prefix) {
+        return GetBinDigit(text);
+    }
+    Abort(TXT_BAD_SUFFIX_ON_NUMBER);
 }
 
 // Digits alone.
@@ -519,7 +525,7 @@ QStringView TakeFirstDigits() {
     const QStringView digits =
         TakeRun([&count](QChar c) { return ++count < NUMBER_LENGTH_LIMIT && IsDigit(c); });
     if (IsDigit(Look)) {
-        Abort(TXT_TOO_MUCH_CONSTANT, false);
+        Abort(TXT_TOO_MUCH_CONSTANT);
     }
     return digits;
 }
@@ -537,19 +543,20 @@ Typ GetFraction(QString& text) {
 
 // Number = Integer | Real
 // Integer = Digit { Digit } | BasedNumber
-// With integerOnly a "." ends the number. Returns the type of the literal.
-Typ GetDigit(QStringView& text, bool integerOnly) {
+// With integerOnly a "." ends the number.
+void GetDigit(bool integerOnly) {
     StoreTokenBeg(LookPlace());
-    text = TakeFirstDigits();
+    CurrentToken.code = TOKEN_NUMBER;
+    CurrentToken.text = TakeFirstDigits();
     const bool isBased = Look == QLatin1Char('#');
     const bool isFloat = Look == QLatin1Char('.') && !integerOnly;
     if (!isBased && !isFloat) {
-        return GetInteger(text);
+        CurrentToken.type = GetInteger(CurrentToken.text);
+        return;
     }
-    QString number = text.toString();
-    const Typ type = isBased ? GetNotation(number) : GetFraction(number);
-    text = KeepText(number);
-    return type;
+    QString number = CurrentToken.text.toString();
+    CurrentToken.type = isBased ? GetNotation(number) : GetFraction(number);
+    CurrentToken.text = KeepText(number);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -558,35 +565,35 @@ Typ GetDigit(QStringView& text, bool integerOnly) {
 
 // Gives the name of a declared function or function block the code of its keyword.
 void ClassifyIdentifier() {
-    IdentPlace = {TokenPosBeg, TokenPosEnd};
     const FunctionItem* function = FunctionsList.find(*TokenSpelling);
     if (function != nullptr) {
-        TokenChar = function->isFunction ? TOKEN_FUNCTION : TOKEN_FUNCTION_BLOCK;
+        CurrentToken.code = function->isFunction ? TOKEN_FUNCTION : TOKEN_FUNCTION_BLOCK;
     }
 }
 
-Typ ScanWord(QStringView& text) {
-    text = GetNameR(true);
+void GetWord() {
+    GetNameR(true);
     if (TokenChar == TOKEN_IDENTIFIER) {
         ClassifyIdentifier();
+    } else if (TokenChar == TOKEN_TRUE || TokenChar == TOKEN_FALSE) {
+        CurrentToken.type = TYP_BOOL;
     }
-    return TokenChar == TOKEN_TRUE || TokenChar == TOKEN_FALSE ? TYP_BOOL : TYP_NONE;
 }
 
 // Symbol = ".." | ? any other character ?
 // Also the "(*" that begins a comment.
-void ScanSymbol(QStringView& text, bool skipWhite) {
+void GetSymbol(bool skipWhite) {
     StoreTokenBeg(LookPlace());
     const QChar first = Look;
-    text = TakeOne();
+    CurrentToken.text = TakeOne();
     if (first == QLatin1Char('.') && Look == first) {
-        text = TakeBehind(text);
+        CurrentToken.text = TakeAfter(CurrentToken.text);
     }
     if (first == QLatin1Char('(') && Look == QLatin1Char('*')) {
-        TokenChar = TOKEN_COMMENT_BEGIN;
+        CurrentToken.code = TOKEN_COMMENT_BEGIN;
         return;
     }
-    TokenChar = PunctuationToken(text);
+    CurrentToken.code = PunctuationToken(CurrentToken.text);
     if (TokenChar != TOKEN_UNKNOWN) {
         StoreTokenEnd(LookPlace());
     }
@@ -595,70 +602,98 @@ void ScanSymbol(QStringView& text, bool skipWhite) {
     }
 }
 
+// Begins a token: echoes its line and clears what not every token has. Aborts at the end of the
+// source.
+void StartToken() {
+    TypeInputCodeCurrentLine();
+    if (IsEndOfInput(Look)) {
+        Abort(TXT_UNEXPECTED_END_OF_INPUT_FILE);
+    }
+    CurrentToken.type = TYP_NONE;
+    CurrentToken.spelling = nullptr;
+}
+
 // Token = Name | String | Number | Operator | Symbol
-// Also the beginning of a comment.
-Typ ScanToken(QStringView& text, bool integerOnly, bool skipWhite) {
+// Also the beginning of a comment, and within one its next piece.
+void ScanToken(bool integerOnly, bool skipWhite) {
     StartToken();
-    text = QStringView();
-    if (IsAlphaR(Look)) {
-        return ScanWord(text);
-    }
-    if (IsString(Look)) {
-        text = GetString();
-        TokenChar = TOKEN_STRING;
-        return TYP_NONE;
-    }
-    if (IsDigit(Look) || (!integerOnly && Look == QLatin1Char('.'))) {
-        const Typ type = GetDigit(text, integerOnly);
-        TokenChar = TOKEN_NUMBER;
-        return type;
-    }
-    if (IsOperation(Look)) {
-        text = GetOperation();
+    if (IsComment()) {
+        GetEndComment();
+    } else if (IsAlphaR(Look)) {
+        GetWord();
+    } else if (IsString(Look)) {
+        GetString();
+    } else if (IsDigit(Look) || (!integerOnly && Look == QLatin1Char('.'))) {
+        GetDigit(integerOnly);
+    } else if (IsOperation(Look)) {
+        GetOperation();
     } else {
-        ScanSymbol(text, skipWhite);
+        GetSymbol(skipWhite);
     }
-    return TYP_NONE;
+}
+
+// Skips the comment that is current and all that follow it, up to the next token.
+//
+// QUIRK(comment-loses-type): a token after a comment is read with fractions allowed whatever the
+// caller asked, and the type of a literal after a comment is lost: the comment's own type, none,
+// stands for it. So a comment between an operator and its literal changes how the expression is
+// typed. Existing programs were compiled so.
+void ScanAfterComments() {
+    do {
+        SkipComment(TokenChar);
+        ScanToken(false, true);
+    } while (IsCommentBegin(TokenChar));
+    CurrentToken.type = TYP_NONE;
+}
+
+// The next token that is no comment.
+void ScanSolidToken(bool integerOnly, bool skipWhite) {
+    ScanToken(integerOnly, skipWhite);
+    if (IsCommentBegin(TokenChar)) {
+        ScanAfterComments();
+    }
 }
 
 }  // namespace
 
-// QUIRK(comment-loses-type): a token behind a comment is read with fractions allowed whatever
-// the caller asked, and the type of a literal behind a comment is lost: the comment's own type,
-// none, is returned. So a comment between an operator and its literal changes how the
-// expression is typed. Existing programs were compiled so.
-Typ Scan(QStringView& text, bool integerOnly, bool skipWhite) {
-    const Typ type = ScanToken(text, integerOnly, skipWhite);
-    if (!IsCommentBegin(TokenChar)) {
-        return type;
-    }
-    do {
-        SkipComment(TokenChar, text);
-        ScanToken(text, false, true);
-    } while (IsCommentBegin(TokenChar));
-    return TYP_NONE;
+bool IsComment() {
+    return IsCommentNow;
 }
 
-Typ Scan() {
-    return Scan(TokenName, false, true);
+int Lookup(QStringView text) {
+    return SpellingOf(text).row;
 }
 
-void ScanName(QStringView& text, bool skipWhite) {
+Typ Scan(bool integerOnly, bool skipWhite) {
+    ScanSolidToken(integerOnly, skipWhite);
+    CurrentToken.quoted = CurrentToken.text;
+    return CurrentToken.type;
+}
+
+Typ ScanDeclared() {
+    ScanSolidToken(false, true);
+    return CurrentToken.type;
+}
+
+void ScanName() {
     StartToken();
-    text = GetNameR(skipWhite);
-    IdentPlace = {TokenPosBeg, TokenPosEnd};
+    GetNameR(false);
+    CurrentToken.quoted = CurrentToken.text;
 }
 
 // Type = LatinLetter { LatinLetter | Digit }
 // It is upper-cased.
-void GetType(QString& text, bool skipWhite) {
+void GetType() {
     StoreTokenBeg(LookPlace());
     CheckNameBegin(IsAlpha);
-    text = TakeRun(IsAlphaOrDigit).toString().toUpper();
+    CurrentToken.spelling = &SpellingOf(TakeRun(IsAlphaOrDigit).toString().toUpper());
+    CurrentToken.text = TokenSpelling->text;
     StoreTokenEnd(LookPlace());
-    if (skipWhite) {
-        SkipWhite();
-    }
+    SkipWhite();
+}
+
+void CountAsSemicolumn() {
+    CurrentToken.code = TOKEN_SEMICOLON;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -683,11 +718,10 @@ QString TokenDescription(Token code) {
 [[noreturn]] void AbortMismatch(const QString& alternatives, QLatin1String context) {
     const QString suffix = context.isEmpty() ? QString() : StringsToString(" (", context, ")");
     if (alternatives.isEmpty()) {
-        Abort(StringsToString(TXT_UNRECOGNIZED_KEYWORD, " ", Quoted(TokenName), suffix), false);
+        Abort(StringsToString(TXT_UNRECOGNIZED_KEYWORD, " ", Quoted(TokenName), suffix));
     }
     Abort(StringsToString(alternatives, " ", TXT_EXPECTED_BUT, " ", Quoted(TokenName), " ",
-                          TXT_FOUND, suffix),
-          false);
+                          TXT_FOUND, suffix));
 }
 
 // The alternatives joined by "or".
@@ -725,13 +759,46 @@ void Match(Token first, Token second, Token third, QLatin1String context) {
     }
 }
 
+namespace {
+
+void MatchName(QLatin1String nameExpectedBut) {
+    if (TokenChar != TOKEN_IDENTIFIER) {
+        Abort(StringsToString(nameExpectedBut, " ", Quoted(TokenName), " ", TXT_FOUND));
+    }
+}
+
+}  // namespace
+
+void MatchProgName() {
+    MatchName(TXT_PROGRAMNAME_EXPECTED_BUT);
+}
+
+void MatchFuncName() {
+    MatchName(TXT_FUNCTIONNAME_EXPECTED_BUT);
+}
+
+void MatchProcName() {
+    MatchName(TXT_PROCEDURENAME_EXPECTED_BUT);
+}
+
+Typ MatchAndScan(Token code) {
+    Match(code);
+    return Scan();
+}
+
+Typ ScanAndMatch(Token code) {
+    const Typ type = Scan();
+    Match(code);
+    return type;
+}
+
 qint64 StrToInt64(QStringView text) {
     if (text.isEmpty()) {  // no number token is
         AbortAtLook(TXT_STRING_EXPECTED_BUT);
     }
     for (const QChar c : text) {
         if (!IsDigit(c) && c != QLatin1Char('#')) {
-            Abort(TXT_BAD_SUFFIX_ON_NUMBER, false);
+            Abort(TXT_BAD_SUFFIX_ON_NUMBER);
         }
     }
     const Notation* notation = NotationOf(text);
@@ -739,69 +806,7 @@ qint64 StrToInt64(QStringView text) {
         notation == nullptr ? ValueOf(text, DECIMAL)
                             : ValueOf(text.mid(notation->prefix.size()), notation->base);
     if (!value) {
-        Abort(TXT_TOO_MUCH_CONSTANT, false);
+        Abort(TXT_TOO_MUCH_CONSTANT);
     }
     return *value;
-}
-
-// ---------------------------------------------------------------------------------------------
-// Code labels
-// ---------------------------------------------------------------------------------------------
-
-void GetNewLabel(Label& label) {
-    label = {LabelCount};
-    ++LabelCount;
-}
-
-// QUIRK(shared-label): the second label is told, not reserved: whoever draws next gets it
-// again. The numbers of all later labels follow from that, and they are part of the target
-// code.
-void GetNewLabelAndNextLabel(Label& label, Label& next) {
-    GetNewLabel(label);
-    next = {LabelCount};
-}
-
-std::size_t PartSize(Label) {
-    return PartSize(sLABEL) + std::numeric_limits<int>::digits10 + 1;
-}
-
-char* PutPart(char* to, Label part) {
-    to = PutPart(to, sLABEL);
-    return std::to_chars(to, to + std::numeric_limits<int>::digits10 + 1, part.number).ptr;
-}
-
-void PostPendingLabel(Label label) {
-    if (!label.isEmpty()) {
-        PostLabel(label);
-    }
-}
-
-// ---------------------------------------------------------------------------------------------
-// Texts
-// ---------------------------------------------------------------------------------------------
-
-QString IntToStr(int value, QString& out, int base) {
-    return Int64ToStr(value, out, base);
-}
-
-QString Int64ToStr(qint64 value, QString& out, int base) {
-    out = QString::number(value, base);
-    return out;
-}
-
-QString IntToStr(int value, QString& out, int width, int base) {
-    out = QStringLiteral("%1").arg(value, width, base, QLatin1Char('0'));
-    return out;
-}
-
-QString Quoted(QStringView text) {
-    return StringsToString("\"", text, "\"");
-}
-
-QString Quoted(QLatin1String text) {
-    return StringsToString("\"", text, "\"");
-}
-
-int StrCmp(QStringView a, QStringView b, bool ignoreCase) {
-    return a.compare(b, ignoreCase ? Qt::CaseInsensitive : Qt::CaseSensitive);
 }

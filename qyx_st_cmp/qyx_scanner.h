@@ -1,15 +1,12 @@
-// The scanner: characters, comments, tokens, code labels and the small text utilities.
+// The scanner: characters, comments, tokens, and the checks of the current token.
 //
-// One character of look-ahead (Look) decides which reader runs; one current token (TokenChar,
-// TokenName) is all that the parsers see. Every reader that meets a character it cannot use ends
-// the run through Abort.
+// One character of look-ahead (Look) decides which reader runs; each reader takes its characters
+// and fills the record of the current token (CurrentToken), which is all that the parsers see.
+// Every reader that meets a character it cannot use ends the run through Abort.
 #pragma once
 
-#include "qyx_files.h"
 #include "qyx_globals.h"
-
-#include <cstring>
-#include <type_traits>
+#include "qyx_text.h"
 
 // ---------------------------------------------------------------------------------------------
 // Characters
@@ -42,24 +39,29 @@ bool IsCharacter(QChar c);      // IsAlphaOrDigit or IsSimbol
 // Tokens
 // ---------------------------------------------------------------------------------------------
 
-// The row of TokensTable with that text, whatever its case, or with that code; -1 if none.
+// The row of TokensTable with that text, whatever its case; NO_ROW if none.
 int Lookup(QStringView text);
-int Lookup(Token code);
 
-// Reads the next token into TokenChar and its text into `text`; comments before it are skipped.
-// Returns the type of a numeric literal, TYP_BOOL for TRUE and FALSE, else TYP_NONE. With
-// integerOnly a "." ends a number. skipWhite: also skip the white space behind punctuation; all
-// other tokens skip it anyway. Aborts at the end of the source.
-Typ Scan(QStringView& text, bool integerOnly, bool skipWhite);
+// Whether a comment of several lines is being skipped.
+bool IsComment();
 
-// Scan into TokenName with fractions allowed, as nearly every parser does.
-Typ Scan();
+// Reads the next token; comments before it are skipped. Returns the type of a numeric literal,
+// TYP_BOOL for TRUE and FALSE, else TYP_NONE. With integerOnly a "." ends a number. skipWhite:
+// also skip the white space after punctuation; all other tokens skip it anyway. Aborts at the
+// end of the source.
+Typ Scan(bool integerOnly = false, bool skipWhite = true);
 
-// Reads a name, reserved words included, where a name must come.
-void ScanName(QStringView& text, bool skipWhite);
+// Scan where a declaration may begin: messages go on quoting the token before.
+Typ ScanDeclared();
 
-// Reads a type name, upper-cased. TokenChar stays as it is.
-void GetType(QString& text, bool skipWhite);
+// Reads a name, reserved words included, where a name must come. The white space after it stays.
+void ScanName();
+
+// Reads a type name. TokenChar stays as it is.
+void GetType();
+
+// Makes the current token count as the ";" that ends a statement.
+void CountAsSemicolumn();
 
 // Abort unless the current token is (one of) the given; they do not advance. A context that is
 // not empty ends the message in parentheses.
@@ -67,77 +69,16 @@ void Match(Token code, QLatin1String context = QLatin1String());
 void Match(Token first, Token second, QLatin1String context = QLatin1String());
 void Match(Token first, Token second, Token third, QLatin1String context = QLatin1String());
 
+// Abort unless the current token is an identifier: a program's, a function's or a function
+// block's name must stand here.
+void MatchProgName();
+void MatchFuncName();
+void MatchProcName();
+
+// Match, then Scan; and Scan, then Match. They return what Scan does.
+Typ MatchAndScan(Token code);
+Typ ScanAndMatch(Token code);
+
 // The value of the text of a number token. Aborts on anything but digits and "#", and on values
 // beyond 64 bits.
 qint64 StrToInt64(QStringView text);
-
-// ---------------------------------------------------------------------------------------------
-// Code labels
-// ---------------------------------------------------------------------------------------------
-
-// Draws the next label.
-void GetNewLabel(Label& label);
-
-// Draws the next label and tells the one after it without drawing it.
-void GetNewLabelAndNextLabel(Label& label, Label& next);
-
-// A label as a part of an item, "L" and its number.
-std::size_t PartSize(Label part);
-char* PutPart(char* to, Label part);
-
-// Writes the item "<label>:".
-template <typename Text>
-void PostLabel(const Text& label) {
-    WriteItem(label, ':');
-}
-
-// Posts the label of short-circuit jumps if an expression has drawn one.
-void PostPendingLabel(Label label);
-
-// ---------------------------------------------------------------------------------------------
-// Texts
-// ---------------------------------------------------------------------------------------------
-
-constexpr int DECIMAL = 10;
-
-// The value as text in that base; with a width it is filled with zeros from the left, never cut.
-// Digits above 9 are lower-case letters. `out` receives what is returned.
-QString IntToStr(int value, QString& out, int base);
-QString Int64ToStr(qint64 value, QString& out, int base);
-QString IntToStr(int value, QString& out, int width, int base);
-
-// The text between double quotes, as messages name things.
-QString Quoted(QStringView text);
-QString Quoted(QLatin1String text);
-
-// Compares two texts: negative, 0 or positive.
-int StrCmp(QStringView a, QStringView b, bool ignoreCase);
-
-inline int LengthOf(QChar) {
-    return 1;
-}
-inline int LengthOf(const char* part) {
-    return static_cast<int>(std::strlen(part));
-}
-template <typename Text>
-int LengthOf(const Text& part) {
-    return static_cast<int>(part.size());
-}
-
-// Joins the parts (strings, string literals, characters) in order with nothing between them.
-template <typename... Parts>
-QString StringsToString(const Parts&... parts) {
-    QString joined;
-    joined.reserve((LengthOf(parts) + ...));
-    const auto append = [&joined](const auto& part) {
-        if constexpr (std::is_convertible_v<decltype(part), const char*>) {
-            joined += QLatin1String(part);
-        } else if constexpr (std::is_same_v<decltype(part), const QStringView&>) {
-            joined.append(part.data(), static_cast<int>(part.size()));
-        } else {
-            joined += part;
-        }
-    };
-    (append(parts), ...);
-    return joined;
-}

@@ -15,7 +15,7 @@ QLatin1String TypToShortStr(Typ t);
 // The type of a value that combines a value of type `current` with one of type `next`. With
 // `strict` an integer takes no real. Aborts with Incompatible types: "INT" and "BOOL" where the
 // two do not combine. No target code is written: the engine knows no conversions.
-Typ ConvertTyp(Typ current, Typ next, bool strict);
+Typ ConvertTyp(Typ current, Typ next, bool strict = false);
 
 // The abort of ConvertTyp.
 [[noreturn]] void AbortIncompatible(Typ current, Typ next);

@@ -26,6 +26,8 @@ What the language itself leaves open is let through, and only that:
   told with --user-label: such a label may stand several times and is not followed.
 - A declaration with a Boolean value in mixed letter case writes an empty item. A unit may then
   use as many undeclared names as it has empty items.
+- A function block that calls itself as its first statement drops a value after that call, which
+  the call does not leave; it counts as if it did.
 - FOR addresses a control variable that is held by reference with "@" when it tests and steps it.
 
 Arrays have no forms here since none can be declared.
@@ -366,6 +368,7 @@ class Flow:
     def __init__(self, unit, callees, user_labels):
         self.code = unit.code
         self.callees = callees
+        self.own_call = self.find_own_call(unit)
         self.labels = {}
         for index, item in enumerate(self.code):
             label = item[:-1]
@@ -382,6 +385,16 @@ class Flow:
         for index, height in enumerate(self.heights):
             if height is None:
                 self.settle(index, len(self.around(index)))
+
+    def find_own_call(self, unit):
+        """The place where a function block calls itself as its first statement, else None."""
+        call = f"CAL {unit.name}"
+        if unit.is_function or call not in self.code:
+            return None
+        index = self.code.index(call)
+        prologue = 2 * len(unit.arguments)
+        stores = re.findall("^MOV #A0 [@^]", "\n".join(self.code[prologue:index]), re.MULTILINE)
+        return None if stores else index
 
     def target(self, index):
         """Where the jump at that place leads; None for a user label and for no jump."""
@@ -422,7 +435,8 @@ class Flow:
         if "'" in item:
             return 0
         change = item.count("$PUSH") - item.count("$POP") - (self.callees.arity(item) or 0)
-        if self.callees.is_function(item) and self.code[index + 1 : index + 2] == [DROP]:
+        leaves_value = self.callees.is_function(item) or index == self.own_call
+        if leaves_value and self.code[index + 1 : index + 2] == [DROP]:
             change += 1
         return change
 

@@ -1,7 +1,6 @@
 // The catalogue of the built-ins, record by record.
 
 #include "qyx_functions.h"
-#include "qyx_types.h"
 #include "support.h"
 
 #include <vector>
@@ -13,10 +12,10 @@ std::string Signature(const FunctionItem& function) {
     std::string formals;
     for (const VarItem& formal : function.arguments) {
         const std::string comma = formals.empty() ? "" : ", ";
-        formals += comma + Utf8(formal.name) + ' ' + TypToStr(formal.type).data();
+        formals += comma + Utf8(formal.name()) + ' ' + TypToStr(formal.type).data();
     }
     const std::string kind = function.isFunction ? "FUNCTION " : "FUNCTION_BLOCK ";
-    return kind + Utf8(function.name) + '(' + formals + ") " +
+    return kind + Utf8(function.name()) + '(' + formals + ") " +
            TypToStr(function.resultType).data();
 }
 
@@ -53,7 +52,7 @@ TEST_F(BuiltIns, StandInTheirOrderWithTheirParameters) {
 
 TEST_F(BuiltIns, AreMarkedSoThatNothingWarnsOfThem) {
     for (const FunctionItem& function : functions_) {
-        SCOPED_TRACE(Utf8(function.name));
+        SCOPED_TRACE(Utf8(function.name()));
         EXPECT_TRUE(function.isUsed);
         EXPECT_TRUE(function.isBuiltIn);
         for (const VarItem& formal : function.arguments) {

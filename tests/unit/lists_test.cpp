@@ -9,9 +9,9 @@
 
 namespace {
 
-VarItem Variable(const QString& name, Typ type = TYP_INT) {
+VarItem Variable(QStringView name, Typ type = TYP_INT) {
     VarItem item;
-    item.name = name;
+    item.spelling = &SpellingOf(name);
     item.type = type;
     return item;
 }
@@ -19,7 +19,7 @@ VarItem Variable(const QString& name, Typ type = TYP_INT) {
 std::vector<std::string> NamesIn(const VarsList& list) {
     std::vector<std::string> names;
     for (const VarItem& item : list) {
-        names.push_back(Utf8(item.name));
+        names.push_back(Utf8(item.name()));
     }
     return names;
 }
@@ -34,16 +34,16 @@ protected:
 // ---------------------------------------------------------------------------------------------
 
 TEST_F(Lists, ANewVariableIsAScalarThatNothingHasTouched) {
-    const VarItem& item = AddVarToVarsList(list_, Variable(QStringLiteral("x")));
-    EXPECT_EQ(Utf8(item.name), "x");
+    const VarItem& item = AddVarToVarsList(list_, Variable(u"x"));
+    EXPECT_EQ(Utf8(item.name()), "x");
     EXPECT_EQ(item.type, TYP_INT);
     EXPECT_FALSE(item.isReference);
     EXPECT_FALSE(item.isConstant);
     EXPECT_FALSE(item.isArray);
     EXPECT_FALSE(item.isInitialized);
     EXPECT_TRUE(item.mayBeUninitialized);
-    EXPECT_EQ(item.arrayDimensions, -1);
-    EXPECT_EQ(item.arraySize, -1);
+    EXPECT_EQ(item.arrayDimensions, NOT_AN_ARRAY);
+    EXPECT_EQ(item.arraySize, NOT_AN_ARRAY);
     EXPECT_EQ(item.elementType, TYP_NONE);
     EXPECT_FALSE(item.isUsed);
     EXPECT_EQ(Place(item.declBegin) + ' ' + Place(item.declEnd), "-1:-1 -1:-1");
@@ -65,7 +65,7 @@ TEST_F(Lists, ScalarsShareTheirBoundsUntilOneChanges) {
 }
 
 TEST_F(Lists, InsertionSetsTheMarksOfANewVariable) {
-    VarItem item = Variable(QStringLiteral("x"));
+    VarItem item = Variable(u"x");
     item.isUsed = true;
     item.isInitialized = true;
     item.mayBeUninitialized = true;
@@ -73,14 +73,14 @@ TEST_F(Lists, InsertionSetsTheMarksOfANewVariable) {
     EXPECT_FALSE(initialized.isUsed);
     EXPECT_TRUE(initialized.isInitialized);
     EXPECT_FALSE(initialized.mayBeUninitialized);
-    item.name = QStringLiteral("y");
+    item.spelling = &SpellingOf(u"y");
     item.isInitialized = false;
     item.mayBeUninitialized = false;
     EXPECT_TRUE(AddVarToVarsList(list_, item).mayBeUninitialized);
 }
 
 TEST_F(Lists, InsertionKeepsEverythingElse) {
-    VarItem item = Variable(QStringLiteral("Table"), TYP_ARRAY);
+    VarItem item = Variable(u"Table", TYP_ARRAY);
     item.isReference = true;
     item.isConstant = true;
     item.isArray = true;
@@ -93,7 +93,7 @@ TEST_F(Lists, InsertionKeepsEverythingElse) {
     item.declEnd = {1, 7};
     AddVarToVarsList(list_, item);
     const VarItem& stored = IsArrayVarInVarsList(list_, SpellingOf(u"TABLE"));
-    EXPECT_EQ(Utf8(stored.name), "Table");
+    EXPECT_EQ(Utf8(stored.name()), "Table");
     EXPECT_EQ(stored.type, TYP_ARRAY);
     EXPECT_TRUE(stored.isReference);
     EXPECT_TRUE(stored.isConstant);
@@ -134,7 +134,7 @@ TEST_F(Lists, ReferencesStayValidWhileTenThousandRecordsAreAppended) {
     int i = 0;
     for (const VarItem& item : list_) {
         ASSERT_EQ(&item, items[static_cast<std::size_t>(i)]);
-        ASSERT_EQ(Utf8(item.name), "v" + std::to_string(i));
+        ASSERT_EQ(Utf8(item.name()), "v" + std::to_string(i));
         ASSERT_EQ(&IsVarInVarsList(list_, SpellingOf(QStringLiteral("V%1").arg(i))), &item);
         ASSERT_EQ(item.arraySize, i < count / 2 ? 2 * i + 1 : -1);
         ++i;
@@ -143,8 +143,8 @@ TEST_F(Lists, ReferencesStayValidWhileTenThousandRecordsAreAppended) {
 }
 
 TEST_F(Lists, LookupsIgnoreCase) {
-    const VarItem& latin = AddVarToVarsList(list_, Variable(QStringLiteral("Count_1")));
-    const VarItem& cyrillic = AddVarToVarsList(list_, Variable(QStringLiteral("СчетЯ")));
+    const VarItem& latin = AddVarToVarsList(list_, Variable(u"Count_1"));
+    const VarItem& cyrillic = AddVarToVarsList(list_, Variable(u"СчетЯ"));
     for (const QString& name :
          {QStringLiteral("Count_1"), QStringLiteral("COUNT_1"), QStringLiteral("count_1")}) {
         EXPECT_EQ(&IsVarInVarsList(list_, SpellingOf(name)), &latin);
@@ -153,14 +153,14 @@ TEST_F(Lists, LookupsIgnoreCase) {
          {QStringLiteral("СчетЯ"), QStringLiteral("СЧЕТЯ"), QStringLiteral("счетя")}) {
         EXPECT_EQ(&IsVarInVarsList(list_, SpellingOf(name)), &cyrillic);
     }
-    EXPECT_EQ(list_.find(u"Count_"), nullptr);
-    EXPECT_EQ(list_.find(u"Count_11"), nullptr);
-    EXPECT_EQ(list_.find(u"СчетА"), nullptr);
+    EXPECT_EQ(list_.find(SpellingOf(u"Count_")), nullptr);
+    EXPECT_EQ(list_.find(SpellingOf(u"Count_11")), nullptr);
+    EXPECT_EQ(list_.find(SpellingOf(u"СчетА")), nullptr);
 }
 
 TEST_F(Lists, OperandsSpellTheNameAsItIsUsed) {
-    AddVarToVarsList(list_, Variable(QStringLiteral("Count")));
-    VarItem reference = Variable(QStringLiteral("Ссылка"));
+    AddVarToVarsList(list_, Variable(u"Count"));
+    VarItem reference = Variable(u"Ссылка");
     reference.isReference = true;
     AddVarToVarsList(list_, reference);
     OpenOutputCodeFile(path("code"));
@@ -173,7 +173,7 @@ TEST_F(Lists, OperandsSpellTheNameAsItIsUsed) {
 }
 
 TEST_F(Lists, UnknownNamesAndOtherThanArrays) {
-    AddVarToVarsList(list_, Variable(QStringLiteral("x")));
+    AddVarToVarsList(list_, Variable(u"x"));
     ExpectFailure([&] { IsVarInVarsList(list_, SpellingOf(u"Y")); },
                   ErrorAt(0, 0, "An unrecognized keyword \"Y\""));
     ExpectFailure([&] { IsArrayVarInVarsList(list_, SpellingOf(u"Y")); },
@@ -184,13 +184,13 @@ TEST_F(Lists, UnknownNamesAndOtherThanArrays) {
 
 TEST_F(Lists, AClearedListIsEmptyAndCanBeFilledAgain) {
     EXPECT_TRUE(list_.isEmpty());
-    AddVarToVarsList(list_, Variable(QStringLiteral("x"), TYP_REAL));
+    AddVarToVarsList(list_, Variable(u"x", TYP_REAL));
     EXPECT_FALSE(list_.isEmpty());
     list_.clear();
     EXPECT_TRUE(list_.isEmpty());
-    EXPECT_EQ(list_.find(u"x"), nullptr);
-    const VarItem& item = AddVarToVarsList(list_, Variable(QStringLiteral("X")));
-    EXPECT_EQ(list_.find(u"x"), &item);
+    EXPECT_EQ(list_.find(SpellingOf(u"x")), nullptr);
+    const VarItem& item = AddVarToVarsList(list_, Variable(u"X"));
+    EXPECT_EQ(list_.find(SpellingOf(u"x")), &item);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -198,39 +198,39 @@ TEST_F(Lists, AClearedListIsEmptyAndCanBeFilledAgain) {
 // ---------------------------------------------------------------------------------------------
 
 TEST_F(Lists, InsertionRefusesANameThatIsThere) {
-    AddVarToVarsList(list_, Variable(QStringLiteral("x")));
-    AddVarToVarsList(list_, Variable(QStringLiteral("Бак")));
-    ExpectFailure([&] { AddVarToVarsList(list_, Variable(QStringLiteral("X"))); },
+    AddVarToVarsList(list_, Variable(u"x"));
+    AddVarToVarsList(list_, Variable(u"Бак"));
+    ExpectFailure([&] { AddVarToVarsList(list_, Variable(u"X")); },
                   ErrorAt(0, 0, "Duplicate variable name \"X\""));
-    ExpectFailure([&] { AddVarToVarsList(list_, Variable(QStringLiteral("БАК"))); },
+    ExpectFailure([&] { AddVarToVarsList(list_, Variable(u"БАК")); },
                   ErrorAt(0, 0, "Duplicate variable name \"БАК\""));
     EXPECT_EQ(NamesIn(list_).size(), 2U);
 }
 
 TEST_F(Lists, IsVarAlreadyInVarsListPutsTwoBlanksBeforeTheName) {
-    AddVarToVarsList(list_, Variable(QStringLiteral("x")));
-    IsVarAlreadyInVarsList(list_, SpellingOf(QStringLiteral("y")));
-    ExpectFailure([&] { IsVarAlreadyInVarsList(list_, SpellingOf(QStringLiteral("X"))); },
+    AddVarToVarsList(list_, Variable(u"x"));
+    IsVarAlreadyInVarsList(list_, SpellingOf(u"y"));
+    ExpectFailure([&] { IsVarAlreadyInVarsList(list_, SpellingOf(u"X")); },
                   ErrorAt(0, 0, "Duplicate variable name  \"X\""));
 }
 
 TEST_F(Lists, TheCheckOfTwoListsPutsOneBlankBeforeTheName) {
     VarsList other;
-    AddVarToVarsList(list_, Variable(QStringLiteral("x")));
-    AddVarToVarsList(other, Variable(QStringLiteral("y")));
-    CheckDuplicate(SpellingOf(QStringLiteral("z")), list_, other);
-    CheckDuplicate(SpellingOf(QStringLiteral("y")), list_);
-    ExpectFailure([&] { CheckDuplicate(SpellingOf(QStringLiteral("X")), list_, other); },
+    AddVarToVarsList(list_, Variable(u"x"));
+    AddVarToVarsList(other, Variable(u"y"));
+    CheckDuplicate(SpellingOf(u"z"), list_, other);
+    CheckDuplicate(SpellingOf(u"y"), list_);
+    ExpectFailure([&] { CheckDuplicate(SpellingOf(u"X"), list_, other); },
                   ErrorAt(0, 0, "Duplicate variable name \"X\""));
-    ExpectFailure([&] { CheckDuplicate(SpellingOf(QStringLiteral("Y")), list_, other); },
+    ExpectFailure([&] { CheckDuplicate(SpellingOf(u"Y"), list_, other); },
                   ErrorAt(0, 0, "Duplicate variable name \"Y\""));
-    ExpectFailure([&] { CheckDuplicate(SpellingOf(QStringLiteral("X")), list_); },
+    ExpectFailure([&] { CheckDuplicate(SpellingOf(u"X"), list_); },
                   ErrorAt(0, 0, "Duplicate variable name \"X\""));
 }
 
 TEST_F(Lists, ArgumentsMustComeBeforeLocals) {
     CheckOnTop(list_);
-    AddVarToVarsList(list_, Variable(QStringLiteral("x")));
+    AddVarToVarsList(list_, Variable(u"x"));
     ExpectFailure([&] { CheckOnTop(list_); },
                   ErrorAt(0, 0, "Arguments must be declared at the top of the variable list "));
 }
@@ -238,52 +238,31 @@ TEST_F(Lists, ArgumentsMustComeBeforeLocals) {
 TEST_F(Lists, FunctionsAreFoundInAnyCase) {
     FunctionList functions;
     FunctionItem function;
-    function.name = QStringLiteral("Площадь");
+    function.spelling = &SpellingOf(u"Площадь");
     functions.append(function);
-    EXPECT_TRUE(IsItInFunctionsList(functions, SpellingOf(QStringLiteral("ПЛОЩАДЬ"))));
-    EXPECT_FALSE(IsItInFunctionsList(functions, SpellingOf(QStringLiteral("Площад"))));
+    EXPECT_TRUE(IsItInFunctionsList(functions, SpellingOf(u"ПЛОЩАДЬ")));
+    EXPECT_FALSE(IsItInFunctionsList(functions, SpellingOf(u"Площад")));
 }
 
 // ---------------------------------------------------------------------------------------------
 // Tables
 // ---------------------------------------------------------------------------------------------
 
-struct TypeName {
-    Typ type;
-    const char* name;
-};
-
-constexpr std::array<TypeName, 11> TYPE_NAMES = {{
-    {TYP_BOOL, "BOOL"},
-    {TYP_SINT, "SINT"},
-    {TYP_USINT, "USINT"},
-    {TYP_INT, "INT"},
-    {TYP_UINT, "UINT"},
-    {TYP_DINT, "DINT"},
-    {TYP_UDINT, "UDINT"},
-    {TYP_REAL, "REAL"},
-    {TYP_LREAL, "LREAL"},
-    {TYP_STRING, "STRING"},
-    {TYP_ARRAY, "ARRAY"},
-}};
-
 TEST_F(Lists, TypesAreFoundInAnyCase) {
-    for (const TypeName& row : TYPE_NAMES) {
-        const QString name = QLatin1String(row.name);
-        EXPECT_EQ(GetTypFromTypsTable(name), row.type);
-        EXPECT_EQ(GetTypFromTypsTable(name.toLower()), row.type);
-        EXPECT_EQ(IsTypInTypsTable(name), row.type);
-        EXPECT_EQ(TypsTable[row.type - 1].code, row.type);
-        EXPECT_EQ(TypsTable[row.type - 1].name, name);
+    for (const typ& row : TypsTable) {
+        const QString name = row.name;
+        EXPECT_EQ(GetTypFromTypsTable(SpellingOf(name)), row.code);
+        EXPECT_EQ(GetTypFromTypsTable(SpellingOf(name.toLower())), row.code);
+        EXPECT_EQ(IsTypInTypsTable(SpellingOf(name)), row.code);
     }
-    EXPECT_EQ(GetTypFromTypsTable(QStringLiteral("WORD")), TYP_NONE);
-    EXPECT_EQ(GetTypFromTypsTable(QString()), TYP_NONE);
+    EXPECT_EQ(GetTypFromTypsTable(SpellingOf(u"WORD")), TYP_NONE);
+    EXPECT_EQ(GetTypFromTypsTable(SpellingOf(u"")), TYP_NONE);
 }
 
-TEST_F(Lists, AnUnknownTypeIsRefusedBehindItsSourceLine) {
+TEST_F(Lists, AnUnknownTypeIsRefusedAfterItsSourceLine) {
     flag_ShowInputFileLines = true;
     openSource("x : WORD;");
-    ExpectFailure([] { IsTypInTypsTable(QStringLiteral("WORD")); },
+    ExpectFailure([] { IsTypInTypsTable(SpellingOf(u"WORD")); },
                   ";Line 1: \"x : WORD;\"\n" + ErrorAt(0, 0, "An unrecognized keyword \"WORD\""));
 }
 
@@ -293,10 +272,10 @@ TEST_F(Lists, TokensAndTypesAreReservedInAnyCase) {
         EXPECT_TRUE(IsItReservedWord(SpellingOf(text))) << Utf8(text);
         EXPECT_TRUE(IsItReservedWord(SpellingOf(text.toLower()))) << Utf8(text);
     }
-    for (const TypeName& row : TYPE_NAMES) {
-        const QString name = QLatin1String(row.name);
-        EXPECT_TRUE(IsItReservedWord(SpellingOf(name))) << row.name;
-        EXPECT_TRUE(IsItReservedWord(SpellingOf(name.toLower()))) << row.name;
+    for (const typ& row : TypsTable) {
+        const QString name = row.name;
+        EXPECT_TRUE(IsItReservedWord(SpellingOf(name))) << Utf8(name);
+        EXPECT_TRUE(IsItReservedWord(SpellingOf(name.toLower()))) << Utf8(name);
     }
     for (const QString& name : {QStringLiteral("WORD"), QStringLiteral("end"), QString(),
                                 QStringLiteral("lreal1"), QStringLiteral("=>")}) {
@@ -308,34 +287,34 @@ TEST_F(Lists, TokensAndTypesAreReservedInAnyCase) {
 // Labels
 // ---------------------------------------------------------------------------------------------
 
-TEST_F(Lists, LabelsMayBeDefinedBeforeOrBehindTheirReference) {
+TEST_F(Lists, LabelsMayBeDefinedBeforeOrAfterTheirReference) {
     LabelsList labels;
-    AddPeferenceToLabelItemInLabelLists(labels, QStringLiteral("AHEAD"));
-    EXPECT_FALSE(labels.find(u"AHEAD")->isDefined);
-    EXPECT_TRUE(labels.find(u"AHEAD")->isReferenced);
-    IsLabelItemInLabelLists(labels, QStringLiteral("AHEAD"));
-    EXPECT_TRUE(labels.find(u"AHEAD")->isDefined);
-    IsLabelItemInLabelLists(labels, QStringLiteral("BEHIND"));
-    EXPECT_TRUE(labels.find(u"BEHIND")->isDefined);
-    EXPECT_FALSE(labels.find(u"BEHIND")->isReferenced);
-    AddPeferenceToLabelItemInLabelLists(labels, QStringLiteral("BEHIND"));
-    EXPECT_TRUE(labels.find(u"BEHIND")->isReferenced);
-    IsLabelItemInLabelLists(labels, QStringLiteral("UNUSED"));
+    AddPeferenceToLabelItemInLabelLists(labels, SpellingOf(u"AHEAD"));
+    EXPECT_FALSE(labels.find(SpellingOf(u"AHEAD"))->isDefined);
+    EXPECT_TRUE(labels.find(SpellingOf(u"AHEAD"))->isReferenced);
+    IsLabelItemInLabelLists(labels, SpellingOf(u"AHEAD"));
+    EXPECT_TRUE(labels.find(SpellingOf(u"AHEAD"))->isDefined);
+    IsLabelItemInLabelLists(labels, SpellingOf(u"AFTER"));
+    EXPECT_TRUE(labels.find(SpellingOf(u"AFTER"))->isDefined);
+    EXPECT_FALSE(labels.find(SpellingOf(u"AFTER"))->isReferenced);
+    AddPeferenceToLabelItemInLabelLists(labels, SpellingOf(u"AFTER"));
+    EXPECT_TRUE(labels.find(SpellingOf(u"AFTER"))->isReferenced);
+    IsLabelItemInLabelLists(labels, SpellingOf(u"UNUSED"));
     CheckLabelsInLabelsLists(labels);
 }
 
 TEST_F(Lists, ALabelIsDefinedOnce) {
     LabelsList labels;
-    IsLabelItemInLabelLists(labels, QStringLiteral("НАЧАЛО"));
-    ExpectFailure([&] { IsLabelItemInLabelLists(labels, QStringLiteral("НАЧАЛО")); },
+    IsLabelItemInLabelLists(labels, SpellingOf(u"НАЧАЛО"));
+    ExpectFailure([&] { IsLabelItemInLabelLists(labels, SpellingOf(u"НАЧАЛО")); },
                   ErrorAt(0, 0, "The label is already defined: \"НАЧАЛО\""));
 }
 
 TEST_F(Lists, TheFirstLabelWithoutADefinitionIsNamed) {
     LabelsList labels;
-    IsLabelItemInLabelLists(labels, QStringLiteral("A"));
-    AddPeferenceToLabelItemInLabelLists(labels, QStringLiteral("Z"));
-    AddPeferenceToLabelItemInLabelLists(labels, QStringLiteral("B"));
+    IsLabelItemInLabelLists(labels, SpellingOf(u"A"));
+    AddPeferenceToLabelItemInLabelLists(labels, SpellingOf(u"Z"));
+    AddPeferenceToLabelItemInLabelLists(labels, SpellingOf(u"B"));
     ExpectFailure([&] { CheckLabelsInLabelsLists(labels); },
                   ErrorAt(0, 0, "The label is referenced but not set: \"Z\""));
 }

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <vector>
 
+#include "qyx_il.h"
 #include "qyx_messages.h"
 #include "support.h"
 
@@ -32,7 +33,7 @@ struct Share {
 };
 
 struct Route {
-    int kind;
+    TWhatStr kind;
     bool force;
     Share screen;
     Share code;
@@ -47,21 +48,21 @@ const bool* const SOURCE = &flag_ShowInputFileLines;
 
 // clang-format off
 const Route ROUTES[] = {
-    {0, true,  {Form::ListingForm}, {}, {}, {}, {}},
-    {0, false, {Form::ListingForm, SCREEN}, {Form::Item}, {Form::ListingForm}, {}, {}},
-    {1, true,  {Form::Marked}, {}, {}, {}, {}},
-    {1, false, {Form::Line, SCREEN}, {}, {Form::Marked, MESSAGES}, {Form::Line}, {}},
-    {2, true,  {Form::Marked}, {}, {}, {}, {}},
-    {2, false, {Form::Line, SCREEN}, {}, {Form::Marked, MESSAGES}, {Form::Line}, {}},
-    {3, true,  {Form::Marked}, {}, {}, {}, {}},
-    {3, false, {Form::Line, SCREEN}, {}, {Form::Marked, MESSAGES}, {Form::Line}, {Form::Place}},
-    {4, true,  {Form::Line}, {}, {}, {}, {}},
-    {4, false, {Form::Line}, {}, {}, {}, {}},
-    {5, true,  {Form::Line}, {}, {}, {}, {}},
-    {5, false, {Form::Line, SCREEN}, {}, {Form::Line, SOURCE}, {}, {}},
-    {6, true,  {Form::Line}, {}, {}, {}, {}},
-    {6, false, {Form::Line}, {}, {}, {}, {}},
-    {255, false, {Form::Line}, {}, {}, {}, {}},
+    {WHAT_CODE, true,  {Form::ListingForm}, {}, {}, {}, {}},
+    {WHAT_CODE, false, {Form::ListingForm, SCREEN}, {Form::Item}, {Form::ListingForm}, {}, {}},
+    {WHAT_INFORMATION, true,  {Form::Marked}, {}, {}, {}, {}},
+    {WHAT_INFORMATION, false, {Form::Line, SCREEN}, {}, {Form::Marked, MESSAGES}, {Form::Line}, {}},
+    {WHAT_COMMAND_LINE_ERROR, true,  {Form::Marked}, {}, {}, {}, {}},
+    {WHAT_COMMAND_LINE_ERROR, false, {Form::Line, SCREEN}, {}, {Form::Marked, MESSAGES}, {Form::Line}, {}},
+    {WHAT_DIAGNOSTIC, true,  {Form::Marked}, {}, {}, {}, {}},
+    {WHAT_DIAGNOSTIC, false, {Form::Line, SCREEN}, {}, {Form::Marked, MESSAGES}, {Form::Line}, {Form::Place}},
+    {WHAT_CONSOLE, true,  {Form::Line}, {}, {}, {}, {}},
+    {WHAT_CONSOLE, false, {Form::Line}, {}, {}, {}, {}},
+    {WHAT_SOURCE_ECHO, true,  {Form::Line}, {}, {}, {}, {}},
+    {WHAT_SOURCE_ECHO, false, {Form::Line, SCREEN}, {}, {Form::Line, SOURCE}, {}, {}},
+    {TWhatStr{6}, true,  {Form::Line}, {}, {}, {}, {}},
+    {TWhatStr{6}, false, {Form::Line}, {}, {}, {}, {}},
+    {TWhatStr{255}, false, {Form::Line}, {}, {}, {}, {}},
 };
 // clang-format on
 
@@ -107,7 +108,7 @@ protected:
         std::string screen;
         {
             ScreenCapture capture;
-            WriteToOutputFiles(text, static_cast<TWhatStr>(route.kind), route.force);
+            WriteToOutputFiles(text, route.kind, route.force);
             screen = capture.text();
         }
         CloseAllFiles();
@@ -117,7 +118,7 @@ protected:
         checkSideFile("list", flag_SaveListFile, Shown(route.list, utf8));
         checkSideFile("res", flag_SaveResFile, Shown(route.res, utf8));
         checkSideFile("err", flag_SaveErrFile, Shown(route.err, utf8));
-        EXPECT_EQ(g_OutputCodeFileCurrentLineCount, route.kind == 0 ? 1 : 0);
+        EXPECT_EQ(g_OutputCodeFileCurrentLineCount, route.kind == WHAT_CODE ? 1 : 0);
     }
 
     // Opening the file ends the run; the screen shows it whatever the options.
@@ -252,7 +253,7 @@ TEST_F(Router, RecordsFollowEachOtherWithThePlaceOfTheLookAheadCharacter) {
     flag_SaveErrFile = true;
     flag_SaveResFile = true;
     openOutputs();
-    TokenPosBeg = {0, 0};
+    CurrentToken.place.begin = {0, 0};
     Warning(QStringLiteral("a"), false);
     g_InputCodeFileCurrentLineCount = 99;
     g_InputCodeFileCurrentPosCount = 41;
@@ -430,16 +431,16 @@ protected:
         std::vector<std::string> echoes;
         echoes.reserve(static_cast<std::size_t>(count));
         for (int line = 0; line < count; ++line) {
-            echoes.push_back(Utf8(GetInputCodeFileCurrentLineParams(line)));
+            echoes.push_back(Utf8(GetInputCodeFileCurrentLineParams(line).text));
         }
-        EXPECT_TRUE(GetInputCodeFileCurrentLineParams(count).isEmpty());
-        EXPECT_TRUE(GetInputCodeFileCurrentLineParams(count + 1).isEmpty());
+        EXPECT_TRUE(GetInputCodeFileCurrentLineParams(count).text.isEmpty());
+        EXPECT_TRUE(GetInputCodeFileCurrentLineParams(count + 1).text.isEmpty());
         return echoes;
     }
     using Echoes = std::vector<std::string>;
 };
 
-TEST_F(Source, AnEchoQuotesTheLineBehindItsNumber) {
+TEST_F(Source, AnEchoQuotesTheLineAfterItsNumber) {
     EXPECT_EQ(Utf8(OutlineInputCodeString(QStringLiteral("x := x + 1;"), 6)),
               ";Line 7: \"x := x + 1;\"");
     EXPECT_EQ(Utf8(OutlineInputCodeString(QStringLiteral("%1 \"a\""), 0)),
@@ -476,7 +477,8 @@ TEST_F(Source, EachLineIsEchoedOnceBeforeItsFirstToken) {
     EXPECT_EQ(capture.text(), "");
     Scan();
     EXPECT_EQ(capture.text(), ";Line 1: \"a b\"\n");
-    ScanName(TokenName, true);
+    ScanName();
+    SkipWhite();
     Scan();
     EXPECT_EQ(capture.text(), ";Line 1: \"a b\"\n;Line 3: \";\"\n");
     Scan();

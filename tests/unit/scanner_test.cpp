@@ -1,5 +1,5 @@
-// The scanner: character classes, the table of tokens, every kind of token, comments, places,
-// and the checks of the current token.
+// The scanner: character classes, every kind of token, comments, places, and the checks of the
+// current token.
 
 #include "qyx_scanner.h"
 
@@ -96,148 +96,13 @@ TEST(CharacterClasses, CyrillicLettersEndAtYaAndLeaveOutIo) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// The table of tokens
-// ---------------------------------------------------------------------------------------------
-
-struct TokenRow {
-    int code;
-    const char* text;
-};
-
-constexpr std::array<TokenRow, 75> TOKENS = {{
-    {2, "PROGRAM"},
-    {3, "END_PROGRAM"},
-    {4, ";"},
-    {5, ":"},
-    {6, "."},
-    {7, ".."},
-    {8, ","},
-    {9, ":="},
-    {10, "BREAK"},
-    {11, "CONTINUE"},
-    {12, "EXIT"},
-    {13, "RESULT"},
-    {17, "CONSTANT"},
-    {18, "VAR"},
-    {19, "VAR_INPUT"},
-    {20, "VAR_OUTPUT"},
-    {21, "VAR_GLOBAL"},
-    {78, "VAR_ARG"},
-    {79, "VAR_REF"},
-    {22, "VAR_YXGLOBAL"},
-    {23, "VAR_YXREGISTER"},
-    {24, "END_VAR"},
-    {25, "//"},
-    {26, "(*"},
-    {27, "*)"},
-    {28, "+"},
-    {29, "-"},
-    {30, "*"},
-    {31, "/"},
-    {32, "MOD"},
-    {33, "OR"},
-    {34, "XOR"},
-    {35, "AND"},
-    {36, "NOT"},
-    {38, "SHL"},
-    {37, "SHR"},
-    {39, "ROR"},
-    {40, "ROL"},
-    {41, "**"},
-    {42, "GOTO"},
-    {43, "TRUE"},
-    {44, "FALSE"},
-    {45, "="},
-    {46, "<>"},
-    {47, "<"},
-    {48, ">"},
-    {49, "<="},
-    {50, ">="},
-    {51, "("},
-    {52, ")"},
-    {53, "["},
-    {54, "]"},
-    {55, "IF"},
-    {56, "THEN"},
-    {57, "ELSIF"},
-    {58, "ELSE"},
-    {59, "END_IF"},
-    {60, "FOR"},
-    {61, "TO"},
-    {62, "DOWNTO"},
-    {63, "DO"},
-    {64, "END_FOR"},
-    {65, "REPEAT"},
-    {66, "UNTIL"},
-    {67, "END_REPEAT"},
-    {68, "WHILE"},
-    {69, "END_WHILE"},
-    {70, "CASE"},
-    {71, "OF"},
-    {72, "END_CASE"},
-    {73, "TICK"},
-    {74, "FUNCTION"},
-    {75, "END_FUNCTION"},
-    {76, "FUNCTION_BLOCK"},
-    {77, "END_FUNCTION_BLOCK"},
-}};
-
-// The text with every second character in lower case.
-QString MixedCase(const QString& text) {
-    QString mixed = text;
-    for (int i = 0; i < mixed.size(); i += 2) {
-        mixed[i] = mixed[i].toLower();
-    }
-    return mixed;
-}
-
-// What a name is told by is one record, so that names are compared as pointers.
-TEST(Spellings, EachTextHasOne) {
-    for (const QStringView text : {u"Level", u"LEVEL", u"Насос", u"насос", u"a", u"ж"}) {
-        EXPECT_EQ(&SpellingOf(text), &SpellingOf(text.toString())) << Utf8(text);
-    }
-    EXPECT_NE(&SpellingOf(u"Насос"), &SpellingOf(u"насос"));
-    EXPECT_EQ(SpellingOf(u"Насос").name, SpellingOf(u"насос").name);
-    EXPECT_NE(SpellingOf(u"Насос").name, SpellingOf(u"Насосы").name);
-}
-
-TEST(Lookup, FindsEveryRowByItsTextInAnyCase) {
-    for (std::size_t row = 0; row < TOKENS.size(); ++row) {
-        const QString text = QLatin1String(TOKENS[row].text);
-        SCOPED_TRACE(TOKENS[row].text);
-        EXPECT_EQ(Lookup(text), static_cast<int>(row));
-        EXPECT_EQ(Lookup(text.toLower()), static_cast<int>(row));
-        EXPECT_EQ(Lookup(MixedCase(text)), static_cast<int>(row));
-    }
-}
-
-TEST(Lookup, FindsEveryRowByItsCode) {
-    for (std::size_t row = 0; row < TOKENS.size(); ++row) {
-        EXPECT_EQ(Lookup(static_cast<Token>(TOKENS[row].code)), static_cast<int>(row));
-        EXPECT_EQ(TokensTable[row].code, TOKENS[row].code);
-        EXPECT_EQ(TokensTable[row].text, QLatin1String(TOKENS[row].text));
-    }
-}
-
-TEST(Lookup, FindsNothingElse) {
-    for (const QString& text :
-         {QString(), QStringLiteral("WORD"), QStringLiteral("END"), QStringLiteral("BOOL"),
-          QStringLiteral("IF "), QStringLiteral("=>"), QStringLiteral("...")}) {
-        EXPECT_EQ(Lookup(text), -1) << Utf8(text);
-    }
-    for (const int code : {0, 1, 14, 15, 16}) {
-        EXPECT_EQ(Lookup(static_cast<Token>(code)), -1) << code;
-    }
-}
-
-// ---------------------------------------------------------------------------------------------
 // Tokens
 // ---------------------------------------------------------------------------------------------
 
 struct Lexeme {
-    int code;
+    Token code;
     std::string text;
-    int type = 0;
+    Typ type = TYP_NONE;
 };
 
 bool operator==(const Lexeme& a, const Lexeme& b) {
@@ -245,7 +110,8 @@ bool operator==(const Lexeme& a, const Lexeme& b) {
 }
 
 std::ostream& operator<<(std::ostream& out, const Lexeme& lexeme) {
-    return out << lexeme.code << " \"" << lexeme.text << "\" type " << lexeme.type;
+    return out << NameOf(lexeme.code) << " \"" << lexeme.text << "\" type "
+               << NameOf(lexeme.type);
 }
 
 using Lexemes = std::vector<Lexeme>;
@@ -253,7 +119,7 @@ using Lexemes = std::vector<Lexeme>;
 class Scanner : public CompilerTest {
 protected:
     static Lexeme scan(bool integerOnly = false, bool skipWhite = true) {
-        const Typ type = Scan(TokenName, integerOnly, skipWhite);
+        const Typ type = Scan(integerOnly, skipWhite);
         return {TokenChar, Utf8(TokenName), type};
     }
 
@@ -277,12 +143,13 @@ protected:
 };
 
 TEST_F(Scanner, ReadsEveryWordOfTheTableInAnyCaseAndKeepsTheCase) {
-    for (const TokenRow& row : TOKENS) {
-        const QString word = QLatin1String(row.text);
+    for (const token& row : TokensTable) {
+        const QString word = row.text;
         if (!IsAlpha(word[0])) {
             continue;
         }
-        const int type = row.code == 43 || row.code == 44 ? 1 : 0;
+        const bool isLiteral = row.code == TOKEN_TRUE || row.code == TOKEN_FALSE;
+        const Typ type = isLiteral ? TYP_BOOL : TYP_NONE;
         for (const QString& text : {word, word.toLower(), MixedCase(word)}) {
             EXPECT_EQ(scanAll(Utf8(text)), (Lexemes{{row.code, Utf8(text), type}}));
         }
@@ -290,66 +157,131 @@ TEST_F(Scanner, ReadsEveryWordOfTheTableInAnyCaseAndKeepsTheCase) {
 }
 
 TEST_F(Scanner, ReadsEveryOtherTextOfTheTable) {
-    EXPECT_EQ(scanAll("; , ( ) [ ] : := + - * / ** = <> < > <= >="), (Lexemes{{4, ";"},
-                                                                              {8, ","},
-                                                                              {51, "("},
-                                                                              {52, ")"},
-                                                                              {53, "["},
-                                                                              {54, "]"},
-                                                                              {5, ":"},
-                                                                              {9, ":="},
-                                                                              {28, "+"},
-                                                                              {29, "-"},
-                                                                              {30, "*"},
-                                                                              {31, "/"},
-                                                                              {41, "**"},
-                                                                              {45, "="},
-                                                                              {46, "<>"},
-                                                                              {47, "<"},
-                                                                              {48, ">"},
-                                                                              {49, "<="},
-                                                                              {50, ">="}}));
-    EXPECT_EQ(scanAll(". .. ...", true), (Lexemes{{6, "."}, {7, ".."}, {7, ".."}, {6, "."}}));
+    EXPECT_EQ(scanAll("; , ( ) [ ] : := + - * / ** = <> < > <= >="),
+              (Lexemes{{TOKEN_SEMICOLON, ";"},
+                       {TOKEN_COMMA, ","},
+                       {TOKEN_LEFT_PARENTHESIS, "("},
+                       {TOKEN_RIGHT_PARENTHESIS, ")"},
+                       {TOKEN_LEFT_BRACKET, "["},
+                       {TOKEN_RIGHT_BRACKET, "]"},
+                       {TOKEN_COLON, ":"},
+                       {TOKEN_ASSIGN, ":="},
+                       {TOKEN_PLUS, "+"},
+                       {TOKEN_MINUS, "-"},
+                       {TOKEN_MULTIPLY, "*"},
+                       {TOKEN_DIVIDE, "/"},
+                       {TOKEN_POWER, "**"},
+                       {TOKEN_EQUAL, "="},
+                       {TOKEN_NOT_EQUAL, "<>"},
+                       {TOKEN_LESS, "<"},
+                       {TOKEN_GREATER, ">"},
+                       {TOKEN_LESS_OR_EQUAL, "<="},
+                       {TOKEN_GREATER_OR_EQUAL, ">="}}));
+    EXPECT_EQ(
+        scanAll(". .. ...", true),
+        (Lexemes{
+            {TOKEN_DOT, "."}, {TOKEN_DOT_DOT, ".."}, {TOKEN_DOT_DOT, ".."}, {TOKEN_DOT, "."}}));
 }
 
 TEST_F(Scanner, TwoOperationCharactersMakeOneToken) {
-    EXPECT_EQ(scanAll("<=-"), (Lexemes{{49, "<="}, {29, "-"}}));
-    EXPECT_EQ(scanAll("a+-b"), (Lexemes{{15, "a"}, {1, "+-"}, {15, "b"}}));
-    EXPECT_EQ(scanAll("=> =< :- - -"),
-              (Lexemes{{1, "=>"}, {1, "=<"}, {1, ":-"}, {29, "-"}, {29, "-"}}));
-    EXPECT_EQ(scanAll("*)"), (Lexemes{{30, "*"}, {52, ")"}}));
+    EXPECT_EQ(scanAll("<=-"), (Lexemes{{TOKEN_LESS_OR_EQUAL, "<="}, {TOKEN_MINUS, "-"}}));
+    EXPECT_EQ(scanAll("a+-b"),
+              (Lexemes{{TOKEN_IDENTIFIER, "a"}, {TOKEN_UNKNOWN, "+-"}, {TOKEN_IDENTIFIER, "b"}}));
+    EXPECT_EQ(scanAll("=> =< :- - -"), (Lexemes{{TOKEN_UNKNOWN, "=>"},
+                                                {TOKEN_UNKNOWN, "=<"},
+                                                {TOKEN_UNKNOWN, ":-"},
+                                                {TOKEN_MINUS, "-"},
+                                                {TOKEN_MINUS, "-"}}));
+    EXPECT_EQ(scanAll("*)"), (Lexemes{{TOKEN_MULTIPLY, "*"}, {TOKEN_RIGHT_PARENTHESIS, ")"}}));
 }
 
 TEST_F(Scanner, OtherCharactersAreUnknownTokens) {
-    EXPECT_EQ(scanAll("?!#$\"{ё"),
-              (Lexemes{{1, "?"}, {1, "!"}, {1, "#"}, {1, "$"}, {1, "\""}, {1, "{"}, {1, "ё"}}));
+    EXPECT_EQ(scanAll("?!#$\"{ё"), (Lexemes{{TOKEN_UNKNOWN, "?"},
+                                            {TOKEN_UNKNOWN, "!"},
+                                            {TOKEN_UNKNOWN, "#"},
+                                            {TOKEN_UNKNOWN, "$"},
+                                            {TOKEN_UNKNOWN, "\""},
+                                            {TOKEN_UNKNOWN, "{"},
+                                            {TOKEN_UNKNOWN, "ё"}}));
 }
 
 TEST_F(Scanner, NamesKeepTheirCaseAndDoNotBeginWithADigit) {
-    EXPECT_EQ(scanAll("x1 _a Счетчик_2 iF_"),
-              (Lexemes{{15, "x1"}, {15, "_a"}, {15, "Счетчик_2"}, {15, "iF_"}}));
-    EXPECT_EQ(scanAll("1x"), (Lexemes{{14, "1", 2}, {15, "x"}}));
-    EXPECT_EQ(scanAll("Счётчик"), (Lexemes{{15, "Сч"}, {1, "ё"}, {15, "тчик"}}));
+    EXPECT_EQ(scanAll("x1 _a Счетчик_2 iF_"), (Lexemes{{TOKEN_IDENTIFIER, "x1"},
+                                                       {TOKEN_IDENTIFIER, "_a"},
+                                                       {TOKEN_IDENTIFIER, "Счетчик_2"},
+                                                       {TOKEN_IDENTIFIER, "iF_"}}));
+    EXPECT_EQ(scanAll("1x"), (Lexemes{{TOKEN_NUMBER, "1", TYP_SINT}, {TOKEN_IDENTIFIER, "x"}}));
+    EXPECT_EQ(
+        scanAll("Счётчик"),
+        (Lexemes{{TOKEN_IDENTIFIER, "Сч"}, {TOKEN_UNKNOWN, "ё"}, {TOKEN_IDENTIFIER, "тчик"}}));
 }
 
 TEST_F(Scanner, NamesOfDeclaredFunctionsCarryTheCodesOfTheirKeywords) {
     FunctionItem function;
-    function.name = QStringLiteral("Площадь");
+    function.spelling = &SpellingOf(u"Площадь");
     FunctionItem block;
-    block.name = QStringLiteral("Pump");
+    block.spelling = &SpellingOf(u"Pump");
     block.isFunction = false;
     openSource("ПЛОЩАДЬ pump pumps");
     FunctionsList.append(function);
     FunctionsList.append(block);
-    EXPECT_EQ(scan(), (Lexeme{74, "ПЛОЩАДЬ"}));
+    EXPECT_EQ(scan(), (Lexeme{TOKEN_FUNCTION, "ПЛОЩАДЬ"}));
     EXPECT_EQ(Place(IdentPlace.end), "0:7");
-    EXPECT_EQ(scan(), (Lexeme{76, "pump"}));
-    EXPECT_EQ(scan(), (Lexeme{15, "pumps"}));
+    EXPECT_EQ(scan(), (Lexeme{TOKEN_FUNCTION_BLOCK, "pump"}));
+    EXPECT_EQ(scan(), (Lexeme{TOKEN_IDENTIFIER, "pumps"}));
+}
+
+TEST_F(Scanner, WordsAloneHaveASpelling) {
+    openSource("While Насос 1 'x' := ; level");
+    for (const QStringView word : {u"While", u"Насос"}) {
+        scan();
+        EXPECT_EQ(TokenSpelling, &SpellingOf(word)) << Utf8(word);
+    }
+    for (int i = 0; i < 4; ++i) {
+        scan();
+        EXPECT_EQ(TokenSpelling, nullptr) << Utf8(TokenName);
+    }
+    scan();
+    EXPECT_EQ(TokenSpelling, &SpellingOf(u"level"));
+}
+
+TEST_F(Scanner, TheRecordKeepsTheTypeThatScanReturned) {
+    openSource("300 x TRUE 1.5 (**) 2");
+    for (const Typ type : {TYP_INT, TYP_NONE, TYP_BOOL, TYP_REAL, TYP_NONE}) {
+        EXPECT_EQ(Scan(), type);
+        EXPECT_EQ(CurrentToken.type, type);
+    }
+}
+
+TEST_F(Scanner, MessagesQuoteTheTokenBeforeADeclaredOne) {
+    openSource("VAR CONSTANT x : (* + c *) y ;");
+    EXPECT_EQ(scan(), (Lexeme{TOKEN_VAR, "VAR"}));
+    for (const Token code : {TOKEN_CONSTANT, TOKEN_IDENTIFIER}) {
+        EXPECT_EQ(ScanDeclared(), TYP_NONE);
+        EXPECT_EQ(TokenChar, code);
+        EXPECT_EQ(Utf8(TokenName), "VAR");
+    }
+    EXPECT_EQ(Utf8(CurrentToken.text), "x");
+    EXPECT_EQ(scan(), (Lexeme{TOKEN_COLON, ":"}));
+    ScanDeclared();
+    EXPECT_EQ(Utf8(CurrentToken.text), "y");
+    EXPECT_EQ(Utf8(TokenName), "+");
+}
+
+TEST_F(Scanner, ATokenMayBeMadeToCountAsASemicolon) {
+    openSource("a :");
+    scan();
+    scan();
+    CountAsSemicolumn();
+    EXPECT_EQ(TokenChar, TOKEN_SEMICOLON);
+    EXPECT_EQ(Utf8(TokenName), ":");
 }
 
 TEST_F(Scanner, StringsAreUpperCaseAndHaveNoType) {
-    EXPECT_EQ(scanAll("'abc' '' 'ж // (* x' y"),
-              (Lexemes{{16, "ABC"}, {16, ""}, {16, "Ж // (* X"}, {15, "y"}}));
+    EXPECT_EQ(scanAll("'abc' '' 'ж // (* x' y"), (Lexemes{{TOKEN_STRING, "ABC"},
+                                                          {TOKEN_STRING, ""},
+                                                          {TOKEN_STRING, "Ж // (* X"},
+                                                          {TOKEN_IDENTIFIER, "y"}}));
 }
 
 TEST_F(Scanner, UnterminatedStrings) {
@@ -358,20 +290,20 @@ TEST_F(Scanner, UnterminatedStrings) {
     expectFailureOf("'", 1, "Unterminated string");
 }
 
-TEST_F(Scanner, OnlyPunctuationMayLeaveTheWhiteSpaceBehindIt) {
+TEST_F(Scanner, OnlyPunctuationMayLeaveTheWhiteSpaceAfterIt) {
     openSource("( a + 1 'x' ; b");
-    EXPECT_EQ(scan(false, false), (Lexeme{51, "("}));
+    EXPECT_EQ(scan(false, false), (Lexeme{TOKEN_LEFT_PARENTHESIS, "("}));
     EXPECT_EQ(Look, QLatin1Char(' '));
     SkipWhite();
     for (const char next : {'+', '1', '\'', ';'}) {
         scan(false, false);
         EXPECT_EQ(Look, QLatin1Char(next));
     }
-    EXPECT_EQ(scan(false, true), (Lexeme{4, ";"}));
+    EXPECT_EQ(scan(false, true), (Lexeme{TOKEN_SEMICOLON, ";"}));
     EXPECT_EQ(Look, QLatin1Char('b'));
 }
 
-TEST_F(Scanner, NothingComesBehindTheEndOfTheSource) {
+TEST_F(Scanner, NothingComesAfterTheEndOfTheSource) {
     openSource(" x ");
     scan();
     ExpectFailure([] { scan(); }, ErrorAt(1, 2, "An unexpected end of input file"));
@@ -386,7 +318,7 @@ TEST_F(Scanner, NothingComesBehindTheEndOfTheSource) {
 
 struct Number {
     std::string source;
-    int type;
+    Typ type;
     std::string text = source;
 };
 
@@ -398,7 +330,8 @@ class Numbers : public Scanner {
 protected:
     void expectNumbers(const std::vector<Number>& numbers) const {
         for (const Number& number : numbers) {
-            EXPECT_EQ(scanAll(number.source), (Lexemes{{14, number.text, number.type}}));
+            EXPECT_EQ(scanAll(number.source),
+                      (Lexemes{{TOKEN_NUMBER, number.text, number.type}}));
         }
     }
     void expectTooMuch(const std::string& source) const {
@@ -407,43 +340,43 @@ protected:
 };
 
 TEST_F(Numbers, DecimalTypesAtEveryThreshold) {
-    expectNumbers({{"0", 2},
-                   {"127", 2},
-                   {"128", 3},
-                   {"255", 3},
-                   {"256", 4},
-                   {"32767", 4},
-                   {"32768", 5},
-                   {"65535", 5},
-                   {"65536", 6},
-                   {"2147483647", 6},
-                   {"2147483648", 7},
-                   {"4294967295", 7},
-                   {"000128", 3}});
+    expectNumbers({{"0", TYP_SINT},
+                   {"127", TYP_SINT},
+                   {"128", TYP_USINT},
+                   {"255", TYP_USINT},
+                   {"256", TYP_INT},
+                   {"32767", TYP_INT},
+                   {"32768", TYP_UINT},
+                   {"65535", TYP_UINT},
+                   {"65536", TYP_DINT},
+                   {"2147483647", TYP_DINT},
+                   {"2147483648", TYP_UDINT},
+                   {"4294967295", TYP_UDINT},
+                   {"000128", TYP_USINT}});
     expectTooMuch("4294967296");
     expectTooMuch("9223372036854775807");
 }
 
 TEST_F(Numbers, DecimalsBeyond64BitsAreSintUpTo254Digits) {
-    expectNumbers({{"99999999999999999999", 2}, {Repeat('9', 254), 2}});
+    expectNumbers({{"99999999999999999999", TYP_SINT}, {Repeat('9', 254), TYP_SINT}});
     expectTooMuch(Repeat('9', 255));
     expectTooMuch(Repeat('0', 255));
 }
 
 TEST_F(Numbers, HexTypesAtEveryThreshold) {
-    expectNumbers({{"16#0", 2},
-                   {"16#7F", 2},
-                   {"16#80", 3},
-                   {"16#ff", 3, "16#FF"},
-                   {"16#100", 4},
-                   {"16#7FFF", 4},
-                   {"16#8000", 5},
-                   {"16#FfFf", 5, "16#FFFF"},
-                   {"16#10000", 6},
-                   {"16#7FFFFFFF", 6},
-                   {"16#80000000", 7},
-                   {"16#FFFFFFFF", 7},
-                   {"16#" + Repeat('0', 249) + "80", 3}});
+    expectNumbers({{"16#0", TYP_SINT},
+                   {"16#7F", TYP_SINT},
+                   {"16#80", TYP_USINT},
+                   {"16#ff", TYP_USINT, "16#FF"},
+                   {"16#100", TYP_INT},
+                   {"16#7FFF", TYP_INT},
+                   {"16#8000", TYP_UINT},
+                   {"16#FfFf", TYP_UINT, "16#FFFF"},
+                   {"16#10000", TYP_DINT},
+                   {"16#7FFFFFFF", TYP_DINT},
+                   {"16#80000000", TYP_UDINT},
+                   {"16#FFFFFFFF", TYP_UDINT},
+                   {"16#" + Repeat('0', 249) + "80", TYP_USINT}});
     expectTooMuch("16#100000000");
     expectTooMuch("16#7FFFFFFFFFFFFFFF");
     expectTooMuch("16#10000000000000000");
@@ -451,14 +384,14 @@ TEST_F(Numbers, HexTypesAtEveryThreshold) {
 }
 
 TEST_F(Numbers, OctalsAreTypedByTheirDigitsInBase16) {
-    expectNumbers({{"8#0", 2},
-                   {"8#77", 2},
-                   {"8#100", 4},
-                   {"8#377", 4},
-                   {"8#7777", 4},
-                   {"8#10000", 6},
-                   {"8#77777777", 6},
-                   {"8#" + Repeat('0', 249) + "100", 4}});
+    expectNumbers({{"8#0", TYP_SINT},
+                   {"8#77", TYP_SINT},
+                   {"8#100", TYP_INT},
+                   {"8#377", TYP_INT},
+                   {"8#7777", TYP_INT},
+                   {"8#10000", TYP_DINT},
+                   {"8#77777777", TYP_DINT},
+                   {"8#" + Repeat('0', 249) + "100", TYP_INT}});
     expectTooMuch("8#100000000");
     expectTooMuch("8#" + Repeat('0', 253));
 }
@@ -468,56 +401,67 @@ TEST_F(Numbers, BinaryTypesAtEveryThreshold) {
         return "2#" + Repeat('1', static_cast<std::size_t>(ones)) +
                Repeat('0', static_cast<std::size_t>(zeros));
     };
-    expectNumbers({{binary(0, 1), 2},
-                   {binary(7, 0), 2},
-                   {binary(1, 7), 3},
-                   {binary(8, 0), 3},
-                   {binary(1, 8), 4},
-                   {binary(15, 0), 4},
-                   {binary(1, 15), 5},
-                   {binary(16, 0), 5},
-                   {binary(1, 16), 6},
-                   {binary(31, 0), 6},
-                   {binary(1, 31), 7},
-                   {binary(32, 0), 7},
-                   {binary(0, 32), 2}});
+    expectNumbers({{binary(0, 1), TYP_SINT},
+                   {binary(7, 0), TYP_SINT},
+                   {binary(1, 7), TYP_USINT},
+                   {binary(8, 0), TYP_USINT},
+                   {binary(1, 8), TYP_INT},
+                   {binary(15, 0), TYP_INT},
+                   {binary(1, 15), TYP_UINT},
+                   {binary(16, 0), TYP_UINT},
+                   {binary(1, 16), TYP_DINT},
+                   {binary(31, 0), TYP_DINT},
+                   {binary(1, 31), TYP_UDINT},
+                   {binary(32, 0), TYP_UDINT},
+                   {binary(0, 32), TYP_SINT}});
     expectTooMuch(binary(33, 0));
     expectTooMuch(binary(0, 33));
 }
 
 TEST_F(Numbers, RealsAndTheirTypes) {
-    expectNumbers({{".5", 8, "0.5"},
-                   {"5.", 8, "5.0"},
-                   {"007.250", 8},
-                   {"5.e3", 8, "5.0E3"},
-                   {"1.5e+3", 8, "1.5E+3"},
-                   {"1.5E-3", 8},
-                   {"1.0e", 8, "1.0E"},
-                   {"3.4e38", 8, "3.4E38"},
-                   {"3.4000001e38", 9, "3.4000001E38"},
-                   {"1.0e40", 9, "1.0E40"},
-                   {"1.0E400", 9},
-                   {"1." + Repeat('0', 252), 8}});
+    expectNumbers({{".5", TYP_REAL, "0.5"},
+                   {"5.", TYP_REAL, "5.0"},
+                   {"007.250", TYP_REAL},
+                   {"5.e3", TYP_REAL, "5.0E3"},
+                   {"1.5e+3", TYP_REAL, "1.5E+3"},
+                   {"1.5E-3", TYP_REAL},
+                   {"1.0e", TYP_REAL, "1.0E"},
+                   {"3.4e38", TYP_REAL, "3.4E38"},
+                   {"3.4000001e38", TYP_LREAL, "3.4000001E38"},
+                   {"1.0e40", TYP_LREAL, "1.0E40"},
+                   {"1.0E400", TYP_LREAL},
+                   {"1." + Repeat('0', 252), TYP_REAL}});
     expectTooMuch("1." + Repeat('0', 253));
     expectTooMuch("1.0E" + Repeat('0', 251));
     expectTooMuch(Repeat('1', 254) + '.');
 }
 
 TEST_F(Numbers, ADotEndsANumberWhereOnlyIntegersAreRead) {
-    EXPECT_EQ(scanAll("1..5", true), (Lexemes{{14, "1", 2}, {7, ".."}, {14, "5", 2}}));
-    EXPECT_EQ(scanAll("1.5", true), (Lexemes{{14, "1", 2}, {6, "."}, {14, "5", 2}}));
-    EXPECT_EQ(scanAll("16#F.", true), (Lexemes{{14, "16#F", 2}, {6, "."}}));
-    EXPECT_EQ(scanAll("1..5"), (Lexemes{{14, "1.0", 8}, {14, "0.5", 8}}));
-    EXPECT_EQ(scanAll("."), (Lexemes{{14, "0.0", 8}}));
+    EXPECT_EQ(scanAll("1..5", true), (Lexemes{{TOKEN_NUMBER, "1", TYP_SINT},
+                                              {TOKEN_DOT_DOT, ".."},
+                                              {TOKEN_NUMBER, "5", TYP_SINT}}));
+    EXPECT_EQ(scanAll("1.5", true), (Lexemes{{TOKEN_NUMBER, "1", TYP_SINT},
+                                             {TOKEN_DOT, "."},
+                                             {TOKEN_NUMBER, "5", TYP_SINT}}));
+    EXPECT_EQ(scanAll("16#F.", true),
+              (Lexemes{{TOKEN_NUMBER, "16#F", TYP_SINT}, {TOKEN_DOT, "."}}));
+    EXPECT_EQ(scanAll("1..5"),
+              (Lexemes{{TOKEN_NUMBER, "1.0", TYP_REAL}, {TOKEN_NUMBER, "0.5", TYP_REAL}}));
+    EXPECT_EQ(scanAll("."), (Lexemes{{TOKEN_NUMBER, "0.0", TYP_REAL}}));
 }
 
 TEST_F(Numbers, EndAtTheFirstCharacterThatIsNoDigitOfTheirs) {
-    EXPECT_EQ(scanAll("1e40"), (Lexemes{{14, "1", 2}, {15, "e40"}}));
-    EXPECT_EQ(scanAll("16#1G"), (Lexemes{{14, "16#1", 2}, {15, "G"}}));
-    EXPECT_EQ(scanAll("8#78"), (Lexemes{{14, "8#7", 2}, {14, "8", 2}}));
-    EXPECT_EQ(scanAll("2#12"), (Lexemes{{14, "2#1", 2}, {14, "2", 2}}));
-    EXPECT_EQ(scanAll("2#1.5"), (Lexemes{{14, "2#1", 2}, {14, "0.5", 8}}));
-    EXPECT_EQ(scanAll("1 #"), (Lexemes{{14, "1", 2}, {1, "#"}}));
+    EXPECT_EQ(scanAll("1e40"),
+              (Lexemes{{TOKEN_NUMBER, "1", TYP_SINT}, {TOKEN_IDENTIFIER, "e40"}}));
+    EXPECT_EQ(scanAll("16#1G"),
+              (Lexemes{{TOKEN_NUMBER, "16#1", TYP_SINT}, {TOKEN_IDENTIFIER, "G"}}));
+    EXPECT_EQ(scanAll("8#78"),
+              (Lexemes{{TOKEN_NUMBER, "8#7", TYP_SINT}, {TOKEN_NUMBER, "8", TYP_SINT}}));
+    EXPECT_EQ(scanAll("2#12"),
+              (Lexemes{{TOKEN_NUMBER, "2#1", TYP_SINT}, {TOKEN_NUMBER, "2", TYP_SINT}}));
+    EXPECT_EQ(scanAll("2#1.5"),
+              (Lexemes{{TOKEN_NUMBER, "2#1", TYP_SINT}, {TOKEN_NUMBER, "0.5", TYP_REAL}}));
+    EXPECT_EQ(scanAll("1 #"), (Lexemes{{TOKEN_NUMBER, "1", TYP_SINT}, {TOKEN_UNKNOWN, "#"}}));
 }
 
 TEST_F(Numbers, OnlyThreePrefixesSelectABase) {
@@ -538,18 +482,23 @@ TEST_F(Numbers, APrefixNeedsADigitOfItsBase) {
 // ---------------------------------------------------------------------------------------------
 
 TEST_F(Scanner, CommentsAreSkipped) {
-    EXPECT_EQ(scanAll("// c\n a //\n//// ' (*\nb"), (Lexemes{{15, "a"}, {15, "b"}}));
-    EXPECT_EQ(scanAll("(* c *) a(**)b (*\n\n ' // *)c"),
-              (Lexemes{{15, "a"}, {15, "b"}, {15, "c"}}));
-    EXPECT_EQ(scanAll("/ /"), (Lexemes{{31, "/"}, {31, "/"}}));
-    EXPECT_EQ(scanAll("( *"), (Lexemes{{51, "("}, {30, "*"}}));
+    EXPECT_EQ(scanAll("// c\n a //\n//// ' (*\nb"),
+              (Lexemes{{TOKEN_IDENTIFIER, "a"}, {TOKEN_IDENTIFIER, "b"}}));
+    EXPECT_EQ(
+        scanAll("(* c *) a(**)b (*\n\n ' // *)c"),
+        (Lexemes{{TOKEN_IDENTIFIER, "a"}, {TOKEN_IDENTIFIER, "b"}, {TOKEN_IDENTIFIER, "c"}}));
+    EXPECT_EQ(scanAll("/ /"), (Lexemes{{TOKEN_DIVIDE, "/"}, {TOKEN_DIVIDE, "/"}}));
+    EXPECT_EQ(scanAll("( *"), (Lexemes{{TOKEN_LEFT_PARENTHESIS, "("}, {TOKEN_MULTIPLY, "*"}}));
 }
 
 TEST_F(Scanner, CommentsEndAtTheFirstStarAndParenthesis) {
-    EXPECT_EQ(scanAll("(* a (* b *) c *)"), (Lexemes{{15, "c"}, {30, "*"}, {52, ")"}}));
+    EXPECT_EQ(scanAll("(* a (* b *) c *)"), (Lexemes{{TOKEN_IDENTIFIER, "c"},
+                                                     {TOKEN_MULTIPLY, "*"},
+                                                     {TOKEN_RIGHT_PARENTHESIS, ")"}}));
     for (const char* comment : {"(***)", "(****)", "(* ***)", "(*)*)", "(*/*)", "(*-+*)", "(*:*)",
                                 "(* + *)", "(*a*)", "(* ** ) * ) *\n) *)"}) {
-        EXPECT_EQ(scanAll(std::string(comment) + "x"), (Lexemes{{15, "x"}})) << comment;
+        EXPECT_EQ(scanAll(std::string(comment) + "x"), (Lexemes{{TOKEN_IDENTIFIER, "x"}}))
+            << comment;
     }
 }
 
@@ -564,8 +513,11 @@ TEST_F(Scanner, CommentsThatDoNotEnd) {
 }
 
 TEST_F(Scanner, ACommentHidesTheTypeAndReadsWithFractions) {
-    EXPECT_EQ(scanAll("(**)1 //\nTRUE 1.5"), (Lexemes{{14, "1"}, {43, "TRUE"}, {14, "1.5", 8}}));
-    EXPECT_EQ(scanAll("1 (**) .5", true), (Lexemes{{14, "1", 2}, {14, "0.5"}}));
+    EXPECT_EQ(
+        scanAll("(**)1 //\nTRUE 1.5"),
+        (Lexemes{{TOKEN_NUMBER, "1"}, {TOKEN_TRUE, "TRUE"}, {TOKEN_NUMBER, "1.5", TYP_REAL}}));
+    EXPECT_EQ(scanAll("1 (**) .5", true),
+              (Lexemes{{TOKEN_NUMBER, "1", TYP_SINT}, {TOKEN_NUMBER, "0.5"}}));
 }
 
 TEST_F(Scanner, ManyCommentsInARow) {
@@ -573,7 +525,7 @@ TEST_F(Scanner, ManyCommentsInARow) {
     for (int i = 0; i < 100000; ++i) {
         source += "(**)//\n";
     }
-    EXPECT_EQ(scanAll(source + "x"), (Lexemes{{15, "x"}}));
+    EXPECT_EQ(scanAll(source + "x"), (Lexemes{{TOKEN_IDENTIFIER, "x"}}));
     EXPECT_EQ(Place(TokenPosBeg), "100000:0");
 }
 
@@ -588,7 +540,7 @@ struct PlacedToken {
     std::string end;
 };
 
-TEST_F(Scanner, TokensBeginAtTheirFirstCharacterAndEndBehindTheirLast) {
+TEST_F(Scanner, TokensBeginAtTheirFirstCharacterAndEndAfterTheirLast) {
     const std::vector<PlacedToken> tokens = {
         {"abc", 1, "0:0", "0:3"},
         {"  abc  ", 1, "0:2", "0:5"},
@@ -636,15 +588,13 @@ TEST_F(Scanner, StringsEndAtTheirClosingQuoteAndUnknownCharactersWhereTheyBegin)
     EXPECT_EQ(Place(TokenPosBeg) + ' ' + Place(TokenPosEnd), "0:9 0:9");
 }
 
-TEST_F(Scanner, IdentPlaceIsThatOfTheLastIdentifier) {
+TEST_F(Scanner, IdentPlaceIsThatOfTheCurrentIdentifier) {
     EXPECT_EQ(Place(IdentPlace.begin), "-1:-1");
-    openSource("abc \n de IF 12 'x'");
+    openSource("abc \n de IF");
     scan();
     EXPECT_EQ(Place(IdentPlace.begin) + ' ' + Place(IdentPlace.end), "0:0 0:3");
-    for (int i = 0; i < 4; ++i) {
-        scan();
-        EXPECT_EQ(Place(IdentPlace.begin) + ' ' + Place(IdentPlace.end), "1:1 1:3");
-    }
+    scan();
+    EXPECT_EQ(Place(IdentPlace.begin) + ' ' + Place(IdentPlace.end), "1:1 1:3");
 }
 
 TEST_F(Scanner, ALineFeedStandsAtColumnMinusOneOfTheLineItOpens) {
@@ -677,13 +627,16 @@ TEST_F(Scanner, SkippingStopsAtTheFirstOtherCharacter) {
 
 TEST_F(Scanner, ScanNameReadsAnyWordAndConsultsNoFunctions) {
     FunctionItem function;
-    function.name = QStringLiteral("имя");
+    function.spelling = &SpellingOf(u"имя");
     openSource("Имя While x ");
     FunctionsList.append(function);
-    ScanName(TokenName, true);
+    ScanName();
     EXPECT_EQ(Utf8(TokenName), "Имя");
     EXPECT_EQ(TokenChar, TOKEN_IDENTIFIER);
-    ScanName(TokenName, false);
+    EXPECT_EQ(TokenSpelling, &SpellingOf(u"Имя"));
+    EXPECT_EQ(Look, QLatin1Char(' '));
+    SkipWhite();
+    ScanName();
     EXPECT_EQ(Utf8(TokenName), "While");
     EXPECT_EQ(TokenChar, TOKEN_WHILE);
     EXPECT_EQ(Place(IdentPlace.begin) + ' ' + Place(IdentPlace.end), "0:4 0:9");
@@ -691,55 +644,51 @@ TEST_F(Scanner, ScanNameReadsAnyWordAndConsultsNoFunctions) {
 }
 
 TEST_F(Scanner, ScanNameRefusesWhatBeginsNoName) {
-    const auto scanName = [] { ScanName(TokenName, true); };
     openSource("1x");
-    ExpectFailure(scanName, ErrorAt(1, 1, "The identifier was expected but a number found"));
+    ExpectFailure(ScanName, ErrorAt(1, 1, "The identifier was expected but a number found"));
     ResetCompiler();
     openSource(" ;");
-    ExpectFailure(scanName, ErrorAt(1, 2, "The identifier was expected but ';' found"));
+    ExpectFailure(ScanName, ErrorAt(1, 2, "The identifier was expected but ';' found"));
     ResetCompiler();
     openSource("");
-    ExpectFailure(scanName, ErrorAt(0, 0, "An unexpected end of input file"));
+    ExpectFailure(ScanName, ErrorAt(0, 0, "An unexpected end of input file"));
 }
 
 TEST_F(Scanner, AnErrorAtALineFeedShowsColumnZero) {
     OpenInputCodeFile(writeFile("source.st", "\n"));
     GetChar();
-    ExpectFailure([] { ScanName(TokenName, true); },
-                  ErrorAt(2, 0, "The identifier was expected but '\n' found"));
+    ExpectFailure(ScanName, ErrorAt(2, 0, "The identifier was expected but '\n' found"));
 }
 
 TEST_F(Scanner, GetTypeReadsLatinNamesInUpperCaseAndLeavesTheTokenAlone) {
-    QString text = QStringLiteral("rest");
     openSource(" lReal_8 uintж ");
-    TokenChar = TOKEN_COLON;
-    GetType(text, true);
-    EXPECT_EQ(Utf8(text), "LREAL_8");
+    CurrentToken.code = TOKEN_COLON;
+    CurrentToken.quoted = u"rest";
+    GetType();
+    EXPECT_EQ(Utf8(CurrentToken.text), "LREAL_8");
+    EXPECT_EQ(TokenSpelling, &SpellingOf(u"LREAL_8"));
     EXPECT_EQ(Place(TokenPosBeg) + ' ' + Place(TokenPosEnd), "0:1 0:8");
     EXPECT_EQ(Look, QLatin1Char('u'));
-    GetType(text, false);
-    EXPECT_EQ(Utf8(text), "UINT");
+    GetType();
+    EXPECT_EQ(Utf8(CurrentToken.text), "UINT");
     EXPECT_EQ(Look, QChar(0x0436));
     EXPECT_EQ(TokenChar, TOKEN_COLON);
+    EXPECT_EQ(Utf8(TokenName), "rest");
 }
 
-TEST_F(Scanner, GetTypeLeavesTheWhiteSpaceWhereAsked) {
-    QString text;
-    openSource("INT ;");
-    GetType(text, false);
-    EXPECT_EQ(Look, QLatin1Char(' '));
+// The capital of the dotless i is I, so a type is found where the name of a variable differs.
+TEST_F(Scanner, GetTypeTakesTheCapitalsOfItsLetters) {
+    openSource("d\u0131nt");
+    GetType();
+    EXPECT_EQ(TokenSpelling, &SpellingOf(u"DINT"));
 }
 
 TEST_F(Scanner, GetTypeRefusesWhatBeginsNoLatinName) {
-    const auto getType = [] {
-        QString text;
-        GetType(text, true);
-    };
     openSource(" 8INT");
-    ExpectFailure(getType, ErrorAt(1, 2, "The identifier was expected but a number found"));
+    ExpectFailure(GetType, ErrorAt(1, 2, "The identifier was expected but a number found"));
     ResetCompiler();
     openSource("ЖINT");
-    ExpectFailure(getType, ErrorAt(1, 1, "The identifier was expected but 'Ж' found"));
+    ExpectFailure(GetType, ErrorAt(1, 1, "The identifier was expected but 'Ж' found"));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -749,9 +698,9 @@ TEST_F(Scanner, GetTypeRefusesWhatBeginsNoLatinName) {
 class Matching : public CompilerTest {
 protected:
     Matching() {
-        TokenChar = TOKEN_IDENTIFIER;
-        TokenName = u"x";
-        TokenPosBeg = {11, 4};
+        CurrentToken.code = TOKEN_IDENTIFIER;
+        CurrentToken.quoted = u"x";
+        CurrentToken.place.begin = {11, 4};
     }
     template <typename Action>
     static void expectFailure(const Action& match, const std::string& text) {
@@ -778,7 +727,7 @@ TEST_F(Matching, OneToken) {
     expectFailure([] { Match(TOKEN_NUMBER, "IF"_L1); }, "Number expected but \"x\" found (IF)");
     expectFailure([] { Match(TOKEN_STRING); }, "An unrecognized keyword \"x\"");
     expectFailure([] { Match(TOKEN_UNKNOWN, "IF"_L1); }, "An unrecognized keyword \"x\" (IF)");
-    TokenChar = TOKEN_IF;
+    CurrentToken.code = TOKEN_IF;
     expectFailure([] { Match(TOKEN_IDENTIFIER); }, "Identifier expected but \"x\" found");
 }
 
@@ -801,11 +750,26 @@ TEST_F(Matching, ThreeTokens) {
                   "An unrecognized keyword \"x\"");
 }
 
+TEST_F(Matching, GoesOnBeforeOrAfter) {
+    openSource("1.5 IF 300");
+    EXPECT_EQ(MatchAndScan(TOKEN_IDENTIFIER), TYP_REAL);
+    EXPECT_EQ(ScanAndMatch(TOKEN_IF), TYP_NONE);
+    EXPECT_EQ(ScanAndMatch(TOKEN_NUMBER), TYP_INT);
+    ExpectFailure([] { MatchAndScan(TOKEN_IF); },
+                  ErrorAt(1, 8, "\"IF\" expected but \"300\" found"));
+}
+
+TEST_F(Matching, IsOfTheTokenThatWasScanned) {
+    openSource("IF");
+    ExpectFailure([] { ScanAndMatch(TOKEN_THEN); },
+                  ErrorAt(1, 1, "\"THEN\" expected but \"IF\" found"));
+}
+
 TEST_F(Matching, NamesOfUnits) {
     MatchProgName();
     MatchFuncName();
     MatchProcName();
-    TokenChar = TOKEN_FUNCTION;
+    CurrentToken.code = TOKEN_FUNCTION;
     expectFailure(MatchProgName, "The program name was expected but \"x\" found");
     expectFailure(MatchFuncName, "The function name was expected but \"x\" found");
     expectFailure(MatchProcName, "The procedure name was expected but \"x\" found");

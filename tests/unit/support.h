@@ -12,11 +12,13 @@
 
 #include <array>
 #include <cstdio>
+#include <ostream>
 #include <string>
 
 #include "qyx_files.h"
 #include "qyx_globals.h"
 #include "qyx_scanner.h"
+#include "qyx_types.h"
 
 // Brings the global state back to that of a process that has just started.
 inline void ResetCompiler() {
@@ -32,12 +34,8 @@ inline void ResetCompiler() {
     g_InputCodeFileCurrentLineCount = 0;
     g_InputCodeFileCurrentPosCount = -1;
     Look = QChar();
-    TokenPosBeg = {-1, -1};
-    TokenPosEnd = {-1, -1};
-    IdentPlace = {{-1, -1}, {-1, -1}};
-    TokenChar = TOKEN_UNKNOWN;
-    TokenName = {};
-    TokenSpelling = nullptr;
+    IsCommentNow = false;
+    CurrentToken = ScannedToken();
     LabelCount = 1;
     FunctionsList.clear();
     ProgramName.clear();
@@ -50,6 +48,44 @@ inline std::string ContentOf(const QString& name) {
 
 inline std::string Utf8(QStringView text) {
     return text.toUtf8().toStdString();
+}
+
+// The name of a type, in the texts of tests and in what failures print.
+inline std::string NameOf(Typ type) {
+    return type == TYP_NONE ? "none" : Utf8(QString(TypToStr(type)));
+}
+
+// The text of a token in the table, or the name of its kind.
+inline std::string NameOf(Token code) {
+    switch (code) {
+        case TOKEN_UNKNOWN:
+            return "unknown";
+        case TOKEN_NUMBER:
+            return "number";
+        case TOKEN_IDENTIFIER:
+            return "identifier";
+        case TOKEN_STRING:
+            return "string";
+        default:
+            return Lookup(code) == NO_ROW ? "none" : TokensTable[Lookup(code)].text.data();
+    }
+}
+
+// GoogleTest prints the values of failed comparisons with these.
+inline void PrintTo(Typ type, std::ostream* out) {
+    *out << NameOf(type);
+}
+inline void PrintTo(Token code, std::ostream* out) {
+    *out << NameOf(code);
+}
+
+// The text with every second character in lower case.
+inline QString MixedCase(const QString& text) {
+    QString mixed = text;
+    for (int i = 0; i < mixed.size(); i += 2) {
+        mixed[i] = mixed[i].toLower();
+    }
+    return mixed;
 }
 
 // A place as "line:column", both 0-based.

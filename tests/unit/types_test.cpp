@@ -2,11 +2,13 @@
 
 #include "qyx_types.h"
 
+#include <map>
+#include <sstream>
+#include <vector>
+
 #include "support.h"
 
 namespace {
-
-constexpr std::size_t CODES_COUNT = 12;
 
 Typ TypOf(std::size_t code) {
     return static_cast<Typ>(code);
@@ -15,7 +17,7 @@ Typ TypOf(std::size_t code) {
 class Types : public CompilerTest {};
 
 struct TypeRow {
-    int code;
+    Typ type;
     const char* name;
     const char* shortName;
     bool isBoolean;
@@ -23,41 +25,43 @@ struct TypeRow {
     bool isDigit;
 };
 
-constexpr std::array<TypeRow, CODES_COUNT> TYPES = {{
-    {0, "", "", false, true, true},
-    {1, "BOOL", "BL", true, false, false},
-    {2, "SINT", "SB", false, true, true},
-    {3, "USINT", "UB", false, true, true},
-    {4, "INT", "SI", false, true, true},
-    {5, "UINT", "UI", false, true, true},
-    {6, "DINT", "SD", false, true, true},
-    {7, "UDINT", "UD", false, true, true},
-    {8, "REAL", "SR", false, false, true},
-    {9, "LREAL", "LR", false, false, true},
-    {10, "STRING", "PS", false, false, false},
-    {11, "ARRAY", "PA", false, false, false},
+constexpr std::array<TypeRow, TYP_CODES_COUNT> TYPES = {{
+    {TYP_NONE, "", "", false, true, true},
+    {TYP_BOOL, "BOOL", "BL", true, false, false},
+    {TYP_SINT, "SINT", "SB", false, true, true},
+    {TYP_USINT, "USINT", "UB", false, true, true},
+    {TYP_INT, "INT", "SI", false, true, true},
+    {TYP_UINT, "UINT", "UI", false, true, true},
+    {TYP_DINT, "DINT", "SD", false, true, true},
+    {TYP_UDINT, "UDINT", "UD", false, true, true},
+    {TYP_REAL, "REAL", "SR", false, false, true},
+    {TYP_LREAL, "LREAL", "LR", false, false, true},
+    {TYP_STRING, "STRING", "PS", false, false, false},
+    {TYP_ARRAY, "ARRAY", "PA", false, false, false},
 }};
 
 TEST_F(Types, NamesOfEveryCode) {
-    for (std::size_t code = 0; code < CODES_COUNT; ++code) {
-        SCOPED_TRACE(code);
-        EXPECT_EQ(TYPES[code].code, static_cast<int>(code));
-        EXPECT_EQ(TypToStr(TypOf(code)), QLatin1String(TYPES[code].name));
-        EXPECT_EQ(TypToShortStr(TypOf(code)), QLatin1String(TYPES[code].shortName));
+    for (std::size_t code = 0; code < TYPES.size(); ++code) {
+        const TypeRow& row = TYPES[code];
+        EXPECT_EQ(row.type, TypOf(code));
+        EXPECT_EQ(TypToStr(row.type), QLatin1String(row.name));
+        EXPECT_EQ(TypToShortStr(row.type), QLatin1String(row.shortName)) << row.name;
     }
 }
 
-TEST_F(Types, CodesBeyondTheTableHaveNoName) {
-    EXPECT_TRUE(TypToStr(TypOf(CODES_COUNT)).isEmpty());
-    EXPECT_TRUE(TypToShortStr(TypOf(CODES_COUNT)).isEmpty());
+TEST_F(Types, CodesBeyondTheTableHaveNoNameAndNoClass) {
+    const Typ beyond = TypOf(TYP_CODES_COUNT);
+    EXPECT_TRUE(TypToStr(beyond).isEmpty());
+    EXPECT_TRUE(TypToShortStr(beyond).isEmpty());
+    EXPECT_FALSE(IsTypBoolean(beyond) || IsTypOrdinal(beyond) || IsTypDigit(beyond));
 }
 
 TEST_F(Types, ClassesOfEveryCode) {
-    for (std::size_t code = 0; code < CODES_COUNT; ++code) {
-        SCOPED_TRACE(TYPES[code].name);
-        EXPECT_EQ(IsTypBoolean(TypOf(code)), TYPES[code].isBoolean);
-        EXPECT_EQ(IsTypOrdinal(TypOf(code)), TYPES[code].isOrdinal);
-        EXPECT_EQ(IsTypDigit(TypOf(code)), TYPES[code].isDigit);
+    for (const TypeRow& row : TYPES) {
+        SCOPED_TRACE(NameOf(row.type));
+        EXPECT_EQ(IsTypBoolean(row.type), row.isBoolean);
+        EXPECT_EQ(IsTypOrdinal(row.type), row.isOrdinal);
+        EXPECT_EQ(IsTypDigit(row.type), row.isDigit);
     }
 }
 
@@ -65,62 +69,93 @@ TEST_F(Types, ClassesOfEveryCode) {
 // Conversion
 // ---------------------------------------------------------------------------------------------
 
-// The resulting code by the current type (row) and the next type (column); X: they do not
+// The resulting type by the current type (row) and the next type (column); -: they do not
 // combine.
-constexpr int X = -1;
-using ConversionTable = std::array<std::array<int, CODES_COUNT>, CODES_COUNT>;
+constexpr const char* NOT_STRICT = R"(
+        none   BOOL  SINT  USINT  INT   UINT  DINT  UDINT  REAL  LREAL  STRING  ARRAY
+none    none   BOOL  SINT  USINT  INT   UINT  DINT  UDINT  REAL  LREAL  STRING  ARRAY
+BOOL    -      BOOL  -     -      -     -     -     -      -     -      -       -
+SINT    SINT   -     SINT  USINT  INT   UINT  DINT  UDINT  REAL  LREAL  -       -
+USINT   SINT   -     SINT  USINT  INT   UINT  DINT  UDINT  REAL  LREAL  -       -
+INT     INT    -     INT   INT    INT   UINT  DINT  UDINT  REAL  LREAL  -       -
+UINT    UINT   -     UINT  UINT   UINT  UINT  DINT  UDINT  REAL  LREAL  -       -
+DINT    DINT   -     DINT  DINT   DINT  DINT  DINT  UDINT  REAL  LREAL  -       -
+UDINT   UDINT  -     UDINT UDINT  UDINT UDINT UDINT UDINT  REAL  LREAL  -       -
+REAL    REAL   REAL  REAL  REAL   REAL  REAL  REAL  REAL   REAL  LREAL  -       -
+LREAL   LREAL  -     LREAL LREAL  LREAL LREAL LREAL LREAL  LREAL LREAL  -       -
+STRING  -      -     -     -      -     -     -     -      -     -      STRING  -
+ARRAY   -      -     -     -      -     -     -     -      -     -      -       -
+)";
 
-constexpr ConversionTable NOT_STRICT = {{
-    {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11},  // no type
-    {X, 1, X, X, X, X, X, X, X, X, X, X},    // BOOL
-    {2, X, 2, 3, 4, 5, 6, 7, 8, 9, X, X},    // SINT
-    {2, X, 2, 3, 4, 5, 6, 7, 8, 9, X, X},    // USINT
-    {4, X, 4, 4, 4, 5, 6, 7, 8, 9, X, X},    // INT
-    {5, X, 5, 5, 5, 5, 6, 7, 8, 9, X, X},    // UINT
-    {6, X, 6, 6, 6, 6, 6, 7, 8, 9, X, X},    // DINT
-    {7, X, 7, 7, 7, 7, 7, 7, 8, 9, X, X},    // UDINT
-    {8, 8, 8, 8, 8, 8, 8, 8, 8, 9, X, X},    // REAL
-    {9, X, 9, 9, 9, 9, 9, 9, 9, 9, X, X},    // LREAL
-    {X, X, X, X, X, X, X, X, X, X, 10, X},   // STRING
-    {X, X, X, X, X, X, X, X, X, X, X, X},    // ARRAY
-}};
+constexpr const char* STRICT = R"(
+        none   BOOL  SINT  USINT  INT   UINT  DINT  UDINT  REAL  LREAL  STRING  ARRAY
+none    none   BOOL  SINT  USINT  INT   UINT  DINT  UDINT  REAL  LREAL  STRING  ARRAY
+BOOL    -      BOOL  -     -      -     -     -     -      -     -      -       -
+SINT    SINT   -     SINT  USINT  INT   UINT  DINT  UDINT  -     -      -       -
+USINT   SINT   -     SINT  USINT  INT   UINT  DINT  UDINT  -     -      -       -
+INT     INT    -     INT   INT    INT   UINT  DINT  UDINT  -     -      -       -
+UINT    UINT   -     UINT  UINT   UINT  UINT  DINT  UDINT  -     -      -       -
+DINT    DINT   -     DINT  DINT   DINT  DINT  DINT  UDINT  -     -      -       -
+UDINT   UDINT  -     UDINT UDINT  UDINT UDINT UDINT UDINT  -     -      -       -
+REAL    REAL   REAL  REAL  REAL   REAL  REAL  REAL  REAL   REAL  LREAL  -       -
+LREAL   LREAL  -     LREAL LREAL  LREAL LREAL LREAL LREAL  LREAL LREAL  -       -
+STRING  -      -     -     -      -     -     -     -      -     -      STRING  -
+ARRAY   -      -     -     -      -     -     -     -      -     -      -       -
+)";
 
-constexpr ConversionTable STRICT = {{
-    {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11},  // no type
-    {X, 1, X, X, X, X, X, X, X, X, X, X},    // BOOL
-    {2, X, 2, 3, 4, 5, 6, 7, X, X, X, X},    // SINT
-    {2, X, 2, 3, 4, 5, 6, 7, X, X, X, X},    // USINT
-    {4, X, 4, 4, 4, 5, 6, 7, X, X, X, X},    // INT
-    {5, X, 5, 5, 5, 5, 6, 7, X, X, X, X},    // UINT
-    {6, X, 6, 6, 6, 6, 6, 7, X, X, X, X},    // DINT
-    {7, X, 7, 7, 7, 7, 7, 7, X, X, X, X},    // UDINT
-    {8, 8, 8, 8, 8, 8, 8, 8, 8, 9, X, X},    // REAL
-    {9, X, 9, 9, 9, 9, 9, 9, 9, 9, X, X},    // LREAL
-    {X, X, X, X, X, X, X, X, X, X, 10, X},   // STRING
-    {X, X, X, X, X, X, X, X, X, X, X, X},    // ARRAY
-}};
+const std::string REFUSED = "-";
 
-// What a refusal calls the current type: a USINT goes by the name of SINT.
-constexpr std::array<const char*, CODES_COUNT> NAMES_IN_REFUSALS = {
-    "",     "BOOL",  "SINT", "SINT",  "INT",    "UINT",
-    "DINT", "UDINT", "REAL", "LREAL", "STRING", "ARRAY",
-};
-
-std::string Refusal(std::size_t current, std::size_t next) {
-    return std::string("Incompatible types: \"") + NAMES_IN_REFUSALS.at(current) + "\" and \"" +
-           TYPES.at(next).name + '"';
+std::vector<std::string> WordsOf(const std::string& line) {
+    std::istringstream in(line);
+    std::vector<std::string> words;
+    for (std::string word; in >> word;) {
+        words.push_back(word);
+    }
+    return words;
 }
 
-void CheckConversions(const ConversionTable& table, bool strict) {
-    for (std::size_t current = 0; current < CODES_COUNT; ++current) {
-        for (std::size_t next = 0; next < CODES_COUNT; ++next) {
-            SCOPED_TRACE(std::to_string(current) + " and " + std::to_string(next));
-            const auto convert = [&] { return ConvertTyp(TypOf(current), TypOf(next), strict); };
-            if (table[current][next] == X) {
-                ExpectFailure(convert, ErrorAt(0, 0, Refusal(current, next)));
-            } else {
-                EXPECT_EQ(static_cast<int>(convert()), table[current][next]);
-            }
+// The name of the resulting type by the names of the current and the next type.
+using Conversions = std::map<std::string, std::map<std::string, std::string>>;
+
+Conversions ConversionsOf(const std::string& table) {
+    std::istringstream lines(table.substr(1));
+    std::string line;
+    std::getline(lines, line);
+    const std::vector<std::string> nextTypes = WordsOf(line);
+    Conversions conversions;
+    while (std::getline(lines, line)) {
+        const std::vector<std::string> results = WordsOf(line);
+        for (std::size_t i = 0; i < nextTypes.size(); ++i) {
+            conversions[results.at(0)][nextTypes[i]] = results.at(i + 1);
+        }
+    }
+    return conversions;
+}
+
+// A refusal calls a USINT by the name of SINT, and no type by none.
+std::string Refusal(Typ current, Typ next) {
+    const Typ named = current == TYP_USINT ? TYP_SINT : current;
+    return "Incompatible types: \"" + NameOf(named) + "\" and \"" +
+           (next == TYP_NONE ? "" : NameOf(next)) + '"';
+}
+
+void CheckConversion(Typ current, Typ next, bool strict, const std::string& expected) {
+    SCOPED_TRACE(NameOf(current) + " and " + NameOf(next));
+    const auto convert = [=] { return ConvertTyp(current, next, strict); };
+    if (expected == REFUSED) {
+        ExpectFailure(convert, ErrorAt(0, 0, Refusal(current, next)));
+    } else {
+        EXPECT_EQ(NameOf(convert()), expected);
+    }
+}
+
+void CheckConversions(const char* table, bool strict) {
+    const Conversions conversions = ConversionsOf(table);
+    flag_ShowOnScreen = true;  // a refusal that is not expected ends the process
+    for (const TypeRow& current : TYPES) {
+        for (const TypeRow& next : TYPES) {
+            CheckConversion(current.type, next.type, strict,
+                            conversions.at(NameOf(current.type)).at(NameOf(next.type)));
         }
     }
 }
@@ -133,8 +168,12 @@ TEST_F(Types, StrictConversionOfEveryPair) {
     CheckConversions(STRICT, true);
 }
 
+TEST_F(Types, ConversionIsNotStrictUnlessAsked) {
+    EXPECT_EQ(ConvertTyp(TYP_INT, TYP_REAL), TYP_REAL);
+}
+
 TEST_F(Types, RefusalStandsAtTheCurrentToken) {
-    TokenPosBeg = {11, 4};
+    CurrentToken.place.begin = {11, 4};
     ExpectFailure([] { ConvertTyp(TYP_BOOL, TYP_INT, false); },
                   std::string("Error: Line 12, Column 5: "
                               "Incompatible types: \"BOOL\" and \"INT\"\n"));
