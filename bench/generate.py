@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Writes one control program in four languages, statement by statement the same.
+"""Writes one control program in three languages, statement by statement the same.
 
 The program is given by its number of lines, its number of variables and a seed. It is written
-as Structured Text for yxstcmp, as C for tcc, as Lua for luac and as Pascal for fpc. A line of
-the one is a line of the others, with the same operators and operands, so that compilers can be
-compared by the time they take for it. It is meant to be compiled, not to be run.
+as Structured Text for yxstcmp, as C for tcc and as Lua for luac. A line of the one is a line of
+the others, with the same operators and operands, so that compilers can be compared by the time
+they take for it. It is meant to be compiled, not to be run.
 
 Where languages differ, the peers get the form that suits them: the body of the program is one
 piece in Structured Text and cut into procedures of PART_LINES lines in the others.
@@ -12,10 +12,12 @@ piece in Structured Text and cut into procedures of PART_LINES lines in the othe
 
 import argparse
 import re
+from contextlib import contextmanager
 from pathlib import Path
 from random import Random
+from typing import NamedTuple, Optional
 
-SUFFIXES = (".st", ".c", ".lua", ".pas")
+SUFFIXES = (".st", ".c", ".lua")
 COMMENTS = re.compile(r"//.*|\(\*.*|.*\*\)")
 TOKENS = re.compile(r"16#\w+|\d+\.\d+|\w+|:=|<>|<=|>=|\.\.|\S")
 
@@ -23,148 +25,139 @@ FUNCTIONS_SHARE = 0.25  # of the statement lines stand in functions and function
 PART_LINES = 400
 MAX_DEPTH = 3
 LOOP_VARIABLES = 6
+SECTIONS = 5
+LEAST_STATEMENTS = 150
+LEAST_VARIABLES = 2 * LOOP_VARIABLES + 8
 
 # Signs that the lines below are written in, and what the languages have for them: Structured
-# Text, C, Lua, Pascal.
+# Text, C, Lua.
 SIGNS = {
-    "←": (":=", "=", "=", ":="),
-    "≡": ("=", "==", "==", "="),
-    "≠": ("<>", "!=", "~=", "<>"),
-    "≤": ("<=", "<=", "<=", "<="),
-    "≥": (">=", ">=", ">=", ">="),
-    "÷": ("/", "/", "//", "div"),
-    "‰": ("MOD", "%", "%", "mod"),
-    "∧": ("AND", "&&", "and", "and"),
-    "∨": ("OR", "||", "or", "or"),
-    "⊕": ("XOR", "!=", "~=", "xor"),
-    "¬": ("NOT ", "!", "not ", "not "),
-    "∩": ("AND", "&", "&", "and"),
-    "∪": ("OR", "|", "|", "or"),
-    "△": ("XOR", "^", "~", "xor"),
-    "«": ("SHL", "<<", "<<", "shl"),
-    "»": ("SHR", ">>", ">>", "shr"),
-    "⌗": ("16#", "0x", "0x", "$"),  # before hexadecimal digits
-    "⊤": ("TRUE", "1", "true", "true"),
-    "⊥": ("FALSE", "0", "false", "false"),
-    "⟨": ("", "(*", "", ""),  # around a name held by reference
-    "⟩": ("", ")", "", ""),
-    "⁂": ("", "&", "", ""),  # before an actual parameter that is passed by reference
-    "®": ("RESULT", "result", "result", "result"),
-    "τ": ("TICK", "tick", "tick", "tick"),
+    "←": (":=", "=", "="),
+    "≡": ("=", "==", "=="),
+    "≠": ("<>", "!=", "~="),
+    "≤": ("<=", "<=", "<="),
+    "≥": (">=", ">=", ">="),
+    "÷": ("/", "/", "//"),
+    "‰": ("MOD", "%", "%"),
+    "∧": ("AND", "&&", "and"),
+    "∨": ("OR", "||", "or"),
+    "⊕": ("XOR", "!=", "~="),
+    "¬": ("NOT ", "!", "not "),
+    "∩": ("AND", "&", "&"),
+    "∪": ("OR", "|", "|"),
+    "△": ("XOR", "^", "~"),
+    "«": ("SHL", "<<", "<<"),
+    "»": ("SHR", ">>", ">>"),
+    "⌗": ("16#", "0x", "0x"),  # before hexadecimal digits
+    "⊤": ("TRUE", "1", "true"),
+    "⊥": ("FALSE", "0", "false"),
+    "⟨": ("", "(*", ""),  # around a name held by reference
+    "⟩": ("", ")", ""),
+    "⁂": ("", "&", ""),  # before an actual parameter that is passed by reference
+    "®": ("RESULT", "result", "result"),
+    "τ": ("TICK", "tick", "tick"),
 }
-TABLES = [{ord(sign): texts[i] for sign, texts in SIGNS.items()} for i in range(4)]
+TABLES = [{ord(sign): texts[i] for sign, texts in SIGNS.items()} for i in range(3)]
 
 
 def same(text):
-    return (text,) * 4
+    return (text,) * 3
 
 
-# The forms of a line in the four languages.
+def st_only(text):
+    """A line of Structured Text, empty in the others."""
+    return (text, "", "")
+
+
+# The forms of a line in the three languages; there is none where the form is None.
 PROLOGUE = (
     None,
     "double sqrt(double), sin(double), cos(double), exp(double); static unsigned tick = 0;",
     "sqrt, sin, cos, exp, tick = math.sqrt, math.sin, math.cos, math.exp, 0",
-    "{{$mode objfpc}} {{$goto on}} program control; var tick: longword = 0;",
 )
-NOTHING = same("")
 ASSIGN = same("{} ← {};")
-NOTE = ("// {}", "// {}", "-- {}", "// {}")
-REMARK = ("(* {} *)", "/* {} */", "--[[ {} ]]", "(* {} *)")
-REMARK_BEGIN = ("(* {}", "/* {}", "--[[ {}", "(* {}")
-REMARK_END = ("   {} *)", "   {} */", "   {} ]]", "   {} *)")
-IF = ("IF {} THEN", "if ({}) {{", "if {} then", "if {} then begin")
-ELSIF = ("ELSIF {} THEN", "}} else if ({}) {{", "elseif {} then", "end else if {} then begin")
-ELSE = ("ELSE", "}} else {{", "else", "end else begin")
-END_IF = ("END_IF;", "}}", "end;", "end;")
-WHILE = ("WHILE {} DO", "while ({}) {{", "while {} do", "while {} do begin")
-END_WHILE = ("END_WHILE;", "}}", "{0}end;", "end;")
-REPEAT = ("REPEAT", "do {{", "repeat", "repeat")
-UNTIL = ("UNTIL {1} END_REPEAT;", "}} while (!({1}));", "{0}until {1};", "until {1};")
+ASSIGN_AND_NOTE = ("{} ← {};  // {}", "{} ← {};  // {}", "{} ← {};  -- {}")
+NOTE = ("// {}", "// {}", "-- {}")
+REMARK = ("(* {} *)", "/* {} */", "--[[ {} ]]")
+REMARK_BEGIN = ("(* {}", "/* {}", "--[[ {}")
+REMARK_END = ("   {} *)", "   {} */", "   {} ]]")
+IF = ("IF {} THEN", "if ({}) {{", "if {} then")
+ELSIF = ("ELSIF {} THEN", "}} else if ({}) {{", "elseif {} then")
+ELSE = ("ELSE", "}} else {{", "else")
+END_IF = ("END_IF;", "}}", "end;")
+WHILE = ("WHILE {} DO", "while ({}) {{", "while {} do")
+END_WHILE = ("END_WHILE;", "}}", "{}end;")
+REPEAT = ("REPEAT", "do {{", "repeat")
+UNTIL = ("UNTIL {1} END_REPEAT;", "}} while (!({1}));", "{0}until {1};")
 FOR_TO = (
     "FOR {0} ← {1} TO {2} DO",
     "for ({0} = {1}; {0} <= {2}; ++{0}) {{",
     "for {0} = {1}, {2} do",
-    "for {0} ← {1} to {2} do begin",
 )
 FOR_DOWNTO = (
     "FOR {0} ← {1} DOWNTO {2} DO",
     "for ({0} = {1}; {0} >= {2}; --{0}) {{",
     "for {0} = {1}, {2}, -1 do",
-    "for {0} ← {1} downto {2} do begin",
 )
-END_FOR = ("END_FOR;", "}}", "{0}end;", "end;")
-BREAK = ("BREAK;", "break;", "break;", "break;")
-CONTINUE = ("CONTINUE;", "continue;", "goto continue_{};", "continue;")
+END_FOR = ("END_FOR;", "}}", "{}end;")
+BREAK = ("BREAK;", "break;", "break;")
+CONTINUE = ("CONTINUE;", "continue;", "goto continue_{};")
 CONTINUE_LABEL = "::continue_{}:: "  # Lua's, at the end of a loop
-LABEL = ("{}:", "{}:", "::{}::", "{}:")
-GOTO = ("GOTO {};", "goto {};", "goto {};", "goto {};")
-CASE = ("CASE {} OF", "switch ({}) {{", "do local selector = {};", "case {} of")
-FIRST_BRANCH = ("{}:", "{}:", "if {} then", "{}: begin")
-BRANCH = ("{}:", "break; {}:", "elseif {} then", "end; {}: begin")
-CASE_ELSE = ("ELSE", "break; default:", "else", "end; else begin")
-END_CASE = ("END_CASE;", "}}", "end; end;", "end; end;")
-EXIT_PART = ("EXIT;", "return;", "do return end;", "exit;")
-EXIT_FUNCTION = ("EXIT;", "return result;", "do return result end;", "exit;")
-EXIT_BLOCK = ("EXIT;", "return;", "do return {} end;", "exit;")
+LABEL = ("{}:", "{}:", "::{}::")
+GOTO = ("GOTO {};", "goto {};", "goto {};")
+CASE = ("CASE {} OF", "switch ({}) {{", "do local selector = {};")
+FIRST_BRANCH = ("{0}:", "{1}:", "if {2} then")
+BRANCH = ("{0}:", "break; {1}:", "elseif {2} then")
+CASE_ELSE = ("ELSE", "break; default:", "else")
+END_CASE = ("END_CASE;", "}}", "end; end;")
+EXIT_PART = ("EXIT;", "return;", "do return end;")
+EXIT_FUNCTION = ("EXIT;", "return result;", "do return result end;")
+EXIT_BLOCK = ("EXIT;", "return;", "do return {} end;")
 CALL = same("{}({});")
-CALL_BLOCK = ("{0}({1});", "{0}({1});", "{2} = {0}({1});", "{0}({1});")
+CALL_BLOCK = ("{0}({1});", "{0}({1});", "{2} = {0}({1});")
 
-FUNCTION = ("FUNCTION {0} : {1}", "static {2} {0}(", "function {0}(", "function {0}(")
-BLOCK = ("FUNCTION_BLOCK {0}", "static void {0}(", "function {0}(", "procedure {0}(")
-VAR_ARG = ("VAR_ARG", "", "", "")
-ARGUMENT = ("{0} : {1};", "{2} {0}{4}", "{0}{4}", "{0}: {3}{5}")
-END_ARGUMENTS = ("END_VAR", "", "", "")
-VAR_REF = ("VAR_REF", "", "", "")
-REFERENCE = ("{0} : {1};", "{2} *{0}{4}", "{0}{4}", "var {0}: {3}{5}")
-END_FUNCTION_ARGUMENTS = ("END_VAR", ") {{ {0} result = 0;", ") local result = 0;", "): {1};")
-END_BLOCK_ARGUMENTS = ("END_VAR", ") {{", ")", ");")
-VAR = ("VAR", "", "", "")
-LOCAL = ("{0} : {1} ← {4};", "{2} {0} = {4};", "local {0} = {4};", "var {0}: {3} = {4};")
-END_LOCALS = ("END_VAR", "", "", "begin")
-END_FUNCTION = ("END_FUNCTION", "return result; }}", "return result end", "end;")
-END_BLOCK = ("END_FUNCTION_BLOCK", "}}", "return {} end", "end;")
+SECTION = st_only("{}")
+END_SECTION = st_only("END_VAR")
+FUNCTION = ("FUNCTION {0} : {1}", "static {2} {0}(", "function {0}(")
+BLOCK = ("FUNCTION_BLOCK {0}", "static void {0}(", "function {0}(")
+ARGUMENT = ("{0} : {1};", "{2} {0}{3}", "{0}{3}")
+REFERENCE = ("{0} : {1};", "{2} *{0}{3}", "{0}{3}")
+END_FUNCTION_ARGUMENTS = ("END_VAR", ") {{ {} result = 0;", ") local result = 0;")
+END_BLOCK_ARGUMENTS = ("END_VAR", ") {{", ")")
+LOCAL = ("{0} : {1} ← {3};", "{2} {0} = {3};", "local {0} = {3};")
+END_FUNCTION = ("END_FUNCTION", "return result; }}", "return result end")
+END_BLOCK = ("END_FUNCTION_BLOCK", "}}", "return {} end")
 
-PROGRAM = ("PROGRAM Control", "", "", "")
-SECTION = ("{}", "", "", "")
-END_SECTION = ("END_VAR", "", "", "")
-INPUT = ("{0} : {1};", "static {2} {0};", "{0} = {4};", "var {0}: {3};")
-VARIABLE = (
-    "{0} : {1} ← {4};",
-    "static {2} {0} = {4};",
-    "{0} = {4};",
-    "var {0}: {3} = {4};",
-)
-LOOP_VARIABLE = (*VARIABLE[:3], "var {0}: {3};")  # Pascal cannot count with an initialised one
-CONSTANT = (
-    "CONSTANT {0} : {1} ← {4};",
-    "static const {2} {0} = {4};",
-    "{0} = {4};",
-    "const {0}: {3} = {4};",
-)
-PART = (None, "static void {0}(void) {{", "function {0}()", "procedure {0}; {1}begin")
-END_PART = (None, "}}", "end", "end;")
-MAIN = (None, "int main(void) {{", "function main()", "begin")
-CALL_PART = (None, "{}();", "{}();", "{};")
-END_PROGRAM = ("END_PROGRAM", "return 0; }}", "end", "end.")
+PROGRAM = st_only("PROGRAM Control")
+INPUT = ("{0} : {1};", "static {2} {0};", "{0} = {3};")
+VARIABLE = ("{0} : {1} ← {3};", "static {2} {0} = {3};", "{0} = {3};")
+CONSTANT = ("CONSTANT {0} : {1} ← {3};", "static const {2} {0} = {3};", "{0} = {3};")
+PART = (None, "static void {0}(void) {{", "function {0}()")
+END_PART = (None, "}}", "end")
+MAIN = (None, "int main(void) {{", "function main()")
+CALL_PART = (None, "{}();", "{}();")
+END_PROGRAM = ("END_PROGRAM", "return 0; }}", "end")
 
 INTEGERS = ("SINT", "USINT", "INT", "UINT", "DINT", "UDINT")
 REALS = ("REAL", "LREAL")
-TYPES = {  # C, Pascal
-    "BOOL": ("_Bool", "boolean"),
-    "SINT": ("signed char", "shortint"),
-    "USINT": ("unsigned char", "byte"),
-    "INT": ("short", "smallint"),
-    "UINT": ("unsigned short", "word"),
-    "DINT": ("int", "longint"),
-    "UDINT": ("unsigned", "longword"),
-    "REAL": ("float", "single"),
-    "LREAL": ("double", "double"),
+C_TYPES = {
+    "BOOL": "_Bool",
+    "SINT": "signed char",
+    "USINT": "unsigned char",
+    "INT": "short",
+    "UINT": "unsigned short",
+    "DINT": "int",
+    "UDINT": "unsigned",
+    "REAL": "float",
+    "LREAL": "double",
 }
 TYPE_MIX = (
     ["DINT"] * 5 + ["INT"] * 4 + ["UINT"] * 2 + ["UDINT", "SINT", "USINT"]
     + ["REAL"] * 3 + ["LREAL"] * 2 + ["BOOL"] * 4
 )  # fmt: skip
 REFERENCE_TYPES = ("DINT", "REAL", "INT")
+COUNTER = ("index", "DINT")  # the control variable of FOR in functions and function blocks
+LOCALS = [("step", "DINT"), ("part", "REAL"), ("rest", "INT"), ("isDone", "BOOL")]
 
 ROOTS = """tank pump valve motor belt mixer burner filter boiler silo feeder dryer reactor
     chiller scale gate fan press line zone""".split()
@@ -197,7 +190,7 @@ class Deck:
 class Scope:
     """What statements at one place may name; pairs of a name and its type."""
 
-    def __init__(self, random, variables, readable=(), loop_variables=(), exit_form=EXIT_PART):
+    def __init__(self, random, variables, readable, loop_variables, exit_form, returned=""):
         def deck(types, pairs):
             return Deck(random, [name for name, type_name in pairs if type_name in types])
 
@@ -211,51 +204,51 @@ class Scope:
         self.of_type = {name: deck((name,), variables) for name in REFERENCE_TYPES}
         self.loop_variables = loop_variables
         self.exit_form = exit_form
+        self.returned = returned
 
 
-class Callable:
-    def __init__(self, name, result, values, references):
-        self.name = name
-        self.result = result  # the type, None for a function block
-        self.values = values  # the types of the parameters
-        self.references = references
+class Callable(NamedTuple):
+    """A function or function block; parameters are pairs of a name and its type."""
+
+    name: str
+    result: Optional[str]  # the type, None for a function block
+    values: list
+    references: list
+
+    def returned(self):
+        """What Lua gives back in place of references."""
+        return ", ".join(name for name, _ in self.references)
+
+    def variables(self):
+        references = [(f"⟨{name}⟩", type_name) for name, type_name in self.references]
+        return [*self.values, *references, *LOCALS]
 
 
 class Output:
-    """The four files. Lines are held until flush; files get their names when they are whole."""
+    """The three files. They get their names when they are whole."""
 
     def __init__(self, base):
         self.paths = [Path(f"{base}{suffix}") for suffix in SUFFIXES]
         self.files = [open(f"{path}.part", "w", encoding="ascii") for path in self.paths]
-        self.held = [[] for _ in SUFFIXES]
         self.depth = 0
+        self.lines = 0  # of Structured Text
+
+    @contextmanager
+    def indented(self):
+        self.depth += 1
+        yield
+        self.depth -= 1
 
     def put(self, form, *values):
-        self.put_texts(form, [values] * 4)
-
-    def put_texts(self, form, values, note=None):
-        """One line; values holds the values of each language."""
+        """One line."""
         indent = "    " * self.depth
-        for i, text in enumerate(form):
+        self.lines += form[0] is not None
+        for file, text, table in zip(self.files, form, TABLES):
             if text is not None:
-                line = text.format(*values[i]).translate(TABLES[i])
-                if note:
-                    line += "  " + NOTE[i].format(note)
-                self.held[i].append(f"{indent}{line}\n" if line else "\n")
-
-    def put_front(self, form, *values):
-        """One line before all those that are held."""
-        for i, text in enumerate(form):
-            if text is not None:
-                self.held[i].insert(0, text.format(*values) + "\n")
-
-    def flush(self):
-        for file, lines in zip(self.files, self.held):
-            file.writelines(lines)
-            lines.clear()
+                line = text.format(*values).translate(table)
+                file.write(f"{indent}{line}\n" if line else "\n")
 
     def close(self):
-        self.flush()
         for file, path in zip(self.files, self.paths):
             file.close()
             Path(file.name).replace(path)
@@ -265,12 +258,12 @@ class Generator:
     def __init__(self, base, lines, variables, seed):
         self.random = Random(f"{lines} {variables} {seed}")
         self.output = Output(base)
+        self.put = self.output.put
         self.lines = lines
         self.variables = variables
         self.functions = []  # callables that are defined, and decks of them
         self.function_deck = self.block_deck = None
         self.scope = None
-        self.labels = []  # of the current part
         self.label_count = 0
         self.loops = []  # [number, whether CONTINUE occurs]; None inside CASE
         self.loop_count = 0
@@ -384,7 +377,7 @@ class Generator:
         return self.integer_expression(1 if self.chance(0.6) else 2)
 
     def actual_values(self, callee):
-        return [self.value_of(type_name) for type_name in callee.values]
+        return [self.value_of(type_name) for _, type_name in callee.values]
 
     def function_call(self, kind):
         """A call whose result is of that kind, or None if the next function's is not."""
@@ -409,14 +402,13 @@ class Generator:
             count -= size
 
     def nested(self, count):
-        self.output.depth += 1
-        self.statements(count)
-        self.output.depth -= 1
+        with self.output.indented():
+            self.statements(count)
 
     def pick_statement(self, room):
         draw = self.random.random()
         nesting = len(self.loops) + self.output.depth
-        if draw < 0.045 and room > 1:  # never last: C wants a statement behind every label
+        if draw < 0.045 and room > 1:  # never last: C wants a statement after every label
             lines = self.random.choice((1, 1, 1, 1, 2))
             return min(lines, room - 1), self.comment
         if draw < 0.33 and nesting < 2 * MAX_DEPTH:
@@ -449,9 +441,9 @@ class Generator:
             return
         if draw < 0.09 and self.function_deck:
             callee = self.function_deck.draw()
-            self.output.put(CALL, callee.name, ", ".join(self.actual_values(callee)))
+            self.put(CALL, callee.name, ", ".join(self.actual_values(callee)))
         elif draw < 0.10:
-            self.output.put(ASSIGN, self.scope.integers.draw(), "τ")
+            self.put(ASSIGN, self.scope.integers.draw(), "τ")
         elif draw < 0.22 and self.scope.booleans:
             self.assign(self.scope.booleans.draw(), self.condition())
         elif draw < 0.45 and self.scope.reals:
@@ -463,27 +455,30 @@ class Generator:
         return self.random.choice((2, 3, 3, 4, 4, 5))
 
     def assign(self, target, value):
-        # Behind a comment the low bound of a CASE range would be read as a fraction.
-        note = self.words() if self.chance(0.06) and not self.is_last else None
-        self.output.put_texts(ASSIGN, [(target, value)] * 4, note)
+        # After a comment the low bound of a CASE range would be read as a fraction.
+        if self.chance(0.06) and not self.is_last:
+            self.put(ASSIGN_AND_NOTE, target, value, self.words())
+        else:
+            self.put(ASSIGN, target, value)
 
     def block_call(self):
         callee = self.block_deck.draw() if self.block_deck else None
-        if not callee or not all(self.scope.of_type[name] for name in callee.references):
+        types = [type_name for _, type_name in callee.references] if callee else []
+        if not callee or not all(self.scope.of_type[name] for name in types):
             return False
-        targets = [self.scope.of_type[name].draw() for name in callee.references]
+        targets = [self.scope.of_type[name].draw() for name in types]
         if len(set(targets)) < len(targets):
             return False
         actual = self.actual_values(callee) + ["⁂" + name for name in targets]
-        self.output.put(CALL_BLOCK, callee.name, ", ".join(actual), ", ".join(targets))
+        self.put(CALL_BLOCK, callee.name, ", ".join(actual), ", ".join(targets))
         return True
 
     def comment(self, size):
         if size == 1:
-            self.output.put(NOTE if self.chance(0.6) else REMARK, self.words())
+            self.put(NOTE if self.chance(0.6) else REMARK, self.words())
             return
-        self.output.put(REMARK_BEGIN, self.words())
-        self.output.put(REMARK_END, self.words())
+        self.put(REMARK_BEGIN, self.words())
+        self.put(REMARK_END, self.words())
 
     def split(self, total, parts):
         """Splits a number of lines at random into that many parts of at least one each."""
@@ -493,15 +488,15 @@ class Generator:
     def if_statement(self, size):
         branches = min(self.random.choice((1, 1, 2, 2, 3)), (size - 1) // 2)
         bodies = self.split(size - 1 - branches, branches)
-        self.output.put(IF, self.condition())
+        self.put(IF, self.condition())
         self.nested(bodies[0])
         for i, body in enumerate(bodies[1:], start=2):
             if i == branches and self.chance(0.7):
-                self.output.put(ELSE)
+                self.put(ELSE)
             else:
-                self.output.put(ELSIF, self.condition())
+                self.put(ELSIF, self.condition())
             self.nested(body)
-        self.output.put(END_IF)
+        self.put(END_IF)
 
     def loop_body(self, size):
         """Returns what Lua needs before the end of the loop."""
@@ -513,13 +508,13 @@ class Generator:
         return CONTINUE_LABEL.format(loop[0]) if loop[1] else ""
 
     def while_statement(self, size):
-        self.output.put(WHILE, self.condition())
-        self.output.put(END_WHILE, self.loop_body(size - 2))
+        self.put(WHILE, self.condition())
+        self.put(END_WHILE, self.loop_body(size - 2))
 
     def repeat_statement(self, size):
-        self.output.put(REPEAT)
+        self.put(REPEAT)
         label = self.loop_body(size - 2)
-        self.output.put(UNTIL, label, self.condition())
+        self.put(UNTIL, label, self.condition())
 
     def for_statement(self, size):
         free = [name for name in self.scope.loop_variables if name not in self.busy]
@@ -530,63 +525,58 @@ class Generator:
         low = str(self.random.randrange(0, 4))
         high = self.integer_expression(2) if self.chance(0.5) else self.integer_literal()
         if self.chance(0.7):
-            self.output.put(FOR_TO, variable, low, high)
+            self.put(FOR_TO, variable, low, high)
         else:
-            self.output.put(FOR_DOWNTO, variable, high, low)
+            self.put(FOR_DOWNTO, variable, high, low)
         self.busy.append(variable)
         label = self.loop_body(size - 2)
         self.busy.pop()
-        self.output.put(END_FOR, label)
+        self.put(END_FOR, label)
 
     def case_label(self, low, high):
-        """The values low to high in the four languages, as a list or a range."""
-        values = range(low, high + 1)
+        """The values low to high in the three languages, as a list or a range."""
         if high - low > 3:
-            return (
-                f"{low}..{high}",
-                f"case {low} ... {high}",
-                f"selector >= {low} and selector <= {high}",
-                f"{low}..{high}",
-            )
+            in_lua = f"selector >= {low} and selector <= {high}"
+            return f"{low}..{high}", f"case {low} ... {high}", in_lua
+        values = range(low, high + 1)
         return (
             ", ".join(map(str, values)),
             ": ".join(f"case {value}" for value in values),
             " or ".join(f"selector == {value}" for value in values),
-            ", ".join(map(str, values)),
         )
 
     def case_statement(self, size):
         branches = min(self.random.randrange(2, 6), (size - 2) // 2)
         bodies = self.split(size - 2 - branches, branches)
-        self.output.put(CASE, self.integer_variable())
+        self.put(CASE, self.integer_variable())
         self.loops.append(None)
         low = 0
         for i, body in enumerate(bodies):
             high = low + self.random.choice((0, 0, 0, 1, 2, 5))
             if i == branches - 1 and self.chance(0.5):
-                self.output.put(CASE_ELSE)
+                self.put(CASE_ELSE)
             else:
-                labels = [(text,) for text in self.case_label(low, high)]
-                self.output.put_texts(BRANCH if i else FIRST_BRANCH, labels)
+                self.put(BRANCH if i else FIRST_BRANCH, *self.case_label(low, high))
             self.nested(body)
             low = high + self.random.randrange(1, 5)
         self.loops.pop()
-        self.output.put(END_CASE)
+        self.put(END_CASE)
 
-    def jump_out(self, size):
+    def jump_out(self, _):
         """Leaves a loop or the unit on a condition; three lines."""
-        self.output.put(IF, self.condition())
-        self.output.depth += 1
-        loop = self.loops[-1] if self.loops else None
+        self.put(IF, self.condition())
+        with self.output.indented():
+            self.jump(self.loops[-1] if self.loops else None)
+        self.put(END_IF)
+
+    def jump(self, loop):
         if loop and self.chance(0.5):
             loop[1] = True
-            self.output.put(CONTINUE, loop[0])
+            self.put(CONTINUE, loop[0])
         elif loop:
-            self.output.put(BREAK)
+            self.put(BREAK)
         else:
-            self.output.put(self.scope.exit_form)
-        self.output.depth -= 1
-        self.output.put(END_IF)
+            self.put(self.scope.exit_form, self.scope.returned)
 
     def retry(self, size):
         """A backward GOTO; five lines. Labels stand at the outermost level of a part."""
@@ -595,12 +585,11 @@ class Generator:
             return
         self.label_count += 1
         label = f"again_{self.label_count}"
-        self.labels.append(label)
-        self.output.put(LABEL, label)
+        self.put(LABEL, label)
         self.assign(self.scope.integers.draw(), self.integer_expression(2))
-        self.output.put(IF, self.comparison())
-        self.output.put(GOTO, label)
-        self.output.put(END_IF)
+        self.put(IF, self.comparison())
+        self.put(GOTO, label)
+        self.put(END_IF)
 
     # -----------------------------------------------------------------------------------------
     # Functions and function blocks
@@ -612,7 +601,6 @@ class Generator:
         sizes = [lines // count + (i < lines % count) for i in range(count)]
         for i, size in enumerate(sizes):
             self.definition(i + 1, size, is_function=i % 2 == 0)
-            self.output.flush()
             # Calls of the latest ones are enough; all are called from the program.
             self.use_callables(self.functions[-20:])
         self.use_callables(self.functions)
@@ -622,6 +610,18 @@ class Generator:
         self.block_deck = Deck(self.random, [c for c in callables if not c.result])
 
     def definition(self, number, size, is_function):
+        unit = self.signature(number, is_function)
+        end = self.output.lines + size - 1
+        self.definition_head(unit)
+        exit_form = EXIT_FUNCTION if is_function else EXIT_BLOCK
+        self.scope = Scope(
+            self.random, unit.variables(), [COUNTER], [COUNTER[0]], exit_form, unit.returned()
+        )
+        self.definition_body(end - self.output.lines, unit.result)
+        self.put(END_FUNCTION if is_function else END_BLOCK, unit.returned())
+        self.functions.append(unit)
+
+    def signature(self, number, is_function):
         choice = self.random.choice
         values = [(f"value{i}", choice(TYPE_MIX)) for i in range(1, 1 + choice((1, 2, 3)))]
         values.append(("amount", choice(("REAL", "LREAL"))))
@@ -629,72 +629,42 @@ class Generator:
         if not is_function:
             types = self.random.sample(REFERENCE_TYPES, choice((1, 2)))
             references = [(f"target{i}", name) for i, name in enumerate(types, start=1)]
-        locals_ = [("step", "DINT"), ("part", "REAL"), ("rest", "INT"), ("isDone", "BOOL")]
-
         verb = choice(("Scale", "Limit", "Filter", "Merge")) if is_function else "Control"
         name = f"{verb}{choice(ROOTS).capitalize()}{number}"
         result = choice(("INT", "DINT", "REAL", "LREAL")) if is_function else None
-        self.definition_head(name, result, values, references, locals_)
-        heading = 6 + len(values) + len(locals_) + (len(references) + 2 if references else 0)
-        variables = [*values, *((f"⟨{n}⟩", t) for n, t in references), *locals_]
-        returned = ", ".join(n for n, _ in references)
-        self.enter(variables, is_function, returned)
-        self.definition_body(size - heading - 1, result)
-        if is_function:
-            self.output.put(END_FUNCTION)
-        else:
-            self.output.put(END_BLOCK, returned)
-        self.functions.append(
-            Callable(name, result, [t for _, t in values], [t for _, t in references])
-        )
+        return Callable(name, result, values, references)
 
-    def enter(self, variables, is_function, returned):
-        if is_function:
-            form = EXIT_FUNCTION
-        else:
-            form = tuple(text.format(returned) for text in EXIT_BLOCK)
-        self.scope = Scope(self.random, variables, [("index", "DINT")], ["index"], form)
+    def definition_head(self, unit):
+        c_result = C_TYPES.get(unit.result)
+        self.put(FUNCTION if unit.result else BLOCK, unit.name, unit.result, c_result)
+        self.put(SECTION, "VAR_ARG")
+        self.parameters(ARGUMENT, unit.values, is_end=not unit.references)
+        if unit.references:
+            self.put(END_SECTION)
+            self.put(SECTION, "VAR_REF")
+            self.parameters(REFERENCE, unit.references, is_end=True)
+        self.put(END_FUNCTION_ARGUMENTS if unit.result else END_BLOCK_ARGUMENTS, c_result)
+        self.put(SECTION, "VAR")
+        for name, type_name in [COUNTER, *LOCALS]:
+            self.declare(LOCAL, name, type_name, initial(type_name, "0"))
+        self.put(END_SECTION)
 
-    def definition_head(self, name, result, values, references, locals_):
-        if result:
-            self.output.put(FUNCTION, name, result, TYPES[result][0])
-        else:
-            self.output.put(BLOCK, name)
-        self.output.put(VAR_ARG)
-        self.parameters(ARGUMENT, values, is_end=not references)
-        if references:
-            self.output.put(END_ARGUMENTS)
-            self.output.put(VAR_REF)
-            self.parameters(REFERENCE, references, is_end=True)
-        if result:
-            self.output.put(END_FUNCTION_ARGUMENTS, *TYPES[result])
-        else:
-            self.output.put(END_BLOCK_ARGUMENTS)
-        self.output.put(VAR)
-        self.output.depth = 1
-        for local, type_name in [("index", "DINT"), *locals_]:
-            self.output.put(LOCAL, local, type_name, *TYPES[type_name], initial(type_name, "0"))
-        self.output.depth = 0
-        self.output.put(END_LOCALS)
+    def declare(self, form, name, type_name, last):
+        with self.output.indented():
+            self.put(form, name, type_name, C_TYPES[type_name], last)
 
     def parameters(self, form, parameters, is_end):
-        self.output.depth = 1
         for i, (name, type_name) in enumerate(parameters, start=1):
             is_last = is_end and i == len(parameters)
-            separators = ("", "") if is_last else (",", ";")
-            self.output.put(form, name, type_name, *TYPES[type_name], *separators)
-        self.output.depth = 0
+            self.declare(form, name, type_name, "" if is_last else ",")
 
     def definition_body(self, size, result):
         self.nested(size - 1)
-        self.output.depth = 1
-        if result in REALS:
-            self.output.put(ASSIGN, "®", self.real_expression(3))
-        elif result:
-            self.output.put(ASSIGN, "®", self.integer_expression(3))
-        else:
-            self.output.put(ASSIGN, "part", self.real_expression(3))
-        self.output.depth = 0
+        target = "®" if result else "part"
+        is_integer = result in INTEGERS
+        value = self.integer_expression(3) if is_integer else self.real_expression(3)
+        with self.output.indented():
+            self.put(ASSIGN, target, value)
 
     # -----------------------------------------------------------------------------------------
     # The program
@@ -717,18 +687,11 @@ class Generator:
         names = ("VAR", "VAR", "VAR_INPUT", "VAR_OUTPUT", "VAR_GLOBAL")
         forms = (VARIABLE, CONSTANT, INPUT, VARIABLE, VARIABLE)
         for section, name, form in zip(sections, names, forms):
-            self.output.put(SECTION, name)
-            self.output.depth = 1
-            for i, (variable, type_name) in enumerate(section):
-                is_counter = section is sections[0] and i < LOOP_VARIABLES
+            self.put(SECTION, name)
+            for variable, type_name in section:
                 value = initial(type_name, str(self.random.randrange(0, 100)))
-                self.output.put(
-                    LOOP_VARIABLE if is_counter else form,
-                    variable, type_name, *TYPES[type_name], value,
-                )  # fmt: skip
-            self.output.depth = 0
-            self.output.put(END_SECTION)
-            self.output.flush()
+                self.declare(form, variable, type_name, value)
+            self.put(END_SECTION)
         return [v for i, section in enumerate(sections) if i != 1 for v in section], sections[1]
 
     def body(self, lines):
@@ -736,41 +699,41 @@ class Generator:
         parts = []
         while lines:
             size = min(PART_LINES, lines)
-            self.labels = []
-            self.statements(size)
             parts.append(f"part_{len(parts) + 1}")
-            labels = f"label {', '.join(self.labels)}; " if self.labels else ""
-            self.output.put_front(PART, parts[-1], labels)
-            self.output.put(END_PART)
-            self.output.flush()
+            self.put(PART, parts[-1])
+            self.statements(size)
+            self.put(END_PART)
             lines -= size
         return parts
 
-    def generate(self):
-        self.output.put(PROLOGUE)
-        sections = 5
-        frame = 2 + 2 * sections + self.variables  # PROGRAM, END_PROGRAM and the declarations
-        statement_lines = self.lines - frame
-        if statement_lines < 150 or self.variables < 2 * LOOP_VARIABLES + 8:
-            raise ValueError(f"{self.lines} lines are too few for {self.variables} variables")
-        function_lines = int(statement_lines * FUNCTIONS_SHARE)
-        self.definitions(function_lines)
-
-        self.output.put(PROGRAM)
+    def program_scope(self):
+        """Writes the declarations; what the statements may name."""
         variables = self.variable_list()
         assignable, constants = self.declarations(variables)
         loop_variables = variables[:LOOP_VARIABLES]
-        self.scope = Scope(
+        return Scope(
             self.random,
             assignable[LOOP_VARIABLES:],
             [*constants, *loop_variables],
             [name for name, _ in loop_variables],
+            EXIT_PART,
         )
-        parts = self.body(statement_lines - function_lines)
-        self.output.put(MAIN)
+
+    def generate(self):
+        frame = 2 + 2 * SECTIONS + self.variables  # PROGRAM, END_PROGRAM and the declarations
+        statements = self.lines - frame
+        if statements < LEAST_STATEMENTS or self.variables < LEAST_VARIABLES:
+            raise ValueError(f"{self.lines} lines are too few for {self.variables} variables")
+        in_functions = int(statements * FUNCTIONS_SHARE)
+        self.put(PROLOGUE)
+        self.definitions(in_functions)
+        self.put(PROGRAM)
+        self.scope = self.program_scope()
+        parts = self.body(statements - in_functions)
+        self.put(MAIN)
         for part in parts:
-            self.output.put(CALL_PART, part)
-        self.output.put(END_PROGRAM)
+            self.put(CALL_PART, part)
+        self.put(END_PROGRAM)
         self.output.close()
 
 
@@ -780,8 +743,8 @@ def initial(type_name, number):
     return number + ".5" if type_name in REALS else number
 
 
-def generate(base, lines, variables, seed=1):
-    """Writes base.st, base.c, base.lua and base.pas."""
+def generate(base, lines, variables, seed):
+    """Writes base.st, base.c and base.lua."""
     Generator(base, lines, variables, seed).generate()
 
 
@@ -803,7 +766,6 @@ def main():
     parser.add_argument("base", type=Path, help="the files' name without a suffix")
     arguments = parser.parse_args()
     generate(arguments.base, arguments.lines, arguments.variables, arguments.seed)
-    print(f"{tokens_per_line(f'{arguments.base}.st'):.1f} tokens a line")
 
 
 if __name__ == "__main__":
