@@ -169,9 +169,10 @@ class OrderOfChecks(CommandLineTestCase):
         result = self.assert_refused(INPUT_NOT_FOUND, "absent.st", "out")
         self.assertEqual(result.files["out"], b"old")
 
-    def test_output_is_probed_before_options_are_read(self):
+    def test_output_is_only_tested_before_options_are_read(self):
         self.compiler.write("out", b"old")
-        self.assert_refused_without_files(USAGE, "in.st", "out", "-x")
+        result = self.assert_refused(USAGE, "in.st", "out", "-x")
+        self.assertEqual(result.files, {"in.st": VALID_SOURCE, "out": b"old"})
 
     def test_side_files_are_probed_after_all_options_are_read(self):
         for name in SIDE_FILES.values():

@@ -91,6 +91,7 @@ class FilesTestCase(CompilerTestCase):
 
     def run_compiler(self, *arguments, binary=BINARY, stdout=subprocess.PIPE, **options):
         """As self.compiler.run, with more freedom for the process and less of the result."""
+        before = set(os.listdir(self.folder))
         process = subprocess.run(
             [binary, *arguments],
             cwd=self.folder,
@@ -100,7 +101,14 @@ class FilesTestCase(CompilerTestCase):
             timeout=TIMEOUT_SECONDS,
             **options,
         )
+        self.assert_nothing_strange(before, arguments)
         return Result(process.returncode, process.stdout, b"", self.regular_files())
+
+    def assert_nothing_strange(self, before, arguments):
+        """What has come to the folder are outputs of the run."""
+        output = os.path.basename(os.fsdecode(arguments[1])) if len(arguments) > 1 else ""
+        outputs = {name.replace("out", output, 1) for name in OUTPUT_NAMES}
+        self.assertLessEqual(set(os.listdir(self.folder)) - before, outputs)
 
     def regular_files(self):
         paths = (path for path in self.folder.iterdir() if not path.is_symlink())
@@ -356,15 +364,15 @@ class OutputKinds(FilesTestCase):
 
 class InputKinds(FilesTestCase):
     def assert_not_read(self, name, **options):
-        # The old output goes with the probe; what matters is that no new one comes.
+        # The old output may go or stay; what matters is that no new one comes.
         self.source("out", b"old code")
         result = self.run_compiler(name, "out", "-s", **options)
         self.assertEqual(result.status, 1)
         self.assertIn(SOURCE_FAILED, result.stdout)
-        self.assertNotIn("out", result.files)
+        self.assertIn(result.files.get("out"), (None, b"old code"))
         quiet = self.run_compiler(name, "out", **options)
         self.assertEqual((quiet.status, quiet.stdout), (1, b""))
-        self.assertNotIn("out", quiet.files)
+        self.assertIn(quiet.files.get("out"), (None, b"old code"))
 
     def assert_not_found(self, name):
         self.assert_refused(b";A input file not found\n", name, "out")
@@ -755,7 +763,7 @@ class FullFileSystem(FailedWriteTestCase):
 
 
 # Fails the n-th call, or every call from the n-th on, that concerns a regular file of a folder;
-# removes a file when the first file of the folder is created.
+# removes a file when the first file is created, or when a file of a certain name is opened.
 INJECTION = r"""
 #define _GNU_SOURCE
 #include <dlfcn.h>
@@ -841,9 +849,11 @@ int close(int fd) {
     return next(fd);
 }
 
-static void before_open(int flags) {
+static void before_open(const char *path, int flags) {
     const char *victim = getenv("INJECT_REMOVE");
-    if ((flags & O_CREAT) != 0 && victim != NULL) {
+    const char *opened = getenv("INJECT_REMOVE_WHEN_OPENED");
+    const int is_moment = opened != NULL ? strcmp(path, opened) == 0 : (flags & O_CREAT) != 0;
+    if (is_moment && victim != NULL) {
         syscall(SYS_unlinkat, AT_FDCWD, victim, 0);
     }
 }
@@ -860,7 +870,7 @@ static mode_t mode_of(int flags, va_list rest) {
         va_start(rest, flags);                                        \
         mode = mode_of(flags, rest);                                  \
         va_end(rest);                                                 \
-        before_open(flags);                                           \
+        before_open(path, flags);                                     \
         return next(path, flags, mode);                               \
     }
 
@@ -901,10 +911,11 @@ class InjectedFailure(FailedWriteTestCase):
         return self.run_compiler("in.st", "out", "-s", *options, env=environment)
 
     def hit_files(self):
-        """The names of the files that a call failed for, in order."""
+        """The outputs that a call failed for, in order; the code file has other names before."""
         if not self.log.exists():
             return []
-        return [Path(line).name for line in self.log.read_text().splitlines()]
+        names = (Path(line).name for line in self.log.read_text().splitlines())
+        return [name if name in OUTPUT_NAMES else "out" for name in names]
 
     def check_every_call(self, source, **settings):
         """Fails each call in turn, until there is none left; returns the files that were hit."""
@@ -964,17 +975,26 @@ class InjectedFailure(FailedWriteTestCase):
         self.assertIn("out", hits)
 
     def test_close_of_the_written_code_file(self):
-        # The first close of the code file is the probe's, the second one is behind the code.
+        # The last close of the code file is the one after the code.
         self.source("in.st", WARNING_SOURCE)
-        result = self.run_injected(CALL="close", AT=2)
-        self.assertEqual(self.hit_files(), ["out"])
-        self.assert_code_file_failed(result, WARNING_SOURCE)
+        results = []
+        for at in range(1, self.MOST_CALLS):
+            result = self.run_injected(CALL="close", AT=at)
+            if not self.hit_files():
+                break
+            results.append(result)
+        self.assert_code_file_failed(results[-1], WARNING_SOURCE)
 
-    def test_source_vanishes_between_check_and_open(self):
+    def test_source_vanishes_before_it_is_opened(self):
+        source = self.folder / "in.st"
+        result = self.run_injected(REMOVE=source, REMOVE_WHEN_OPENED="in.st")
+        self.assertEqual((result.status, result.files), (1, {}))
+
+    def test_source_vanishes_when_the_outputs_are_created(self):
+        # It has been read whole by then.
         result = self.run_injected(REMOVE=self.folder / "in.st")
-        self.assertEqual(result.status, 1)
-        self.assertIn(SOURCE_FAILED, result.stdout)
-        self.assertEqual(result.files, {})
+        self.assertEqual(result.status, 0, result.stdout)
+        self.assertEqual(result.files, {"out": self.compiled(VALID_SOURCE)["out"]})
 
 
 # ---------------------------------------------------------------------------------------------
