@@ -56,7 +56,8 @@ void BM_Scan(benchmark::State& state) {
     for ([[maybe_unused]] auto iteration : state) {
         state.PauseTiming();
         CloseInputCodeFile();
-        OpenInputCodeFile(source);
+        ReadInputCodeFile(source);
+        OpenInputCodeFile();
         GetChar();
         SkipWhite();
         state.ResumeTiming();

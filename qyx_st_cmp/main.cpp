@@ -7,12 +7,15 @@
 #include "qyx_text.h"
 
 #include <QElapsedTimer>
-#include <QTextCodec>
 
 #include <array>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string_view>
 
 #ifndef Q_OS_WIN
 #include <fcntl.h>
@@ -37,8 +40,7 @@ void Finish(qint64 elapsedMs) {
             WHAT_INFORMATION);
 }
 
-// Ends a run that cannot begin. No output file is open yet; what the probes removed stays
-// removed.
+// Ends a run that cannot begin. No output file is open yet.
 [[noreturn]] void ExitWith(QLatin1String text) {
     WriteToOutputFiles(text, WHAT_COMMAND_LINE_ERROR, true);
     CloseAllFiles();
@@ -107,10 +109,13 @@ constexpr std::array<SideFile, 3> SIDE_FILES = {{
     {flag_SaveErrFile, ".err"_L1, OutputERRFileNameError, OpenOutputErrFile},
 }};
 
-// A name that begins with ":" would lead Qt to its resources instead of the file system.
+// Names are the bytes that the user typed, whatever the locale: each is one character.
 QString FileName(const char* argument) {
-    const QString name = QString::fromLocal8Bit(argument);
-    return name.startsWith(QLatin1Char(':')) ? StringsToString("./", name) : name;
+#ifdef Q_OS_WIN
+    return QString::fromLocal8Bit(argument);
+#else
+    return QString::fromLatin1(argument);
+#endif
 }
 
 // Sets the flag of an option. False for anything that is no option.
@@ -134,19 +139,26 @@ bool ReadOptions(int argc, char** argv) {
 }
 
 // Refuses every output name that leads to the source, before anything is removed.
-void CheckSourceIsKept(const QString& input, const QString& output) {
-    if (IsSameFile(output, input)) {
+void CheckSourceIsKept(const QString& output) {
+    if (IsInputCodeFile(output)) {
         OutputFileNameError();
     }
     for (const SideFile& sideFile : SIDE_FILES) {
-        if (sideFile.isWanted && IsSameFile(StringsToString(output, sideFile.suffix), input)) {
+        if (sideFile.isWanted && IsInputCodeFile(StringsToString(output, sideFile.suffix))) {
             sideFile.exitOnFailure();
         }
     }
 }
 
-// Probes that the side files can be created; old files of their names are gone afterwards.
-void ProbeSideFiles(const QString& output) {
+// Probes that the outputs can be created, then whether the options are known: a wrong one is told
+// after an output that cannot be created, and before the side files.
+void CheckOutputs(const QString& output, bool areOptionsKnown) {
+    if (!FileCanExists(output)) {
+        OutputFileNameError();
+    }
+    if (!areOptionsKnown) {
+        ArgumensError();
+    }
     for (const SideFile& sideFile : SIDE_FILES) {
         if (sideFile.isWanted && !FileCanExists(StringsToString(output, sideFile.suffix))) {
             sideFile.exitOnFailure();
@@ -154,8 +166,19 @@ void ProbeSideFiles(const QString& output) {
     }
 }
 
-void OpenFiles(const QString& input, const QString& output) {
-    OpenInputCodeFile(input);
+// Removes what older runs have left under the names of the outputs.
+void RemoveOldOutputs(const QString& output) {
+    if (!RemoveOldFile(output)) {
+        OutputFileNameError();
+    }
+    for (const SideFile& sideFile : SIDE_FILES) {
+        if (sideFile.isWanted && !RemoveOldFile(StringsToString(output, sideFile.suffix))) {
+            sideFile.exitOnFailure();
+        }
+    }
+}
+
+void OpenOutputs(const QString& output) {
     OpenOutputCodeFile(output);
     for (const SideFile& sideFile : SIDE_FILES) {
         if (sideFile.isWanted) {
@@ -194,14 +217,6 @@ void Compile() {
 
 constexpr std::size_t SCREEN_BLOCK_SIZE = std::size_t{64} * 1024;
 
-// File names are the bytes that the user typed, whatever the locale: Latin-1 maps every byte to
-// one character and back.
-void TakeFileNamesAsBytes() {
-#ifndef Q_OS_WIN
-    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
-#endif
-}
-
 // A standard stream that the caller closed must not lend its number to a file: what is meant for
 // the screen would end up in that file.
 void OccupyClosedStreams() {
@@ -222,6 +237,24 @@ void IgnoreOutputSignals() {
 #endif
 }
 
+// The run ends as if the signal were not handled, but leaves no code file that is not whole.
+void EndBySignal(int signal) {
+    DeleteOutputCodeFile();
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+// A signal that the caller has the process ignore stays ignored.
+void HandleEndingSignals() {
+#ifndef Q_OS_WIN
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        if (std::signal(signal, EndBySignal) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
+    }
+#endif
+}
+
 void PrepareScreen() {
 #ifdef Q_OS_WIN
     std::system("chcp 65001");
@@ -229,17 +262,26 @@ void PrepareScreen() {
     std::setvbuf(stdout, nullptr, _IOFBF, SCREEN_BLOCK_SIZE);
 }
 
+// Ends a run that cannot get the memory it needs. Nothing here asks for more.
+[[noreturn]] void EndWithoutMemory() noexcept {
+    constexpr std::string_view prefix = ";";
+    DeleteOutputCodeFile();
+    std::fwrite(prefix.data(), 1, prefix.size(), stdout);
+    std::fwrite(TXT_OUT_OF_MEMORY.data(), 1, TXT_OUT_OF_MEMORY.size(), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+    std::_Exit(EXIT_FAILURE);
+}
+
 void PrepareProcess() {
     OccupyClosedStreams();
-    TakeFileNamesAsBytes();
     IgnoreOutputSignals();
+    HandleEndingSignals();
     PrepareScreen();
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    PrepareProcess();
+// yxstcmp INPUT OUTPUT { option }
+void Run(int argc, char** argv) {
     QElapsedTimer timer;
     timer.start();
     if (argc <= OUTPUT_ARGUMENT) {
@@ -251,18 +293,31 @@ int main(int argc, char** argv) {
     }
     const QString output = FileName(argv[OUTPUT_ARGUMENT]);
     const bool areOptionsKnown = ReadOptions(argc, argv);
-    CheckSourceIsKept(input, output);
-    if (!FileCanExists(output)) {
-        OutputFileNameError();
-    }
-    if (!areOptionsKnown) {
-        ArgumensError();
-    }
-    ProbeSideFiles(output);
-    OpenFiles(input, output);
+    ReadInputCodeFile(input);
+    CheckSourceIsKept(output);
+    CheckOutputs(output, areOptionsKnown);
+    OpenInputCodeFile();
+    RemoveOldOutputs(output);
+    OpenOutputs(output);
     Compile();
     FinishOutputCodeFile();
     Finish(timer.elapsed());
     CloseAllFiles();
+    KeepOutputCodeFile();
+}
+
+}  // namespace
+
+// Want of memory is found by an exception, or by its end where it may not pass.
+int main(int argc, char** argv) {
+    std::set_terminate(EndWithoutMemory);
+    try {
+        PrepareProcess();
+        Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        EndWithoutMemory();
+    } catch (const std::length_error&) {
+        EndWithoutMemory();
+    }
     return EXIT_SUCCESS;
 }

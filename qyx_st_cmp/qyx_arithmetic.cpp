@@ -212,11 +212,12 @@ Typ PushAndOperate(const VarsList& vars, Typ type) {
 // Operands
 // ---------------------------------------------------------------------------------------------
 
-// Warns of a variable that no assignment has reached yet.
-void WarnIfUninitialized(const VarItem& variable, const Spelling& spelling) {
+// Warns of a variable that no assignment has reached yet. The texts must not take stack in each
+// level of an expression.
+Q_NEVER_INLINE void WarnIfUninitialized(const VarItem& variable, const Spelling& spelling) {
     if (variable.mayBeUninitialized) {
-        Warning(StringsToString(TXT_VARIABLE, " ", Quoted(spelling.text), " ",
-                                TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED));
+        WarningOf(TokenPosBeg, TXT_VARIABLE, " \"", spelling.text, "\" ",
+                  TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED);
     }
 }
 
@@ -235,7 +236,7 @@ Typ LoadVariable(const VarsList& vars, const Spelling& spelling) {
 //
 // QUIRK(linear-index-registers): the linear index is made in #R0 while the operand names #R1.
 // The engine pairs the two.
-Typ LoadElement(const VarsList& vars, const Spelling& spelling) {
+Q_NEVER_INLINE Typ LoadElement(const VarsList& vars, const Spelling& spelling) {
     VarItem& array = IsArrayVarInVarsList(vars, spelling);
     array.isUsed = true;
     ArrayIndices(vars, array, false);
@@ -294,7 +295,7 @@ Typ TickFactor() {
 }
 
 // "MOV 'TEXT' #A0"
-Typ StringFactor() {
+Q_NEVER_INLINE Typ StringFactor() {
     WriteItem(sMOV, " '"_L1, TokenName, "' "_L1, ACCUMULATOR);
     Scan();
     return TYP_STRING;

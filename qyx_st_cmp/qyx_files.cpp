@@ -2,12 +2,25 @@
 
 #include "qyx_messages.h"
 
+#include <QRandomGenerator>
+
 #include <algorithm>
+#include <atomic>
 #include <cassert>
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
+#include <new>
 #include <string>
 #include <system_error>
+
+#ifndef Q_OS_WIN
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#endif
 
 bool flag_SaveListFile = false;
 bool flag_ShowOnScreen = false;
@@ -24,7 +37,7 @@ std::unique_ptr<FileHandle> g_OutputListFileHandle;
 std::unique_ptr<FileHandle> g_OutputResFileHandle;
 std::unique_ptr<FileHandle> g_OutputErrFileHandle;
 QString g_OutputCodeFileName;
-int g_OutputCodeFileCurrentLineCount = 0;
+qint64 g_OutputCodeFileCurrentLineCount = 0;
 std::vector<int> g_InputCodeFileLinesList;
 int g_InputCodeFileLineCount = 0;
 int g_InputCodeFileTmpLineCount = -1;
@@ -33,8 +46,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The largest source, in bytes: its text must fit a QString.
-constexpr qint64 MAX_SOURCE_SIZE = 1'000'000'000;
+// The largest source, in bytes: whatever part of it is converted must fit a QByteArray, three
+// bytes for a character.
+constexpr qint64 MAX_SOURCE_SIZE = 700'000'000;
+
+// The least room for bytes that are read, and how it grows where a file is larger than it tells.
+constexpr qint64 READ_BLOCK_SIZE = 4096;
+constexpr qint64 READ_GROWTH = 2;
 
 // How much output a file collects before it is written.
 constexpr std::size_t WRITE_BLOCK_SIZE = std::size_t{256} * 1024;
@@ -42,29 +60,116 @@ constexpr std::size_t WRITE_BLOCK_SIZE = std::size_t{256} * 1024;
 // Digits of a code line's number in the listing; larger numbers take more.
 constexpr std::size_t LINE_NUMBER_WIDTH = 4;
 
+// Qt crashes if there is no memory for what it makes with its first object. It is made before
+// main, when no file is there yet.
+const QFile firstQtObject;
+
+// Names are the bytes that the user gave, each of them one character.
 fs::path NativePath(const QString& name) {
-    return QFile::encodeName(name).toStdString();
+#ifdef Q_OS_WIN
+    return name.toStdWString();
+#else
+    return name.toLatin1().toStdString();
+#endif
 }
 
-// Removes an old output file. False if something is there that may not or cannot be removed:
-// only a regular file is, or a symbolic link, and never a link to a device, pipe or socket. False
-// for an empty name too, which no file can have.
-bool RemoveOldFile(const QString& name) {
+QString NameOf(const fs::path& path) {
+#ifdef Q_OS_WIN
+    return QString::fromStdWString(path.wstring());
+#else
+    return QString::fromLatin1(QByteArray::fromStdString(path.string()));
+#endif
+}
+
+// The folder of a file.
+fs::path FolderOf(const fs::path& path) {
+    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+// A name in the folder that nobody else has.
+fs::path NewNameIn(const fs::path& folder) {
+    constexpr int width = 16;
+    constexpr int base = 16;
+    const quint64 number = QRandomGenerator::system()->generate64();
+    return folder /
+           QStringLiteral(".yxstcmp-%1").arg(number, width, base, QLatin1Char('0')).toStdString();
+}
+
+// Want of memory is no property of a file.
+void CheckMemory(std::errc error) {
+    if (error == std::errc::not_enough_memory) {
+        throw std::bad_alloc();
+    }
+}
+
+// Whether outputs may stand in the folder: those of devices and of the system's processes hold no
+// files of users.
+bool IsFolderForOutputs(const fs::path& folder) {
     std::error_code error;
-    const fs::path path = NativePath(name);
+    const fs::path resolved = fs::canonical(folder, error);
+    CheckMemory(static_cast<std::errc>(error.value()));
+    const bool isOfProcesses = std::distance(resolved.begin(), resolved.end()) > 1 &&
+                               *std::next(resolved.begin()) == "proc";
+    return !error && resolved != "/dev" && !isOfProcesses;
+}
+
+// What may be removed as an old output.
+bool IsReplaceable(const fs::path& path) {
+    std::error_code error;
     const fs::file_status entry = fs::symlink_status(path, error);
-    if (entry.type() == fs::file_type::not_found) {
-        return !path.empty();
+    return fs::is_regular_file(entry) || fs::is_symlink(entry);
+}
+
+bool IsFree(const fs::path& path) {
+    std::error_code error;
+    return fs::symlink_status(path, error).type() == fs::file_type::not_found;
+}
+
+// No signal ends the run while this lives: what was put into a folder for a moment is gone again.
+class SignalsHeld {
+public:
+#ifndef Q_OS_WIN
+    SignalsHeld() {
+        sigset_t all;
+        sigfillset(&all);
+        sigprocmask(SIG_BLOCK, &all, &before_);
     }
-    if (!fs::is_regular_file(entry) && !fs::is_symlink(entry)) {
+    ~SignalsHeld() {
+        sigprocmask(SIG_SETMASK, &before_, nullptr);
+    }
+#else
+    SignalsHeld() = default;
+    ~SignalsHeld() = default;
+#endif
+    SignalsHeld(const SignalsHeld&) = delete;
+    SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+private:
+#ifndef Q_OS_WIN
+    sigset_t before_ = {};
+#endif
+};
+
+bool CanCreateIn(const fs::path& folder) {
+    const fs::path path = NewNameIn(folder);
+    const SignalsHeld held;
+    std::FILE* const probe = std::fopen(path.string().c_str(), "wbx");
+    if (probe == nullptr) {
+        CheckMemory(static_cast<std::errc>(errno));
         return false;
     }
-    const fs::file_status target = fs::status(path, error);
-    if (fs::is_other(target)) {
-        return false;
-    }
+    std::fclose(probe);
+    std::error_code error;
     return fs::remove(path, error);
 }
+
+// The code file for as long as the run can fail, under its name of the moment; null when there is
+// none. The handler of a signal reads it.
+std::atomic<const char*> doubtfulCodeFile = nullptr;
+static_assert(std::atomic<const char*>::is_always_lock_free);
+
+// What the code file is known by once its name is one that others may use too.
+FileId codeFileId;
 
 }  // namespace
 
@@ -72,11 +177,20 @@ bool RemoveOldFile(const QString& name) {
 // FileHandle
 // ---------------------------------------------------------------------------------------------
 
-FileHandle::FileHandle(const QString& name, bool forReading) : QFile(name) {
+bool FileId::isAt([[maybe_unused]] const char* name) const noexcept {
+#ifdef Q_OS_WIN
+    return true;
+#else
+    struct stat found = {};
+    return stat(name, &found) == 0 && found.st_dev == device && found.st_ino == number;
+#endif
+}
+
+FileHandle::FileHandle(const QString& name, bool forReading) : QFile(name), name_(name) {
     if (forReading) {
         readAllText();
     } else {
-        opened_ = open(QIODevice::Append | QIODevice::Text | QIODevice::Unbuffered);
+        opened_ = openNew();
     }
 }
 
@@ -84,25 +198,78 @@ FileHandle::~FileHandle() {
     writeCollected();
 }
 
+#ifdef Q_OS_WIN
+
+bool FileHandle::openForReading() {
+    return open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+bool FileHandle::openNew() {
+    return open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
+}
+
+#else
+
+// Opening must not wait, as it could for ever on a pipe; what was opened tells whether it is one.
+bool FileHandle::openForReading() {
+    const int file = ::open(NativePath(name_).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    return openNumber(file, QIODevice::ReadOnly);
+}
+
+bool FileHandle::openNew() {
+    constexpr mode_t forAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+    const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    return openNumber(::open(NativePath(name_).c_str(), flags, forAll), QIODevice::WriteOnly);
+}
+
+// Takes over a file that was opened, if it was and is a regular one.
+bool FileHandle::openNumber(int file, QIODevice::OpenMode mode) {
+    struct stat status = {};
+    if (file < 0 || !open(file, mode | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle)) {
+        return false;
+    }
+    const bool isKnown = fstat(file, &status) == 0;
+    id_ = {status.st_dev, status.st_ino};
+    return isKnown && S_ISREG(status.st_mode);
+}
+
+#endif
+
+// All bytes up to the end, or one more than a source may have: the size that the file tells may
+// be wrong.
+QByteArray FileHandle::readBytes() {
+    QByteArray bytes;
+    qint64 count = 0;
+    qint64 got = 0;
+    do {
+        count += got;
+        if (count == bytes.size()) {
+            const qint64 room = count == 0 ? size() + READ_BLOCK_SIZE : READ_GROWTH * count;
+            bytes.resize(static_cast<int>(std::min(room, MAX_SOURCE_SIZE + 1)));
+        }
+        got = read(bytes.data() + count, bytes.size() - count);
+    } while (got > 0);
+    bytes.truncate(static_cast<int>(count));
+    return bytes;
+}
+
 // Carriage returns are dropped, as text mode has it; a byte order mark is skipped by the decoder.
-// A pipe or a device is refused before it is opened, as opening could wait for ever.
 void FileHandle::readAllText() {
-    std::error_code error;
-    if (!fs::is_regular_file(NativePath(fileName()), error)) {
+    if (!openForReading()) {
         return;
     }
-    if (!open(QIODevice::ReadOnly | QIODevice::Unbuffered) || size() > MAX_SOURCE_SIZE) {
+    QByteArray bytes = readBytes();
+    opened_ = QFile::error() == QFileDevice::NoError && bytes.size() <= MAX_SOURCE_SIZE;
+    close();
+    if (!opened_) {
         return;
     }
-    QByteArray bytes = readAll();
     if (std::memchr(bytes.constData(), '\r', static_cast<std::size_t>(bytes.size())) != nullptr) {
         bytes.replace('\r', QByteArray());
     }
     text_ = QString::fromUtf8(bytes.constData(), bytes.size());
     next_ = text_.constData();
     end_ = next_ + text_.size();
-    opened_ = QFile::error() == QFileDevice::NoError;
-    close();
 }
 
 char* FileHandle::makeSpace(std::size_t size) {
@@ -146,24 +313,41 @@ bool FileHandle::finish() {
 // ---------------------------------------------------------------------------------------------
 
 bool FileExists(const QString& name) {
-    return QFile::exists(name);
-}
-
-bool IsSameFile(const QString& a, const QString& b) {
     std::error_code error;
-    return fs::equivalent(NativePath(a), NativePath(b), error);
+    return fs::exists(NativePath(name), error);
 }
 
-bool FileCanExists(const QString& name, bool removeAfter) {
-    if (!RemoveOldFile(name)) {
+bool FileCanExists(const QString& name) {
+    const fs::path path = NativePath(name);
+    const fs::path folder = FolderOf(path);
+    const bool isUsable = path.has_filename() && (IsFree(path) || IsReplaceable(path));
+    return isUsable && IsFolderForOutputs(folder) && CanCreateIn(folder);
+}
+
+// The old file is put aside before it is removed. If the source is gone then, the two were one,
+// which no comparison could tell (the same folder mounted twice), and it is put back. Nothing
+// asks for memory meanwhile.
+bool RemoveOldFile(const QString& name) {
+    const fs::path path = NativePath(name);
+    if (IsFree(path)) {
+        return true;
+    }
+    const fs::path aside = NewNameIn(FolderOf(path));
+    const fs::path source =
+        NativePath(g_InputCodeFileHandle ? g_InputCodeFileHandle->name() : name);
+    const bool hadSource = g_InputCodeFileHandle != nullptr;
+    const SignalsHeld held;
+    std::error_code error;
+    fs::rename(path, aside, error);
+    if (error) {
         return false;
     }
-    QFile probe(name);
-    if (!probe.open(QIODevice::WriteOnly | QIODevice::Text)) {
-        return false;
+    const bool isOther = !hadSource || fs::exists(source, error);
+    if (isOther && IsReplaceable(aside) && fs::remove(aside, error)) {
+        return true;
     }
-    probe.close();
-    return !removeAfter || RemoveOldFile(name);
+    fs::rename(aside, path, error);
+    return false;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -185,11 +369,27 @@ void InitInputCodeFileParams(const QString& text) {
 
 }  // namespace
 
-// The line table and the scanner share one text, read once. It is only needed for the echo.
-void OpenInputCodeFile(const QString& name) {
+void ReadInputCodeFile(const QString& name) {
     assert(!g_InputCodeFileHandle);
     g_InputCodeFileHandle = std::make_unique<FileHandle>(name, true);
-    if (!g_InputCodeFileHandle->isOpened()) {
+}
+
+bool IsInputCodeFileRead() {
+    return g_InputCodeFileHandle->isOpened();
+}
+
+bool IsInputCodeFile(const QString& name) {
+    const fs::path path = NativePath(name);
+    const FileHandle& source = *g_InputCodeFileHandle;
+    std::error_code error;
+    return source.id().isAt(path.c_str()) ||
+           fs::equivalent(path, NativePath(source.name()), error);
+}
+
+// The line table and the scanner share one text, read once. The table is only needed for the
+// echo.
+void OpenInputCodeFile() {
+    if (!IsInputCodeFileRead()) {
         Abort(TXT_OPEN_FAILED_ON_INPUT_FILE);
     }
     if (flag_ShowInputFileLines) {
@@ -239,10 +439,7 @@ InputCodeFileLineParams GetInputCodeFileCurrentLineParams(int line) {
     return {line, OutlineInputCodeString(RemoveComment(content), line)};
 }
 
-void TypeInputCodeCurrentLine() {
-    if (g_InputCodeFileTmpLineCount == g_InputCodeFileCurrentLineCount) {
-        return;
-    }
+void EchoInputCodeCurrentLine() {
     g_InputCodeFileTmpLineCount = g_InputCodeFileCurrentLineCount;
     if (!flag_ShowInputFileLines) {
         return;
@@ -259,11 +456,8 @@ void TypeInputCodeCurrentLine() {
 
 namespace {
 
-void OpenOutputFile(std::unique_ptr<FileHandle>& handle, const QString& name,
-                    QLatin1String openFailed) {
-    if (!RemoveOldFile(name)) {
-        Abort(openFailed, true);
-    }
+void CreateOutputFile(std::unique_ptr<FileHandle>& handle, const QString& name,
+                      QLatin1String openFailed) {
     assert(!handle);
     handle = std::make_unique<FileHandle>(name, false);
     if (!handle->isOpened()) {
@@ -274,26 +468,42 @@ void OpenOutputFile(std::unique_ptr<FileHandle>& handle, const QString& name,
 }  // namespace
 
 void OpenOutputCodeFile(const QString& name) {
+    static std::string unfinished;
     g_OutputCodeFileName = name;
-    OpenOutputFile(g_OutputCodeFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE);
+    unfinished = NewNameIn(FolderOf(NativePath(name))).string();
+    codeFileId = FileId();
+    doubtfulCodeFile = unfinished.c_str();
+    CreateOutputFile(g_OutputCodeFileHandle, NameOf(unfinished), TXT_OPEN_FAILED_ON_OUTPUT_FILE);
 }
 
 void OpenOutputListFile(const QString& name) {
-    OpenOutputFile(g_OutputListFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_LST);
+    CreateOutputFile(g_OutputListFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_LST);
 }
 
 void OpenOutputResFile(const QString& name) {
-    OpenOutputFile(g_OutputResFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_RES);
+    CreateOutputFile(g_OutputResFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_RES);
 }
 
 void OpenOutputErrFile(const QString& name) {
-    OpenOutputFile(g_OutputErrFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_ERR);
+    CreateOutputFile(g_OutputErrFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_ERR);
 }
 
 void FinishOutputCodeFile() {
     if (!g_OutputCodeFileHandle || !g_OutputCodeFileHandle->finish()) {
         AbortWriting();
     }
+    static std::string finished;
+    finished = NativePath(g_OutputCodeFileName).string();
+    const SignalsHeld held;
+    if (std::rename(doubtfulCodeFile, finished.c_str()) != 0) {
+        AbortWriting();
+    }
+    codeFileId = g_OutputCodeFileHandle->id();
+    doubtfulCodeFile = finished.c_str();
+}
+
+void KeepOutputCodeFile() {
+    doubtfulCodeFile = nullptr;
 }
 
 void CloseOutputCodeFile() {
@@ -320,9 +530,10 @@ void CloseAllFiles() {
     CloseOutputErrFile();
 }
 
-void DeleteOutputCodeFile() {
-    if (!g_OutputCodeFileName.isEmpty()) {
-        RemoveOldFile(g_OutputCodeFileName);
+void DeleteOutputCodeFile() noexcept {
+    const char* const name = doubtfulCodeFile.exchange(nullptr);
+    if (name != nullptr && (codeFileId.number == 0 || codeFileId.isAt(name))) {
+        std::remove(name);
     }
 }
 
@@ -457,6 +668,10 @@ void WriteToOutputFiles(const QString& text, TWhatStr kind, bool force) {
             WriteStringToStandardOutput(line);
             break;
     }
+}
+
+bool AreDiagnosticsTaken() {
+    return flag_ShowOnScreen || (flag_ShowMessages && flag_SaveListFile) || flag_SaveResFile;
 }
 
 void WriteLn(const QString& text, TWhatStr kind) {

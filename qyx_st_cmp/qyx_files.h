@@ -15,8 +15,20 @@
 #include <memory>
 #include <string_view>
 
-// A file that is read whole when it is opened, or written in large blocks. Names are taken as the
-// bytes that the user gave. Only regular files are read.
+// A file by what the system knows it by, whatever names it has.
+struct FileId {
+    quint64 device = 0;
+    quint64 number = 0;
+
+    // Whether the name leads to the file. It may be asked in the handler of a signal. Where files
+    // have no such numbers it is taken for granted.
+    bool isAt(const char* name) const noexcept;
+};
+
+// A file that is read whole when it is opened, or a new one that is written in large blocks.
+// Names are taken as the bytes that the user gave. Only regular files are read, and only a name
+// that is free is written: whatever stands at a name, links too, is never followed or opened for
+// writing.
 class FileHandle : public QFile {
 public:
     FileHandle(const QString& name, bool forReading);
@@ -24,8 +36,11 @@ public:
     FileHandle(const FileHandle&) = delete;
     FileHandle& operator=(const FileHandle&) = delete;
 
+    const QString& name() const { return name_; }
     bool isOpened() const { return opened_; }
     const QString& text() const { return text_; }
+
+    const FileId& id() const { return id_; }  // of what was opened
 
     // Reading: the next UTF-16 unit of the source, -1 after its end.
     int getChar() { return next_ == end_ ? -1 : (next_++)->unicode(); }
@@ -56,7 +71,9 @@ public:
     bool finish();
 
 private:
+    const QString name_;  // as given; QFile forgets it when it is opened by a number
     bool opened_ = false;
+    FileId id_;
     QString text_;                    // the whole content when reading
     const QChar* next_ = nullptr;     // in text_, the next character
     const QChar* end_ = nullptr;      // the end of text_
@@ -65,6 +82,10 @@ private:
     char* bufferEnd_ = nullptr;
     bool writeFailed_ = false;
 
+    bool openForReading();
+    bool openNew();
+    bool openNumber(int file, QIODevice::OpenMode mode);
+    QByteArray readBytes();
     void readAllText();
     char* makeSpace(std::size_t size);
     void writeCollected();
@@ -77,19 +98,28 @@ private:
 // Whether there is a file of that name; links are followed.
 bool FileExists(const QString& name);
 
-// Whether both names lead to one existing file, by whatever links.
-bool IsSameFile(const QString& a, const QString& b);
+// Probes that an output of that name can be created in place of an old one, which must be a
+// regular file or a symbolic link. Nothing of that name is touched.
+bool FileCanExists(const QString& name);
 
-// Probes that a file of that name can be written. An old file of that name is removed, and with
-// removeAfter so is the file that the probe made.
-bool FileCanExists(const QString& name, bool removeAfter = true);
+// Removes an old output, if there is one. False if it cannot be removed or is the source itself.
+bool RemoveOldFile(const QString& name);
 
 // ---------------------------------------------------------------------------------------------
 // The source
 // ---------------------------------------------------------------------------------------------
 
-// Reads the whole source. Aborts when it cannot be read.
-void OpenInputCodeFile(const QString& name);
+// Reads the whole source, unless it cannot be read. The file is judged by what was opened.
+void ReadInputCodeFile(const QString& name);
+
+// Whether the whole source was read.
+bool IsInputCodeFileRead();
+
+// Whether the name leads to the source, by whatever links.
+bool IsInputCodeFile(const QString& name);
+
+// Makes the source that was read ready for the scanner. Aborts when it was not read.
+void OpenInputCodeFile();
 void CloseInputCodeFile();
 
 // The next UTF-16 unit of the source, -1 after its end. Aborts when no source is open.
@@ -112,20 +142,26 @@ InputCodeFileLineParams GetInputCodeFileCurrentLineParams(int line);
 
 // Echoes the line of the look-ahead character, if that was not done yet. Called before each
 // token.
-void TypeInputCodeCurrentLine();
+void EchoInputCodeCurrentLine();
+inline void TypeInputCodeCurrentLine() {
+    if (g_InputCodeFileTmpLineCount != g_InputCodeFileCurrentLineCount) {
+        EchoInputCodeCurrentLine();
+    }
+}
 
 // ---------------------------------------------------------------------------------------------
 // Output
 // ---------------------------------------------------------------------------------------------
 
-// Open a new, empty file. They abort, shown on standard output, when that is not possible.
+// Create a new, empty file. They abort, shown on standard output, when that is not possible. The
+// code file has a name of its own in its folder until it is whole.
 void OpenOutputCodeFile(const QString& name);
 void OpenOutputListFile(const QString& name);
 void OpenOutputResFile(const QString& name);
 void OpenOutputErrFile(const QString& name);
 
-// Closes the code file and aborts if any of it could not be written: a success is never reported
-// for a code file that is not whole.
+// Closes the code file and gives it its name, in place of whatever stands there. Aborts if any of
+// it could not be written: no part of it ever appears, and no success without it.
 void FinishOutputCodeFile();
 
 // Write what is collected and close; on a closed file they do nothing. What cannot be written to
@@ -136,8 +172,12 @@ void CloseOutputResFile();
 void CloseOutputErrFile();
 void CloseAllFiles();
 
-// Removes the code file if one was opened. What is no regular file or link by now stays.
-void DeleteOutputCodeFile();
+// The run has succeeded: the code file stays.
+void KeepOutputCodeFile();
+
+// Removes the code file if one was made and is not to stay, and nothing that another has put to its
+// name. It may be called by the handler of a signal.
+void DeleteOutputCodeFile() noexcept;
 
 // Appends to the code file. Aborts when there is none or a block of it could not be written.
 void WriteStringToOutputCodeFile(std::string_view text);
@@ -151,6 +191,10 @@ void WriteStringToScreen(std::string_view text, bool force);
 
 // The router. With force the line goes to standard output alone, whatever the options.
 void WriteToOutputFiles(const QString& text, TWhatStr kind, bool force);
+
+// Whether some output takes the text of diagnostics that are not forced. The error file takes
+// their place in any case.
+bool AreDiagnosticsTaken();
 
 // WriteToOutputFiles, not forced.
 void WriteLn(const QString& text, TWhatStr kind);
@@ -166,7 +210,7 @@ void WriteLn(const QString& text, TWhatStr kind);
 [[noreturn]] void AbortWriting();
 
 // Space at the end of the code file.
-inline char* ReserveCode(std::size_t size) {
+Q_ALWAYS_INLINE char* ReserveCode(std::size_t size) {
     char* const space = g_OutputCodeFileHandle ? g_OutputCodeFileHandle->reserve(size) : nullptr;
     if (space == nullptr) {
         AbortWriting();

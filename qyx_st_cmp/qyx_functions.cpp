@@ -204,7 +204,7 @@ namespace {
 
 // A by-reference parameter: the name of a variable of exactly the formal's type.
 // "MOVA @name #A0"
-void ReferenceParameter(const VarsList& vars, const VarItem& formal) {
+Q_NEVER_INLINE void ReferenceParameter(const VarsList& vars, const VarItem& formal) {
     Match(TOKEN_IDENTIFIER);
     VarItem& variable = IsVarInVarsList(vars, *TokenSpelling);
     if (variable.type != formal.type) {

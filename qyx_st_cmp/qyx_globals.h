@@ -51,8 +51,8 @@ extern std::unique_ptr<FileHandle> g_OutputCodeFileHandle;  // the code file, nu
 extern std::unique_ptr<FileHandle> g_OutputListFileHandle;  // the listing, null when closed
 extern std::unique_ptr<FileHandle> g_OutputResFileHandle;   // the result file, null when closed
 extern std::unique_ptr<FileHandle> g_OutputErrFileHandle;   // the error file, null when closed
-extern QString g_OutputCodeFileName;          // kept so that a failure can delete it
-extern int g_OutputCodeFileCurrentLineCount;  // code lines written so far
+extern QString g_OutputCodeFileName;             // what the code file is called once it is whole
+extern qint64 g_OutputCodeFileCurrentLineCount;  // code lines written so far
 
 // Where each source line begins in the source text, and the number of lines; filled only when
 // lines are to be echoed.
@@ -116,13 +116,13 @@ inline const TokenPlace& IdentPlace = CurrentToken.place;
 
 // A code label, "L" and a number; 0 is no label.
 struct Label {
-    int number = 0;
+    qint64 number = 0;
 
     bool isEmpty() const { return number == 0; }
 };
 
 // Number of the next code label; starts at 1 and is never reset. Writer and reader: qyx_il.
-extern int LabelCount;
+extern qint64 LabelCount;
 
 // ---------------------------------------------------------------------------------------------
 // Symbols

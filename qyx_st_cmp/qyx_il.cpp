@@ -5,7 +5,7 @@
 #include <charconv>
 #include <limits>
 
-int LabelCount = 1;
+qint64 LabelCount = 1;
 
 namespace {
 
@@ -96,13 +96,19 @@ void GetNewLabelAndNextLabel(Label& label, Label& next) {
     next = {LabelCount};
 }
 
+namespace {
+
+constexpr std::size_t LABEL_DIGITS = std::numeric_limits<qint64>::digits10 + 1;
+
+}  // namespace
+
 std::size_t PartSize(Label) {
-    return PartSize(sLABEL) + std::numeric_limits<int>::digits10 + 1;
+    return PartSize(sLABEL) + LABEL_DIGITS;
 }
 
 char* PutPart(char* to, Label part) {
     to = PutPart(to, sLABEL);
-    return std::to_chars(to, to + std::numeric_limits<int>::digits10 + 1, part.number).ptr;
+    return std::to_chars(to, to + LABEL_DIGITS, part.number).ptr;
 }
 
 void PostPendingLabel(Label label) {

@@ -8,6 +8,10 @@ namespace {
 
 // Composes and writes "Error: Line L, Column C: text".
 void Report(QLatin1String severity, TokenPos pos, const QString& text, bool force) {
+    if (!force && !AreDiagnosticsTaken()) {
+        WriteToOutputFiles(QString(), WHAT_DIAGNOSTIC, force);
+        return;
+    }
     QString line;
     QString column;
     IntToStr(pos.line + 1, line);

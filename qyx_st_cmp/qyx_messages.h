@@ -4,6 +4,7 @@
 // at their ends included, is fixed. Texts marked "not raised" are part of the catalogue too.
 #pragma once
 
+#include "qyx_files.h"
 #include "qyx_globals.h"
 #include "qyx_text.h"
 
@@ -19,6 +20,13 @@
 // Writes a warning; the compilation goes on.
 void Warning(const QString& text, bool force = false);
 void Warning(TokenPos pos, const QString& text, bool force = false);
+
+// The same for a text of parts, which is not composed unless some output takes it: a name may be
+// as long as the source, and warnings as many.
+template <typename... Parts>
+void WarningOf(TokenPos pos, const Parts&... parts) {
+    Warning(pos, AreDiagnosticsTaken() ? StringsToString(parts...) : QString());
+}
 
 // Writes an error and returns: the caller ends the run.
 void Error(const QString& text, bool force = false);
@@ -182,6 +190,7 @@ inline constexpr QLatin1String TXT_MIGHT_BE_UNDEFINED = "might be undefined"_L1;
 inline constexpr QLatin1String TXT_DECLARATION_CANNOT_BE_HERE =
     "declaration cannot be used here"_L1;
 inline constexpr QLatin1String TXT_TOO_DEEP_NESTING = "Too deep nesting"_L1;
+inline constexpr QLatin1String TXT_OUT_OF_MEMORY = "Out of memory"_L1;
 inline constexpr QLatin1String TXT_ARGUMENTS_ERROR =
     "Error arguments.\n"
     "Usage: yxstcmp <YX script input file name> <YX code output file name>"

@@ -33,6 +33,7 @@ struct alignas(CACHE_LINE_SIZE) Spelling {
     const Identity* identity;
     std::size_t identityHash;
     int row;
+    bool isAscii;
     QString text;
     std::string utf8;
 };

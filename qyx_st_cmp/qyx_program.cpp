@@ -345,29 +345,26 @@ void ScanAfterSection() {
 // Warnings at the end of a unit
 // ---------------------------------------------------------------------------------------------
 
-// Warns with <what> "name" <text>, followed by "unit" if there is one.
-void WarnAt(TokenPos pos, QLatin1String what, const QString& name, QLatin1String text,
-            const QString& unit = QString()) {
-    const QString suffix = unit.isEmpty() ? unit : StringsToString(" ", Quoted(unit));
-    Warning(pos, StringsToString(what, " ", Quoted(name), " ", text, suffix));
+// Warns with The variable "name" <text> "unit".
+void WarnAtVariable(const VarItem& variable, QLatin1String text, const QString& unit) {
+    WarningOf(variable.declBegin, TXT_VARIABLE, " \"", variable.name(), "\" ", text, " \"", unit,
+              "\"");
 }
 
 // Warns of a variable that was never used, or else of one that may never have been assigned.
 void WarnOfVariable(const VarItem& variable, const QString& unit) {
     if (!variable.isUsed) {
-        WarnAt(variable.declBegin, TXT_VARIABLE, variable.name(),
-               TXT_IS_DECLARED_BUT_NEVER_USED_IN, unit);
+        WarnAtVariable(variable, TXT_IS_DECLARED_BUT_NEVER_USED_IN, unit);
     } else if (variable.mayBeUninitialized) {
-        WarnAt(variable.declBegin, TXT_VARIABLE, variable.name(),
-               TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED_IN, unit);
+        WarnAtVariable(variable, TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED_IN, unit);
     }
 }
 
 void WarnOfUnusedFunctions() {
     for (const FunctionItem& function : FunctionsList) {
         if (!function.isUsed) {
-            WarnAt(function.declBegin, function.isFunction ? TXT_FUNCTION : TXT_FUNCTION_BLOCK,
-                   function.name(), TXT_IS_DECLARED_BUT_NEVER_USED);
+            WarningOf(function.declBegin, function.isFunction ? TXT_FUNCTION : TXT_FUNCTION_BLOCK,
+                      " \"", function.name(), "\" ", TXT_IS_DECLARED_BUT_NEVER_USED);
         }
     }
 }
@@ -514,8 +511,8 @@ bool IsResult(const VarItem& variable) {
 void WarnOfFunctionVariables(const FunctionItem& function, const VarsList& vars) {
     for (const VarItem& variable : vars) {
         if (IsResult(variable) && !variable.isUsed) {
-            Warning(StringsToString(TXT_RETURN_VALUE_OF_FUNCTION, " ", Quoted(function.name()),
-                                    " ", TXT_MIGHT_BE_UNDEFINED));
+            WarningOf(TokenPosBeg, TXT_RETURN_VALUE_OF_FUNCTION, " \"", function.name(), "\" ",
+                      TXT_MIGHT_BE_UNDEFINED);
         } else {
             WarnOfVariable(variable, function.name());
         }

@@ -6,10 +6,11 @@ found in "The function_block". The other texts are raised here.
 """
 
 import re
+import resource
 import unittest
 from typing import NamedTuple, Optional, Tuple
 
-from limits import STACK_SIZE, limit_stack
+from limits import IS_SANITIZED, MIB, STACK_SIZE, limit_stack
 from support import ROOT, VALID_SOURCE, diagnostics_in, mask_time, words
 from test_depth import LIMIT_LEVELS
 from test_files import FilesTestCase, limit_file_size
@@ -104,6 +105,7 @@ class Run(NamedTuple):
     folder: Optional[str] = None  # stands where a file belongs
     source: bytes = VALID_SOURCE
     file_size: Optional[int] = None  # the limit of every file
+    address_space: Optional[int] = None  # the limit of the process
 
 
 REFUSED = ";{}\n"
@@ -112,6 +114,8 @@ ON_SCREEN = ("in.st", "out", "-s")
 
 TOO_DEEP = b"PROGRAM main\nVAR a : INT; END_VAR\na := " + b"(" * (LIMIT_LEVELS + 1)
 TOO_DEEP_COLUMN = len("a := ") + LIMIT_LEVELS + 1
+
+ADDRESS_SPACE = 128 * MIB
 
 RUNS = {
     "TXT_ARGUMENTS_ERROR": Run(REFUSED, ()),
@@ -124,6 +128,9 @@ RUNS = {
     "TXT_OPEN_FAILED_ON_OUTPUT_FILE_LST": Run(REFUSED, (*OUTPUT_ALONE, "-l"), folder="out.lst"),
     "TXT_OPEN_FAILED_ON_OUTPUT_FILE_RES": Run(REFUSED, (*OUTPUT_ALONE, "-r"), folder="out.res"),
     "TXT_OPEN_FAILED_ON_OUTPUT_FILE_ERR": Run(REFUSED, (*OUTPUT_ALONE, "-e"), folder="out.err"),
+    "TXT_OUT_OF_MEMORY": Run(
+        REFUSED, OUTPUT_ALONE, source=b" " * ADDRESS_SPACE, address_space=ADDRESS_SPACE
+    ),
     "TXT_PROBLEM_WRITING_OUTPUT_FILE": Run(
         "Error: Line 6, Column 1: {}\n", ON_SCREEN, file_size=0
     ),
@@ -144,6 +151,8 @@ class Runs(FilesTestCase):
             limit_stack(STACK_SIZE)
             if run.file_size is not None:
                 limit_file_size(run.file_size)()
+            if run.address_space is not None:
+                resource.setrlimit(resource.RLIMIT_AS, (run.address_space, run.address_space))
 
         result = self.run_compiler(*run.arguments, preexec_fn=set_limits)
         return mask_time(result.stdout).decode()
@@ -153,6 +162,8 @@ class Runs(FilesTestCase):
         for name, run in RUNS.items():
             self.folder = top / name
             self.folder.mkdir()
+            if IS_SANITIZED and run.address_space is not None:
+                continue  # a sanitizer does not work with limited memory
             with self.subTest(text=name):
                 line = run.line.format(CATALOGUE[name])
                 self.assertIn("\n" + line, "\n" + self.screen_of(run))

@@ -181,12 +181,13 @@ class OrderOfChecks(CommandLineTestCase):
         for name in SIDE_FILES.values():
             self.assertEqual(result.files[name], b"old")
 
-    def test_probing_ends_at_first_failure(self):
-        for name in ("out", "out.lst", "out.err"):
-            self.compiler.write(name, b"old")
+    def test_nothing_is_removed_unless_all_outputs_can_be_created(self):
+        old = {name: b"old" for name in ("out", "out.lst", "out.err")}
+        for name, data in old.items():
+            self.compiler.write(name, data)
         self.make_folder("out.res")
         result = self.assert_refused(RES_FAILED, "in.st", "out", "-l", "-r", "-e")
-        self.assertEqual(result.files, {"in.st": VALID_SOURCE, "out.err": b"old"})
+        self.assertEqual(result.files, {"in.st": VALID_SOURCE, **old})
 
     def test_all_probes_come_before_compiling(self):
         self.compiler.write("in.st", FAILING_SOURCE)

@@ -80,9 +80,9 @@ protected:
     void start(const std::string& source) const {
         ResetCompiler();
         openSource(source);
-        OpenOutputCodeFile(path("code"));
+        openOutput(OpenOutputCodeFile, "code");
         flag_SaveListFile = true;
-        OpenOutputListFile(path("list"));
+        openOutput(OpenOutputListFile, "list");
     }
 
     std::string finish() const {

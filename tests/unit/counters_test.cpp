@@ -7,7 +7,7 @@
 
 #include "qyx_files.h"
 #include "qyx_globals.h"
-#include "qyx_scanner.h"
+#include "qyx_il.h"
 #include "support.h"
 
 namespace {
@@ -21,10 +21,9 @@ protected:
     std::string listingAfter(qint64 items) const {
         flag_SaveListFile = true;
         flag_ShowLinesNumber = true;
-        g_OutputCodeFileCurrentLineCount =
-            static_cast<decltype(g_OutputCodeFileCurrentLineCount)>(items);
-        OpenOutputCodeFile(path("code"));
-        OpenOutputListFile(path("list"));
+        g_OutputCodeFileCurrentLineCount = items;
+        openOutput(OpenOutputCodeFile, "code");
+        openOutput(OpenOutputListFile, "list");
         WriteItem("RET"_L1);
         CloseAllFiles();
         return ContentOf(path("list"));
@@ -32,10 +31,10 @@ protected:
 
     // The item that posts the label drawn then.
     std::string labelDrawnAt(qint64 number) const {
-        LabelCount = static_cast<decltype(LabelCount)>(number);
+        LabelCount = number;
         flag_SaveListFile = true;
-        OpenOutputCodeFile(path("code"));
-        OpenOutputListFile(path("list"));
+        openOutput(OpenOutputCodeFile, "code");
+        openOutput(OpenOutputListFile, "list");
         Label label;
         GetNewLabel(label);
         PostLabel(label);

@@ -37,10 +37,9 @@ protected:
     std::string compile(const std::string& statements, QStringView variable = u"other") const {
         ResetCompiler();
         openSource(statements + " END_PROGRAM");
-        OpenOutputCodeFile(path("code"));
+        openOutput(OpenOutputCodeFile, "code");
         compileStatements(variable);
-        CloseAllFiles();
-        return ContentOf(path("code"));
+        return finishedCode();
     }
 
     // The screen holds the code before the error.
@@ -51,7 +50,7 @@ protected:
         ExpectFailure(
             [&] {
                 openSource(statements + " END_PROGRAM");
-                OpenOutputCodeFile(path("code"));
+                openOutput(OpenOutputCodeFile, "code");
                 compileStatements(variable);
             },
             testing::EndsWith(error));

@@ -163,13 +163,12 @@ TEST_F(Lists, OperandsSpellTheNameAsItIsUsed) {
     VarItem reference = Variable(u"Ссылка");
     reference.isReference = true;
     AddVarToVarsList(list_, reference);
-    OpenOutputCodeFile(path("code"));
+    openOutput(OpenOutputCodeFile, "code");
     for (const QString& name : {QStringLiteral("COUNT"), QStringLiteral("ссылкА")}) {
         const Spelling& use = SpellingOf(name);
         WriteItem(OperandOf(IsVarInVarsList(list_, use), use));
     }
-    CloseAllFiles();
-    EXPECT_EQ(ContentOf(path("code")), "@COUNT ^ссылкА ");
+    EXPECT_EQ(finishedCode(), "@COUNT ^ссылкА ");
 }
 
 TEST_F(Lists, UnknownNamesAndOtherThanArrays) {

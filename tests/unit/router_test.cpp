@@ -3,6 +3,9 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <QDir>
+#include <QFileInfo>
+
 #include <csignal>
 #include <vector>
 
@@ -94,10 +97,10 @@ std::string Shown(const Share& share, const std::string& text) {
 class Router : public CompilerTest {
 protected:
     void openOutputs() const {
-        OpenOutputCodeFile(path("code"));
-        OpenOutputListFile(path("list"));
-        OpenOutputResFile(path("res"));
-        OpenOutputErrFile(path("err"));
+        openOutput(OpenOutputCodeFile, "code");
+        openOutput(OpenOutputListFile, "list");
+        openOutput(OpenOutputResFile, "res");
+        openOutput(OpenOutputErrFile, "err");
     }
 
     // Sends one line through the router and checks all that it reaches.
@@ -111,10 +114,9 @@ protected:
             WriteToOutputFiles(text, route.kind, route.force);
             screen = capture.text();
         }
-        CloseAllFiles();
         const std::string utf8 = Utf8(text);
         EXPECT_EQ(screen, Shown(route.screen, utf8));
-        EXPECT_EQ(ContentOf(path("code")), Shown(route.code, utf8));
+        EXPECT_EQ(finishedCode(), Shown(route.code, utf8));
         checkSideFile("list", flag_SaveListFile, Shown(route.list, utf8));
         checkSideFile("res", flag_SaveResFile, Shown(route.res, utf8));
         checkSideFile("err", flag_SaveErrFile, Shown(route.err, utf8));
@@ -165,8 +167,7 @@ TEST_F(Router, WriteLnDoesNotForce) {
     WriteLn(QStringLiteral("RET"), WHAT_CODE);
     WriteLn(QStringLiteral("banner"), WHAT_INFORMATION);
     EXPECT_EQ(capture.text(), "");
-    CloseAllFiles();
-    EXPECT_EQ(ContentOf(path("code")), "RET ");
+    EXPECT_EQ(finishedCode(), "RET ");
 }
 
 TEST_F(Router, TheScreenTakesTextWithItsOptionOrWithForce) {
@@ -184,8 +185,7 @@ TEST_F(Router, ItemsShareOneLineOfTheCodeFileAndHaveTheirOwnInTheListing) {
     WriteLn(QStringLiteral("PROG:"), WHAT_CODE);
     WriteItem("MOV"_L1, ' ', QStringView(u"@ж"), " #A0"_L1);
     WriteItem(Label{17}, ':');
-    CloseAllFiles();
-    EXPECT_EQ(ContentOf(path("code")), "PROG: MOV @ж #A0 L17: ");
+    EXPECT_EQ(finishedCode(), "PROG: MOV @ж #A0 L17: ");
     EXPECT_EQ(ContentOf(path("list")), "PROG:\nMOV @ж #A0\nL17:\n");
 }
 
@@ -196,8 +196,7 @@ TEST_F(Router, AMillionItemsArriveInOrder) {
         WriteItem(Label{i}, ':');
         expected += 'L' + std::to_string(i) + ": ";
     }
-    CloseAllFiles();
-    EXPECT_TRUE(ContentOf(path("code")) == expected);
+    EXPECT_TRUE(finishedCode() == expected);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -330,7 +329,7 @@ TEST_F(Router, ACodeFileThatCannotBeWrittenEndsTheRun) {
         const rlimit fileSize = {limit, limit};
         setrlimit(RLIMIT_FSIZE, &fileSize);
         flag_ShowOnScreen = false;
-        OpenOutputCodeFile(path("code"));
+        openOutput(OpenOutputCodeFile, "code");
         WriteItem(std::string_view(std::string(limit + 1, 'x')));
         flag_ShowOnScreen = true;
         FinishOutputCodeFile();
@@ -340,7 +339,7 @@ TEST_F(Router, ACodeFileThatCannotBeWrittenEndsTheRun) {
 }
 
 TEST_F(Router, AFinishedCodeFileIsWhole) {
-    OpenOutputCodeFile(path("code"));
+    openOutput(OpenOutputCodeFile, "code");
     WriteLn(QStringLiteral("RET"), WHAT_CODE);
     FinishOutputCodeFile();
     EXPECT_EQ(ContentOf(path("code")), "RET ");
@@ -355,8 +354,8 @@ TEST_F(Router, OutputFilesStartEmpty) {
         writeFile(name, "old");
     }
     openOutputs();
-    CloseAllFiles();
-    for (const char* name : {"code", "list", "res", "err"}) {
+    EXPECT_EQ(finishedCode(), "");
+    for (const char* name : {"list", "res", "err"}) {
         EXPECT_EQ(ContentOf(path(name)), "") << name;
     }
 }
@@ -369,38 +368,80 @@ TEST_F(Router, OutputFilesThatCannotBeMadeEndTheRun) {
     expectOpenFailure("ERR file", OpenOutputErrFile, impossible);
 }
 
-TEST_F(Router, NothingButAFileIsReplacedByAnOutput) {
+TEST_F(Router, AnOutputIsCreatedWhereNothingIs) {
+    const QString old = writeFile("old", "text");
+    ASSERT_TRUE(QFile::link(path("target"), path("link")));
+    for (const QString& name : {old, path("link")}) {
+        expectOpenFailure("LST file", OpenOutputListFile, name);
+        expectOpenFailure("RES file", OpenOutputResFile, name);
+        expectOpenFailure("ERR file", OpenOutputErrFile, name);
+    }
+    EXPECT_EQ(ContentOf(old), "text");
+    EXPECT_FALSE(FileExists(path("target")));
+}
+
+TEST_F(Router, NothingButAFileOrALinkIsReplacedByAnOutput) {
     const QString directory = path("directory");
     const QString pipe = path("pipe");
     ASSERT_EQ(mkdir(QFile::encodeName(directory), S_IRWXU), 0);
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe), S_IRUSR | S_IWUSR), 0);
     for (const QString& name : {directory, pipe}) {
-        expectOpenFailure("file", OpenOutputCodeFile, name);
-        expectOpenFailure("LST file", OpenOutputListFile, name);
-        expectOpenFailure("RES file", OpenOutputResFile, name);
-        expectOpenFailure("ERR file", OpenOutputErrFile, name);
+        EXPECT_FALSE(FileCanExists(name));
+        EXPECT_FALSE(RemoveOldFile(name));
         EXPECT_TRUE(FileExists(name));
-        EXPECT_FALSE(FileCanExists(name, true));
-        EXPECT_TRUE(FileExists(name));
+    }
+    const QString target = writeFile("target", "text");
+    ASSERT_TRUE(QFile::link(target, path("link")));
+    EXPECT_TRUE(FileCanExists(path("link")));
+    EXPECT_TRUE(RemoveOldFile(path("link")));
+    EXPECT_FALSE(QFileInfo(path("link")).isSymLink());
+    EXPECT_EQ(ContentOf(target), "text");
+}
+
+TEST_F(Router, AProbeLeavesEverythingAsItIs) {
+    writeFile("old", "text");
+    EXPECT_TRUE(FileCanExists(path("old")));
+    EXPECT_TRUE(FileCanExists(path("new")));
+    EXPECT_EQ(ContentOf(path("old")), "text");
+    EXPECT_EQ(QDir(path(".")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("old")});
+}
+
+TEST_F(Router, AnOutputNeedsANameAndAFolderForFiles) {
+    for (const QString& name :
+         {QString(), path("missing/file"), path(""), path(std::string(300, 'x').c_str()),
+          QStringLiteral("/dev/stdout"), QStringLiteral("/dev/none"),
+          QStringLiteral("/proc/none"), QStringLiteral("/proc/self/fd/1")}) {
+        EXPECT_FALSE(FileCanExists(name)) << Utf8(name);
     }
 }
 
-TEST_F(Router, AProbeLeavesNoFileUnlessAsked) {
+TEST_F(Router, AnOldOutputIsRemovedUnlessItIsTheSource) {
+    EXPECT_TRUE(RemoveOldFile(path("missing")));
+    const QString source = writeFile("source.st", "text");
+    ReadInputCodeFile(source);
     writeFile("old", "text");
-    EXPECT_TRUE(FileCanExists(path("old"), true));
+    EXPECT_TRUE(RemoveOldFile(path("old")));
     EXPECT_FALSE(FileExists(path("old")));
-    EXPECT_TRUE(FileCanExists(path("new"), false));
-    EXPECT_EQ(ContentOf(path("new")), "");
-    EXPECT_FALSE(FileCanExists(path("missing/file"), true));
+    EXPECT_FALSE(RemoveOldFile(source));
+    EXPECT_EQ(ContentOf(source), "text");
 }
 
-TEST_F(Router, DeletingTheCodeFileNeedsOneToBeThere) {
-    OpenOutputCodeFile(path("code"));
-    CloseAllFiles();
-    EXPECT_TRUE(FileExists(path("code")));
-    DeleteOutputCodeFile();
+TEST_F(Router, TheCodeFileHasItsNameWhenItIsWhole) {
+    openOutput(OpenOutputCodeFile, "code");
     EXPECT_FALSE(FileExists(path("code")));
+    const QString unfinished = g_OutputCodeFileHandle->name();
+    EXPECT_TRUE(FileExists(unfinished));
+    CloseAllFiles();
     DeleteOutputCodeFile();
+    EXPECT_FALSE(FileExists(unfinished));
+    DeleteOutputCodeFile();
+}
+
+TEST_F(Router, ACodeFileThatCannotTakeItsNameEndsTheRun) {
+    openOutput(OpenOutputCodeFile, "code");
+    ASSERT_EQ(mkdir(QFile::encodeName(path("code")), S_IRWXU), 0);
+    ExpectFailure([] { FinishOutputCodeFile(); }, ErrorAt(0, 0, "A problem writing output file"));
 }
 
 TEST_F(Router, ClosingOneOutputLeavesTheOthersOpen) {
@@ -426,7 +467,7 @@ protected:
     std::vector<std::string> echoesOf(const std::string& source, int count) const {
         ResetCompiler();
         flag_ShowInputFileLines = true;
-        OpenInputCodeFile(writeFile("source.st", source));
+        readSource(source);
         EXPECT_EQ(g_InputCodeFileLinesList.size(), static_cast<std::size_t>(count));
         std::vector<std::string> echoes;
         echoes.reserve(static_cast<std::size_t>(count));
@@ -496,14 +537,14 @@ TEST_F(Source, NoLineIsEchoedWithoutTheOption) {
 }
 
 TEST_F(Source, CharactersAreReadOneByOneUpToTheEnd) {
-    OpenInputCodeFile(writeFile("source.st", "a\r\nЖ\U0001F600"));
+    readSource("a\r\nЖ\U0001F600");
     for (const int character : {0x61, 0x0A, 0x416, 0xD83D, 0xDE00, -1, -1}) {
         EXPECT_EQ(ReadCharFromInputCodeFile(), character);
     }
 }
 
 TEST_F(Source, AnEmptyFileEndsAtOnce) {
-    OpenInputCodeFile(writeFile("source.st", ""));
+    readSource("");
     EXPECT_EQ(ReadCharFromInputCodeFile(), -1);
 }
 
@@ -517,20 +558,42 @@ TEST_F(Source, AClosedSourceIsNotRead) {
 
 TEST_F(Source, ASourceThatCannotBeReadEndsTheRun) {
     const QString directory = path("directory");
+    const QString pipe = path("pipe");
     ASSERT_EQ(mkdir(QFile::encodeName(directory), S_IRWXU), 0);
-    for (const QString& name : {path("missing"), directory}) {
-        ExpectFailure([&] { OpenInputCodeFile(name); },
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe), S_IRUSR | S_IWUSR), 0);
+    for (const QString& name : {path("missing"), directory, pipe, QStringLiteral("/dev/zero")}) {
+        ResetCompiler();
+        ReadInputCodeFile(name);
+        EXPECT_FALSE(IsInputCodeFileRead());
+        ExpectFailure([] { OpenInputCodeFile(); },
                       ErrorAt(0, 0, "File open failed for input file"));
     }
 }
 
-TEST_F(Source, FilesAreTheSameByWhateverName) {
+TEST_F(Source, AFileIsReadToItsEndWhateverSizeItTells) {
+    ReadInputCodeFile(QStringLiteral("/proc/self/status"));
+    EXPECT_TRUE(IsInputCodeFileRead());
+    EXPECT_TRUE(g_InputCodeFileHandle->text().startsWith(QStringLiteral("Name:")));
+}
+
+TEST_F(Source, TheSourceIsKnownByWhateverName) {
     const QString file = writeFile("file", "a");
     ASSERT_TRUE(QFile::link(file, path("link")));
-    EXPECT_TRUE(IsSameFile(path("link"), file));
-    EXPECT_TRUE(IsSameFile(path("./file"), file));
-    EXPECT_FALSE(IsSameFile(writeFile("other", "a"), file));
-    EXPECT_FALSE(IsSameFile(path("missing"), file));
+    ReadInputCodeFile(file);
+    EXPECT_TRUE(IsInputCodeFile(file));
+    EXPECT_TRUE(IsInputCodeFile(path("link")));
+    EXPECT_TRUE(IsInputCodeFile(path("./file")));
+    EXPECT_FALSE(IsInputCodeFile(writeFile("other", "a")));
+    EXPECT_FALSE(IsInputCodeFile(path("missing")));
+}
+
+// What was opened counts, whatever has its name by now.
+TEST_F(Source, TheSourceIsKnownByWhatWasOpened) {
+    const QString file = writeFile("file", "a");
+    ReadInputCodeFile(file);
+    ASSERT_TRUE(QFile::rename(file, path("moved")));
+    writeFile("file", "b");
+    EXPECT_TRUE(IsInputCodeFile(path("moved")));
 }
 
 }  // namespace

@@ -598,7 +598,7 @@ TEST_F(Scanner, IdentPlaceIsThatOfTheCurrentIdentifier) {
 }
 
 TEST_F(Scanner, ALineFeedStandsAtColumnMinusOneOfTheLineItOpens) {
-    OpenInputCodeFile(writeFile("source.st", "a\n\nb"));
+    readSource("a\n\nb");
     std::vector<std::string> places;
     for (int i = 0; i < 6; ++i) {
         GetChar();
@@ -655,7 +655,7 @@ TEST_F(Scanner, ScanNameRefusesWhatBeginsNoName) {
 }
 
 TEST_F(Scanner, AnErrorAtALineFeedShowsColumnZero) {
-    OpenInputCodeFile(writeFile("source.st", "\n"));
+    readSource("\n");
     GetChar();
     ExpectFailure(ScanName, ErrorAt(2, 0, "The identifier was expected but '\n' found"));
 }

@@ -23,6 +23,7 @@
 // Brings the global state back to that of a process that has just started.
 inline void ResetCompiler() {
     CloseAllFiles();
+    DeleteOutputCodeFile();
     for (bool* flag : {&flag_SaveListFile, &flag_ShowOnScreen, &flag_ShowInputFileLines,
                        &flag_ShowCommentedLines, &flag_ShowMessages, &flag_ShowLinesNumber,
                        &flag_SaveResFile, &flag_SaveErrFile}) {
@@ -163,9 +164,27 @@ protected:
         return file.fileName();
     }
 
+    // Opens an output in place of an old one.
+    void openOutput(void (*open)(const QString&), const char* name) const {
+        EXPECT_TRUE(RemoveOldFile(path(name)));
+        open(path(name));
+    }
+
+    // Ends the outputs; what the code file holds.
+    std::string finishedCode() const {
+        FinishOutputCodeFile();
+        CloseAllFiles();
+        return ContentOf(path("code"));
+    }
+
+    void readSource(const std::string& source) const {
+        ReadInputCodeFile(writeFile("source.st", source));
+        OpenInputCodeFile();
+    }
+
     // Opens a source and reads up to its first character that is not white.
     void openSource(const std::string& source) const {
-        OpenInputCodeFile(writeFile("source.st", source));
+        readSource(source);
         GetChar();
         SkipWhite();
     }

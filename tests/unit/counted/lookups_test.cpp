@@ -110,7 +110,7 @@ protected:
         ResetCompiler();
         lookups = 0;
         openSource(source);
-        OpenOutputCodeFile(path("code"));
+        openOutput(OpenOutputCodeFile, "code");
         flag_ShowOnScreen = true;  // a source that does not compile shows why
         compile();
         return lookups;
