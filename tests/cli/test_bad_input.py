@@ -263,7 +263,7 @@ class NulCharacters(BadInputTestCase):
     def test_in_expression(self):
         self.assert_error(b'Line 3, Column 6: Number expected but "\0" found', program(b"\0"))
 
-    def test_behind_name(self):
+    def test_after_name(self):
         message = b'Line 3, Column 7: ":" expected but "\0" found'
         self.assert_error(message, VALID_SOURCE.replace(b"a :", b"a \0:", 1))
 
@@ -274,7 +274,7 @@ class NulCharacters(BadInputTestCase):
         result = self.run_checked(program(b"'a\0b'"), "-l")
         self.assertIn(b"MOV 'A\0B' #A0\n", result.files["out.lst"])
 
-    def test_behind_program(self):
+    def test_after_program(self):
         result = self.run_checked(VALID_SOURCE + b"\0")
         self.assertEqual(result.files["out"], VALID_CODE)
         self.assertIn(b"An unexpected data after", result.files["out.res"])
@@ -338,7 +338,7 @@ class LongNumbers(BadInputTestCase):
         self.assert_longest(b"1.0E", b"0", b"1")
         self.assert_longest(b"1.0E-", b"9")
 
-    def test_number_sign_behind_longest_decimal(self):
+    def test_number_sign_after_longest_decimal(self):
         self.assert_too_much(b"1" * self.LONGEST + b"#")
 
 
@@ -369,7 +369,7 @@ class LongLines(BadInputTestCase):
     def test_blanks(self):
         self.assert_valid_code(VALID_SOURCE.replace(b"1;", b" " * self.LENGTH + b"1;"))
 
-    def test_position_behind_blanks(self):
+    def test_position_after_blanks(self):
         message = b'Line 3, Column 10000006: Number expected but ";" found'
         self.assert_error(message, program(b" " * self.LENGTH))
 
