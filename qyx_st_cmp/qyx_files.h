@@ -175,8 +175,8 @@ void CloseAllFiles();
 // The run has succeeded: the code file stays.
 void KeepOutputCodeFile();
 
-// Removes the code file if one was made and is not to stay, and nothing that another has put to its
-// name. It may be called by the handler of a signal.
+// Removes the code file if one was made and is not to stay, and nothing that another has put to
+// its name. It may be called by the handler of a signal.
 void DeleteOutputCodeFile() noexcept;
 
 // Appends to the code file. Aborts when there is none or a block of it could not be written.
