@@ -169,7 +169,7 @@ struct FunctionItem {
     bool isUsed = false;
     bool isBuiltIn = false;
     TokenPos declBegin = {-1, -1};
-    TokenPos declEnd = {-1, -1};
+    TokenPos declEnd = {-1, -1};  // nothing reads it yet
 
     const QString& name() const { return spelling->text; }
 };
