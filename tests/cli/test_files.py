@@ -994,11 +994,12 @@ class InjectedFailure(FailedWriteTestCase):
         result = self.run_injected(REMOVE=source, REMOVE_WHEN_OPENED="in.st")
         self.assertEqual((result.status, result.files), (1, {}))
 
-    def test_source_vanishes_when_the_outputs_are_created(self):
-        # It has been read whole by then.
+    def test_source_vanishes_when_a_file_is_created(self):
+        # Either it has been read whole by then, or there is nothing to compile.
+        self.source("out", b"old code")
         result = self.run_injected(REMOVE=self.folder / "in.st")
-        self.assertEqual(result.status, 0, result.stdout)
-        self.assertEqual(result.files, {"out": self.compiled(VALID_SOURCE)["out"]})
+        ends = ((0, self.compiled(VALID_SOURCE)["out"]), (1, b"old code"), (1, None))
+        self.assertIn((result.status, result.files.get("out")), ends)
 
 
 # ---------------------------------------------------------------------------------------------

@@ -12,7 +12,7 @@ from workplace import SMALL_SOURCE, assert_none
 @needs_c_compiler
 @unittest.skipIf(IS_SANITIZED, "a sanitizer has an allocator of its own")
 class FailingAllocation(unittest.TestCase):
-    STEP = 7
+    STEP = 11
 
     @classmethod
     def setUpClass(cls):

@@ -93,6 +93,7 @@ class OutputOfTheSystem(unittest.TestCase):
     SCRIPT = """
         mount -t tmpfs tmpfs /dev
         mknod -m 666 /dev/null c 1 3
+        mknod -m 444 /dev/urandom c 1 9
         mkdir /dev/shm
         for i in 0 1 2; do ln -s /proc/self/fd/$i /dev/fd$i; done
         ln -s /proc/self/fd /dev/fd
