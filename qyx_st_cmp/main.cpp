@@ -150,8 +150,8 @@ void CheckSourceIsKept(const QString& output) {
     }
 }
 
-// Probes that the outputs can be created, then whether the options are known: a wrong one is told
-// after an output that cannot be created, and before the side files.
+// Probes that the outputs can be created and checks that the options are known: the message about
+// a wrong option comes after that about the code file and before those about the side files.
 void CheckOutputs(const QString& output, bool areOptionsKnown) {
     if (!FileCanExists(output)) {
         OutputFileNameError();
@@ -248,8 +248,9 @@ void EndBySignal(int signal) {
 void HandleEndingSignals() {
 #ifndef Q_OS_WIN
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        if (std::signal(signal, EndBySignal) == SIG_IGN) {
-            std::signal(signal, SIG_IGN);
+        struct sigaction before = {};
+        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
+            std::signal(signal, EndBySignal);
         }
     }
 #endif
@@ -264,14 +265,49 @@ void PrepareScreen() {
 
 // Ends a run that cannot get the memory it needs. Nothing here asks for more.
 [[noreturn]] void EndWithoutMemory() noexcept {
-    constexpr std::string_view prefix = ";";
     DeleteOutputCodeFile();
-    std::fwrite(prefix.data(), 1, prefix.size(), stdout);
+    std::fputc(';', stdout);
     std::fwrite(TXT_OUT_OF_MEMORY.data(), 1, TXT_OUT_OF_MEMORY.size(), stdout);
     std::fputc('\n', stdout);
     std::fflush(stdout);
     std::_Exit(EXIT_FAILURE);
 }
+
+#if !defined(Q_OS_WIN) && !defined(YXST_SANITIZED)
+
+// The memory of the stack is asked for when it is used; the want of it shows as a signal.
+// Anything else that raises it ends the run as if it were not handled.
+constexpr std::size_t STACK_SPAN = std::size_t{64} * 1024 * 1024;
+const char* stackBegin = nullptr;
+
+void EndIfWithoutStack(int signal, siginfo_t* info, void*) {
+    const auto* const address = static_cast<const char*>(info->si_addr);
+    if (address < stackBegin && static_cast<std::size_t>(stackBegin - address) < STACK_SPAN) {
+        DeleteOutputCodeFile();
+        constexpr std::string_view line = ";Out of memory\n";
+        [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, line.data(), line.size());
+        _exit(EXIT_FAILURE);
+    }
+    EndBySignal(signal);
+}
+
+void HandleWantOfStack(const char* begin) {
+    constexpr std::size_t size = std::size_t{16} * 1024;
+    static std::array<char, size> ownStack;
+    const stack_t own = {ownStack.data(), 0, ownStack.size()};
+    struct sigaction action = {};
+    action.sa_sigaction = EndIfWithoutStack;
+    action.sa_flags = SA_ONSTACK | SA_SIGINFO;
+    stackBegin = begin;
+    sigaltstack(&own, nullptr);
+    sigaction(SIGSEGV, &action, nullptr);
+}
+
+#else
+
+void HandleWantOfStack(const char*) {}
+
+#endif
 
 void PrepareProcess() {
     OccupyClosedStreams();
@@ -310,6 +346,8 @@ void Run(int argc, char** argv) {
 
 // Want of memory is found by an exception, or by its end where it may not pass.
 int main(int argc, char** argv) {
+    const char onStack = 0;
+    HandleWantOfStack(&onStack);
     std::set_terminate(EndWithoutMemory);
     try {
         PrepareProcess();

@@ -105,8 +105,8 @@ Typ BinaryOperation(const BinaryOperator& op, const VarsList& vars, Typ type) {
     const NestingGuard guard;
     Match(op.token);
     CheckOperand(op, TXT_LEFT_OPERAND_HAS_TYPE, type);
-    const Typ rightTyp = ConvertTyp(type, Scan());
-    const Typ merged = ConvertTyp(rightTyp, MulTerm(vars, rightTyp));
+    const Typ rightType = ConvertTyp(type, Scan());
+    const Typ merged = ConvertTyp(rightType, MulTerm(vars, rightType));
     CheckOperand(op, TXT_RIGHT_OPERAND_HAS_TYPE, merged);
     EmitStackOperation(op.keyword);
     return merged;
@@ -201,6 +201,18 @@ constexpr OperationTable OPERATIONS = ByToken({
     {TOKEN_ROL, BitRol},
     {TOKEN_POWER, Pow},
 });
+
+constexpr bool HasOperations(Token first, Token last, const OperationTable& table) {
+    for (std::size_t code = first; code <= last; ++code) {
+        if (table[code] == nullptr) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(HasOperations(TOKEN_PLUS, TOKEN_AND, OPERATIONS) &&
+                  HasOperations(TOKEN_SHR, TOKEN_POWER, OPERATIONS),
+              "every operator has its operation");
 
 // "MOV #A0 $PUSH", then the operation of the current token.
 Typ PushAndOperate(const VarsList& vars, Typ type) {
@@ -532,6 +544,8 @@ constexpr OperationTable COMPARISONS = ByToken({
     {TOKEN_LESS_OR_EQUAL, BoolLessOrEquals},
     {TOKEN_GREATER_OR_EQUAL, BoolGreaterOrEquals},
 });
+static_assert(HasOperations(TOKEN_EQUAL, TOKEN_GREATER_OR_EQUAL, COMPARISONS),
+              "every comparison has its operation");
 
 // Relation = Expression [ Comparison ]
 // <expression> [ "MOV #A0 $PUSH", <comparison> ]; a second comparison is left to the caller.
@@ -599,7 +613,8 @@ Typ BoolRightOperand(const VarsList& vars, Label& label) {
 void CheckBoolLeftOperand(Token code, Typ type) {
     Match(code);
     if (!IsTypBoolean(type)) {
-        AbortIllegal(code, TXT_LEFT_OPERAND_HAS_TYPE, type);  // GCOVR_EXCL_LINE: never, as told
+        AbortIllegal(code, TXT_LEFT_OPERAND_HAS_TYPE,
+                     type);  // GCOVR_EXCL_LINE: BitTerm has refused it
     }
 }
 

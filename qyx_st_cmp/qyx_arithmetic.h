@@ -8,18 +8,20 @@
 // The current token is the first of the expression on entry and the first after it on return.
 //
 // The order of Scan and writing is output: a Scan that reaches a new line echoes it into the
-// listing, before the items that are written next. An operand's load is written after the token
-// after the operand was read, an operator's item after the first token after its right operand;
-// a pending label is posted when the token that ends the expression has been matched. A Scan or
-// Match between an expression and its PostPendingLabel is no accident.
+// listing, before the items that are written next. A number, a string and TICK are loaded before
+// the token after them is read; a name, TRUE, FALSE and a number after "-" when it has been read;
+// an operator's item follows the first token after its right operand. A pending label is posted
+// once the value is checked: of a statement's value, a condition and parentheses when the token
+// that ends them has been matched, of a parameter, a right operand of AND or XOR and the selector
+// of CASE before. A Scan or Match between an expression and its PostPendingLabel is no accident.
 #pragma once
 
 #include "qyx_globals.h"
 
 // A whole expression. The "true" jumps of a short-circuit OR go to `label`, the pending label: an
 // empty one is filled with a new one when the first OR needs it, and then the caller posts it
-// where the expression's value is due, after what it checks of the value and of the token that
-// ends the expression; a caller's own label is posted by the caller at its own place.
+// where the expression's value is due, after what it checks of the value; a caller's own label is
+// posted by the caller at its own place.
 Typ BoolExpression(const VarsList& vars, Typ type, Label& label);
 
 // A numeric expression: no comparison and no Boolean operator outside parentheses.

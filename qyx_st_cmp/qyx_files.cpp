@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <iterator>
 #include <new>
 #include <string>
 #include <system_error>
@@ -18,6 +17,8 @@
 #ifndef Q_OS_WIN
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
+#include <unistd.h>
 
 #include <csignal>
 #endif
@@ -42,9 +43,40 @@ std::vector<int> g_InputCodeFileLinesList;
 int g_InputCodeFileLineCount = 0;
 int g_InputCodeFileTmpLineCount = -1;
 
+#ifdef Q_OS_WIN
+
+bool FileId::isAt(const char*) const noexcept {
+    return true;
+}
+
+bool FileId::isItselfAt(const char*) const noexcept {
+    return true;
+}
+
+#else
+
+bool FileId::isAt(const char* name) const noexcept {
+    struct stat found = {};
+    return stat(name, &found) == 0 && found.st_dev == device && found.st_ino == number;
+}
+
+bool FileId::isItselfAt(const char* name) const noexcept {
+    struct stat found = {};
+    return lstat(name, &found) == 0 && found.st_dev == device && found.st_ino == number;
+}
+
+#endif
+
 namespace {
 
 namespace fs = std::filesystem;
+
+#ifndef Q_OS_WIN
+FileId IdOf(const char* name) {
+    struct stat found = {};
+    return stat(name, &found) == 0 ? FileId{found.st_dev, found.st_ino} : FileId();
+}
+#endif
 
 // The largest source, in bytes: whatever part of it is converted must fit a QByteArray, three
 // bytes for a character.
@@ -96,21 +128,41 @@ fs::path NewNameIn(const fs::path& folder) {
 }
 
 // Want of memory is no property of a file.
-void CheckMemory(std::errc error) {
-    if (error == std::errc::not_enough_memory) {
+void CheckMemory() {
+    if (errno == ENOMEM) {
         throw std::bad_alloc();
     }
 }
 
 // Whether outputs may stand in the folder: those of devices and of the system's processes hold no
 // files of users.
-bool IsFolderForOutputs(const fs::path& folder) {
-    std::error_code error;
-    const fs::path resolved = fs::canonical(folder, error);
-    CheckMemory(static_cast<std::errc>(error.value()));
-    const bool isOfProcesses = std::distance(resolved.begin(), resolved.end()) > 1 &&
-                               *std::next(resolved.begin()) == "proc";
-    return !error && resolved != "/dev" && !isOfProcesses;
+bool IsFolderForOutputs([[maybe_unused]] const fs::path& folder) {
+#ifdef Q_OS_WIN
+    return true;
+#else
+    constexpr decltype(statfs::f_type) processes = 0x9FA0;
+    struct statfs system = {};
+    const FileId devices = IdOf("/dev");
+    return statfs(folder.c_str(), &system) == 0 && system.f_type != processes &&
+           !devices.isAt(folder.c_str());
+#endif
+}
+
+// Whether an old output may be moved: in a folder such as /tmp only the owners of file and folder
+// may do so.
+bool MayBeMoved([[maybe_unused]] const fs::path& path, [[maybe_unused]] const fs::path& folder) {
+#ifdef Q_OS_WIN
+    return true;
+#else
+    struct stat file = {};
+    struct stat parent = {};
+    if (lstat(path.c_str(), &file) != 0 || stat(folder.c_str(), &parent) != 0) {
+        return true;
+    }
+    const uid_t user = geteuid();
+    return (parent.st_mode & S_ISVTX) == 0 || user == 0 || user == file.st_uid ||
+           user == parent.st_uid;
+#endif
 }
 
 // What may be removed as an old output.
@@ -155,12 +207,24 @@ bool CanCreateIn(const fs::path& folder) {
     const SignalsHeld held;
     std::FILE* const probe = std::fopen(path.string().c_str(), "wbx");
     if (probe == nullptr) {
-        CheckMemory(static_cast<std::errc>(errno));
+        CheckMemory();
         return false;
     }
     std::fclose(probe);
     std::error_code error;
     return fs::remove(path, error);
+}
+
+// Gives a file its name back, unless another has taken that.
+void PutBack(const fs::path& aside, const fs::path& path) {
+#ifndef Q_OS_WIN
+    if (renameat2(AT_FDCWD, aside.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0 ||
+        errno == EEXIST) {
+        return;
+    }
+#endif
+    std::error_code error;
+    fs::rename(aside, path, error);
 }
 
 // The code file for as long as the run can fail, under its name of the moment; null when there is
@@ -176,15 +240,6 @@ FileId codeFileId;
 // ---------------------------------------------------------------------------------------------
 // FileHandle
 // ---------------------------------------------------------------------------------------------
-
-bool FileId::isAt([[maybe_unused]] const char* name) const noexcept {
-#ifdef Q_OS_WIN
-    return true;
-#else
-    struct stat found = {};
-    return stat(name, &found) == 0 && found.st_dev == device && found.st_ino == number;
-#endif
-}
 
 FileHandle::FileHandle(const QString& name, bool forReading) : QFile(name), name_(name) {
     if (forReading) {
@@ -211,8 +266,19 @@ bool FileHandle::openNew() {
 #else
 
 // Opening must not wait, as it could for ever on a pipe; what was opened tells whether it is one.
+// A regular file that another holds for a moment, as servers of files do, is waited for.
 bool FileHandle::openForReading() {
-    const int file = ::open(NativePath(name_).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const std::string name = NativePath(name_).string();
+    constexpr int flags = O_RDONLY | O_CLOEXEC | O_NOCTTY;
+    int file = ::open(name.c_str(), flags | O_NONBLOCK);
+    if (file < 0 && errno == EWOULDBLOCK) {
+        const int held = ::open(name.c_str(), O_PATH | O_CLOEXEC);
+        struct stat status = {};
+        if (held >= 0 && fstat(held, &status) == 0 && S_ISREG(status.st_mode)) {
+            file = ::open(("/proc/self/fd/" + std::to_string(held)).c_str(), flags);
+        }
+        ::close(held);
+    }
     return openNumber(file, QIODevice::ReadOnly);
 }
 
@@ -321,7 +387,8 @@ bool FileCanExists(const QString& name) {
     const fs::path path = NativePath(name);
     const fs::path folder = FolderOf(path);
     const bool isUsable = path.has_filename() && (IsFree(path) || IsReplaceable(path));
-    return isUsable && IsFolderForOutputs(folder) && CanCreateIn(folder);
+    return isUsable && IsFolderForOutputs(folder) && MayBeMoved(path, folder) &&
+           CanCreateIn(folder);
 }
 
 // The old file is put aside before it is removed. If the source is gone then, the two were one,
@@ -340,13 +407,13 @@ bool RemoveOldFile(const QString& name) {
     std::error_code error;
     fs::rename(path, aside, error);
     if (error) {
-        return false;
+        return error == std::errc::no_such_file_or_directory;  // another run was quicker
     }
     const bool isOther = !hadSource || fs::exists(source, error);
     if (isOther && IsReplaceable(aside) && fs::remove(aside, error)) {
         return true;
     }
-    fs::rename(aside, path, error);
+    PutBack(aside, path);
     return false;
 }
 
@@ -471,9 +538,12 @@ void OpenOutputCodeFile(const QString& name) {
     static std::string unfinished;
     g_OutputCodeFileName = name;
     unfinished = NewNameIn(FolderOf(NativePath(name))).string();
+    const QString own = NameOf(unfinished);
+    const SignalsHeld held;
     codeFileId = FileId();
     doubtfulCodeFile = unfinished.c_str();
-    CreateOutputFile(g_OutputCodeFileHandle, NameOf(unfinished), TXT_OPEN_FAILED_ON_OUTPUT_FILE);
+    CreateOutputFile(g_OutputCodeFileHandle, own, TXT_OPEN_FAILED_ON_OUTPUT_FILE);
+    codeFileId = g_OutputCodeFileHandle->id();
 }
 
 void OpenOutputListFile(const QString& name) {
@@ -488,18 +558,28 @@ void OpenOutputErrFile(const QString& name) {
     CreateOutputFile(g_OutputErrFileHandle, name, TXT_OPEN_FAILED_ON_OUTPUT_FILE_ERR);
 }
 
-void FinishOutputCodeFile() {
-    if (!g_OutputCodeFileHandle || !g_OutputCodeFileHandle->finish()) {
-        AbortWriting();
-    }
+namespace {
+
+// Gives the code file its name. False if that is not possible or another stands in its place.
+bool PublishCodeFile() {
     static std::string finished;
     finished = NativePath(g_OutputCodeFileName).string();
     const SignalsHeld held;
-    if (std::rename(doubtfulCodeFile, finished.c_str()) != 0) {
+    const char* const unfinished = doubtfulCodeFile;
+    if (!codeFileId.isItselfAt(unfinished) || std::rename(unfinished, finished.c_str()) != 0) {
+        return false;
+    }
+    doubtfulCodeFile = finished.c_str();
+    return true;
+}
+
+}  // namespace
+
+void FinishOutputCodeFile() {
+    const bool isWhole = g_OutputCodeFileHandle && g_OutputCodeFileHandle->finish();
+    if (!isWhole || !PublishCodeFile()) {
         AbortWriting();
     }
-    codeFileId = g_OutputCodeFileHandle->id();
-    doubtfulCodeFile = finished.c_str();
 }
 
 void KeepOutputCodeFile() {
@@ -530,9 +610,11 @@ void CloseAllFiles() {
     CloseOutputErrFile();
 }
 
+// While the file is being made it is known by its name alone, which nobody else has.
 void DeleteOutputCodeFile() noexcept {
+    const SignalsHeld held;
     const char* const name = doubtfulCodeFile.exchange(nullptr);
-    if (name != nullptr && (codeFileId.number == 0 || codeFileId.isAt(name))) {
+    if (name != nullptr && (codeFileId.number == 0 || codeFileId.isItselfAt(name))) {
         std::remove(name);
     }
 }
@@ -699,10 +781,9 @@ std::size_t PartSize(QStringView part) {
 }
 
 char* PutPart(char* to, QStringView part) {
-    constexpr ushort asciiEnd = 0x80;
     char* end = to;
     for (const QChar unit : part) {
-        if (unit.unicode() >= asciiEnd) {
+        if (unit.unicode() >= ASCII_COUNT) {
             return PutPart(to, part.toUtf8().toStdString());
         }
         *end++ = static_cast<char>(unit.unicode());

@@ -15,14 +15,14 @@
 #include <memory>
 #include <string_view>
 
-// A file by what the system knows it by, whatever names it has.
+// A file by what the system knows it by, whatever names it has. Where files have no such numbers
+// every name is taken for its own. Both may be asked in the handler of a signal.
 struct FileId {
     quint64 device = 0;
     quint64 number = 0;
 
-    // Whether the name leads to the file. It may be asked in the handler of a signal. Where files
-    // have no such numbers it is taken for granted.
-    bool isAt(const char* name) const noexcept;
+    bool isAt(const char* name) const noexcept;        // whether the name leads to it
+    bool isItselfAt(const char* name) const noexcept;  // and is no symbolic link
 };
 
 // A file that is read whole when it is opened, or a new one that is written in large blocks.

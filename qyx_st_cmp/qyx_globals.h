@@ -30,7 +30,7 @@ extern bool flag_SaveResFile;         // -r: write the result file
 extern bool flag_SaveErrFile;         // -e: write the error file
 
 // ---------------------------------------------------------------------------------------------
-// Files (writer and reader: qyx_files, except where told)
+// Files (writer and reader: qyx_files, except where stated)
 // ---------------------------------------------------------------------------------------------
 
 // What a line of output is; it decides which outputs receive the line and in which form.
@@ -61,7 +61,7 @@ extern int g_InputCodeFileLineCount;
 extern int g_InputCodeFileTmpLineCount;  // the line echoed last, -1 before the first
 
 // ---------------------------------------------------------------------------------------------
-// Scanner (writer: qyx_scanner, except where told)
+// Scanner (writer: qyx_scanner, except where stated)
 // ---------------------------------------------------------------------------------------------
 
 // A place in the source, both parts 0-based; messages print them 1-based.

@@ -6,7 +6,7 @@
 FunctionList FunctionsList;
 
 // ---------------------------------------------------------------------------------------------
-// Tables
+// Reserved words and types
 // ---------------------------------------------------------------------------------------------
 
 bool IsItReservedWord(const Spelling& spelling) {

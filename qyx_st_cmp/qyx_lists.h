@@ -1,5 +1,5 @@
-// What is known about names: the tables of reserved words and types, and the lookups, insertions
-// and checks on the lists of variables, functions and labels.
+// The lookups, insertions and checks on reserved words, types and the lists of variables,
+// functions and labels.
 //
 // There is no scoping: a scope is the list that the caller passes. Names compare without regard
 // to case. Every failure ends the run through Abort at the current token.
@@ -8,7 +8,7 @@
 #include "qyx_globals.h"
 
 // ---------------------------------------------------------------------------------------------
-// Tables
+// Reserved words and types
 // ---------------------------------------------------------------------------------------------
 
 // Whether the name is the text of any token, punctuation included, or the name of a type.

@@ -63,9 +63,9 @@ void EmitWaitingTest(QLatin1String comparison, Label target) {
 // Label = ( Name | RESULT ) ":"
 // "<NAME>:"; the statement counts as ended, no ";" follows.
 void LabelDefinition(Body& body, const Spelling& spelling) {
-    const Spelling& label = LabelSpelling(spelling);
-    CheckLabelName(label, body.variables);
-    PostLabel(IsLabelItemInLabelLists(body.labels, label).name);
+    const Spelling& known = LabelSpelling(spelling);
+    CheckLabelName(known, body.variables);
+    PostLabel(IsLabelItemInLabelLists(body.labels, known).name);
     CountAsSemicolumn();
 }
 
@@ -134,7 +134,8 @@ Typ AssignTo(const VarsList& vars, const Target& target) {
 }
 
 // Assignment = Label | Target ":=" BoolExpression ";"
-// The store of the value, or the label. Returns the type of the value, TYP_NONE for a label.
+// The store of the value, or the label. Returns the type of the target, TYP_NONE for a
+// label.
 Typ Assignment(Body& body) {
     if (TokenChar != TOKEN_RESULT) {
         Match(TOKEN_IDENTIFIER);
@@ -589,9 +590,9 @@ void DoExit(Body& body) {
 void DoGoTo(LabelsList& labels) {
     MatchAndScan(TOKEN_GOTO);
     Match(TOKEN_IDENTIFIER);
-    const Spelling& label = LabelSpelling(*TokenSpelling);
+    const Spelling& known = LabelSpelling(*TokenSpelling);
     ScanAndMatch(TOKEN_SEMICOLON);
-    Emit(sJMP, AddPeferenceToLabelItemInLabelLists(labels, label).name);
+    Emit(sJMP, AddPeferenceToLabelItemInLabelLists(labels, known).name);
 }
 
 // Statement = Assignment | Tick | If | While | Repeat | For | Case | Break | Continue | Exit

@@ -5,11 +5,11 @@
 // labels decides the numbers in the target code.
 //
 // The order of Scan and writing is output as well: with -i a Scan that reaches a new line echoes
-// it into the listing. A routine writes the items of a head when the token that ends the head has
-// been matched, mostly before the token after that is read, and the items of its end when the ";"
-// has been matched. The label that a condition left pending is posted after the jump of its
-// statement, wherever Scans stand between; the type so far of an expression is that of the token
-// that is current when it begins.
+// it into the listing. The jump of an IF or WHILE, and after it the label that its condition left
+// pending, follow the token after THEN or DO. FOR writes its test before the token after DO is
+// read, and its step before END_FOR is matched; CASE pushes its selector before OF is matched.
+// The items that end a statement, jumps and labels, are written when its ";" has been matched.
+// The type so far of an expression is that of the token that is current when it begins.
 #pragma once
 
 #include "qyx_globals.h"

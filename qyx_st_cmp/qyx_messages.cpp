@@ -9,7 +9,7 @@ namespace {
 // Composes and writes "Error: Line L, Column C: text".
 void Report(QLatin1String severity, TokenPos pos, const QString& text, bool force) {
     if (!force && !AreDiagnosticsTaken()) {
-        WriteToOutputFiles(QString(), WHAT_DIAGNOSTIC, force);
+        WriteToOutputFiles(QString(), WHAT_DIAGNOSTIC, false);
         return;
     }
     QString line;

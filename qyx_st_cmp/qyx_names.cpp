@@ -23,8 +23,6 @@ struct IdentitySlot {
     std::size_t hash() const { return identity->hash; }
 };
 
-constexpr std::size_t ASCII_COUNT = 128;
-
 // What no source knows, drawn anew for each process: nobody can make names of equal hashes, which
 // would make every lookup slow. No output depends on it, as lists keep the order of insertion.
 struct HashSecret {

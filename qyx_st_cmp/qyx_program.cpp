@@ -180,8 +180,9 @@ VarItem NamedVariable(const Section& section) {
     return variable;
 }
 
-// The current token as a name, whatever it is: names are checked before the kind of the token is.
-const Spelling& CurrentName() {
+// The spelling of the current token, whatever it is: names are checked before the kind of the
+// token is.
+const Spelling& CurrentSpelling() {
     return TokenSpelling != nullptr ? *TokenSpelling : SpellingOf(CurrentToken.text);
 }
 
@@ -193,7 +194,7 @@ VarItem DeclaredName(const Section& section, const VarsList& list, const VarsLis
         CheckConstant(section);
         ScanDeclared();
     }
-    const Spelling& spelling = CurrentName();
+    const Spelling& spelling = CurrentSpelling();
     CheckNewName(spelling);
     CheckDuplicate(spelling, list, otherList);
     VarItem variable = NamedVariable(section);
@@ -249,7 +250,7 @@ void DoAllocDeclYX(const Section& section, VarsList& vars) {
     if (TokenChar == TOKEN_CONSTANT) {
         CheckConstant(section);
     }
-    CheckNewName(CurrentName());
+    CheckNewName(CurrentSpelling());
     VarItem declared = NamedVariable(section);
     ScanAndMatch(TOKEN_COLON);
     declared.type = DeclaredType();

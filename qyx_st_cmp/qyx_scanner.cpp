@@ -32,7 +32,6 @@ enum CharacterClass : unsigned {
     CLASS_SIMBOL = 1U << 7U
 };
 
-constexpr std::size_t ASCII_COUNT = 128;
 using ClassTable = std::array<unsigned, ASCII_COUNT>;
 
 constexpr void AddClass(ClassTable& table, const char* characters, unsigned characterClass) {

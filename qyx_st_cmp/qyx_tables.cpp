@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr std::size_t ASCII_COUNT = 128;
-
 using RowsByCode = std::array<int, TOKEN_CODES_COUNT>;
 
 constexpr RowsByCode MakeRowsByCode() {

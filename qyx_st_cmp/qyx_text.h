@@ -16,6 +16,8 @@ constexpr QLatin1String operator""_L1(const char* characters, std::size_t size) 
     return QLatin1String(characters, static_cast<int>(size));
 }
 
+constexpr std::size_t ASCII_COUNT = 128;  // characters of ASCII, the first of all
+
 constexpr int DECIMAL = 10;
 
 // The value as text in that base; digits above 9 are lower-case letters. `out` receives what is

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cassert>
+#include <iterator>
 
 namespace {
 
@@ -22,7 +23,7 @@ bool HasClass(Typ t, TypClass typClass) {
 }  // namespace
 
 bool IsTypBoolean(Typ t) {
-    return t == TYP_BOOL;
+    return HasClass(t, TypClass::Boolean);
 }
 
 bool IsTypOrdinal(Typ t) {
@@ -94,6 +95,22 @@ constexpr Conversion ConvertLRealTo = {TYP_LREAL, TYP_LREAL, NONE | INTEGERS | R
 constexpr Conversion ConvertStringTo = {TYP_STRING, TYP_STRING, Bit(TYP_STRING)};
 constexpr Conversion ConvertArrayTo = {TYP_ARRAY, TYP_ARRAY, 0};
 
+// In the order of the table of types, one for each.
+constexpr Conversion CONVERSION_ROWS[] = {
+    ConvertBoolTo,  ConvertSIntTo, ConvertUSIntTo, ConvertIntTo,    ConvertUIntTo,  ConvertDIntTo,
+    ConvertUDIntTo, ConvertRealTo, ConvertLRealTo, ConvertStringTo, ConvertArrayTo,
+};
+
+constexpr bool IsOneForEachType() {
+    for (std::size_t row = 0; row < std::size(CONVERSION_ROWS); ++row) {
+        if (CONVERSION_ROWS[row].current != TypsTable[row].code) {
+            return false;
+        }
+    }
+    return std::size(CONVERSION_ROWS) == std::size(TypsTable);
+}
+static_assert(IsOneForEachType(), "every type has its conversion");
+
 // All results, so that a conversion is a look into a table: by strictness, current and next type.
 // A value of no type yet takes the other type, whatever it is.
 using ConversionTable =
@@ -104,10 +121,7 @@ constexpr ConversionTable MakeConversionTable() {
     for (std::size_t code = 0; code < TYP_CODES_COUNT; ++code) {
         const auto next = static_cast<Typ>(code);
         table[0][TYP_NONE][next] = table[1][TYP_NONE][next] = next;
-        for (const Conversion& convert :
-             {ConvertBoolTo, ConvertSIntTo, ConvertUSIntTo, ConvertIntTo, ConvertUIntTo,
-              ConvertDIntTo, ConvertUDIntTo, ConvertRealTo, ConvertLRealTo, ConvertStringTo,
-              ConvertArrayTo}) {
+        for (const Conversion& convert : CONVERSION_ROWS) {
             table[0][convert.current][next] = convert(next, false);
             table[1][convert.current][next] = convert(next, true);
         }

@@ -1,4 +1,4 @@
-// Type codes, their names, their classes and the one rule that merges two types.
+// The names and classes of types, and the one rule that merges two.
 #pragma once
 
 #include "qyx_globals.h"

@@ -11,6 +11,7 @@ from support import BINARY
 
 KIB = 1024
 MIB = 1024 * KIB
+GIB = 1024 * MIB
 
 # The frames of a sanitizer, or of a build that is not optimised, measure nothing.
 IS_SANITIZED = b"__asan_init" in BINARY.read_bytes()
@@ -21,6 +22,18 @@ STACK_SIZE = 4 * MIB if IS_MEASURE else 64 * MIB
 
 # Far above what the slowest run takes, to tell "slow machine" from "does not end".
 TIMEOUT_SECONDS = 600
+
+
+# The largest source, in bytes.
+SOURCE_SIZE_LIMIT = 700_000_000
+
+
+def available_memory():
+    """What is free or holds files that could be read again."""
+    for line in Path("/proc/meminfo").read_text().splitlines():
+        if line.startswith("MemAvailable:"):
+            return int(line.split()[1]) * KIB
+    return 0
 
 
 class Run(NamedTuple):

@@ -12,13 +12,18 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from limits import IS_SANITIZED
+from limits import GIB, IS_SANITIZED
 from support import BINARY, VALID_SOURCE, CompilerTestCase, Result
+from workplace import (
+    LARGE_SOURCE,
+    OUTPUT_NAMES,
+    SMALL_SOURCE,
+    source_with_statements,
+    without_time,
+)
 
 # Nothing here takes long; what waits for the other end of a pipe waits for ever.
 TIMEOUT_SECONDS = 30
-
-GIB = 1 << 30
 
 IS_ROOT = os.geteuid() == 0
 NOBODY = 65534
@@ -34,18 +39,6 @@ SIDE_FILES = (
     ("-e", "out.err", b";File open failed for output ERR file\n"),
 )
 ALL_SIDE_FILES = ("-l", "-m", "-r", "-e")
-OUTPUT_NAMES = ("out", "out.lst", "out.res", "out.err")
-
-# A warning gives the error file something to hold.
-WARNING_SOURCE = b"PROGRAM main\nVAR a : INT; unused : INT; END_VAR\na := 1;\nEND_PROGRAM\n"
-
-
-def source_with_statements(count):
-    return b"PROGRAM main\nVAR a : INT; END_VAR\n" + b"a := 1;\n" * count + b"END_PROGRAM\n"
-
-
-# Its code, listing and screen output are each several blocks of what is written at a time.
-LARGE_SOURCE = source_with_statements(30_000)
 
 
 def snapshot(folder):
@@ -63,11 +56,6 @@ def snapshot(folder):
             kind = stat.S_IFMT(status.st_mode)
             entries[os.path.relpath(path, folder)] = (kind, status.st_ino, content)
     return entries
-
-
-def without_time(text):
-    """A listing or result file without the line that tells the elapsed time."""
-    return b"".join(line for line in text.splitlines(True) if b"Elapsed time" not in line)
 
 
 def drop_privileges():
@@ -947,7 +935,7 @@ class InjectedFailure(FailedWriteTestCase):
                 self.assertEqual(text, without_time(expected[name]), name)
 
     def test_every_write_of_a_small_program(self):
-        hits = self.check_every_call(WARNING_SOURCE, CALL="write")
+        hits = self.check_every_call(SMALL_SOURCE, CALL="write")
         self.assertEqual(set(hits), set(OUTPUT_NAMES))
 
     def test_every_write_of_a_program_of_several_blocks(self):
@@ -961,8 +949,8 @@ class InjectedFailure(FailedWriteTestCase):
 
     def test_every_close_after_writing(self):
         # A network file system may tell of a full disk only then.
-        self.source("in.st", WARNING_SOURCE)
-        code = self.compiled(WARNING_SOURCE)["out"]
+        self.source("in.st", SMALL_SOURCE)
+        code = self.compiled(SMALL_SOURCE)["out"]
         hits = []
         for at in range(1, self.MOST_CALLS):
             result = self.run_injected(*ALL_SIDE_FILES, CALL="close", AT=at)
@@ -972,7 +960,7 @@ class InjectedFailure(FailedWriteTestCase):
             with self.subTest(at=at, hit=hits[-1]):
                 # A probe of the name that fails so may refuse it; a success needs whole code.
                 if result.status == 0:
-                    self.assert_code_file_is_whole(result, WARNING_SOURCE, code)
+                    self.assert_code_file_is_whole(result, SMALL_SOURCE, code)
                 else:
                     self.assertEqual(result.status, 1)
                     self.assertNotIn("out", result.files)
@@ -980,14 +968,14 @@ class InjectedFailure(FailedWriteTestCase):
 
     def test_close_of_the_written_code_file(self):
         # The last close of the code file is the one after the code.
-        self.source("in.st", WARNING_SOURCE)
+        self.source("in.st", SMALL_SOURCE)
         results = []
         for at in range(1, self.MOST_CALLS):
             result = self.run_injected(CALL="close", AT=at)
             if not self.hit_files():
                 break
             results.append(result)
-        self.assert_code_file_failed(results[-1], WARNING_SOURCE)
+        self.assert_code_file_failed(results[-1], SMALL_SOURCE)
 
     def test_source_vanishes_before_it_is_opened(self):
         source = self.folder / "in.st"

@@ -3,7 +3,7 @@
 import os
 import unittest
 
-from limits import IS_SANITIZED, KIB, MIB, run_limited
+from limits import IS_SANITIZED, KIB, MIB, SOURCE_SIZE_LIMIT, run_limited
 from support import CompilerTestCase
 
 # What an empty compile takes, and the interpreter that runs the tests, from which it is forked.
@@ -12,7 +12,6 @@ BASE_BYTES = 48 * MIB
 # The text of the source: one byte of it as it is read, and two of each character.
 BYTES_PER_SOURCE_BYTE = 4
 
-SOURCE_SIZE_LIMIT = 1_000_000_000
 
 BEGIN = b"PROGRAM main\nVAR x : INT; b : BOOL; END_VAR\n"
 END = b"\nEND_PROGRAM\n"

@@ -1,25 +1,15 @@
-"""Texts so long that three bytes for each of their characters are more than 2 GiB."""
+"""Texts that are as long as the largest source lets them be."""
 
 import shutil
 import unittest
-from pathlib import Path
 
-from limits import IS_SANITIZED, KIB, MIB
+from limits import GIB, IS_SANITIZED, MIB, SOURCE_SIZE_LIMIT, available_memory
 from test_size import END, SizeTestCase, program
-from test_slow_size import GIB
 
-LENGTH = 715_827_881 + 1_000
+LENGTH = SOURCE_SIZE_LIMIT - 1_000
 
 MEMORY = 16 * GIB
 DISK = 4 * GIB
-
-
-def available_memory():
-    """What is free or holds files that could be read again."""
-    for line in Path("/proc/meminfo").read_text().splitlines():
-        if line.startswith("MemAvailable:"):
-            return int(line.split()[1]) * KIB
-    return 0
 
 
 def repeated(character):

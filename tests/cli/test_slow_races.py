@@ -12,9 +12,8 @@ import time
 import unittest
 
 import stops
-from limits import IS_SANITIZED
+from limits import GIB, IS_SANITIZED, SOURCE_SIZE_LIMIT, available_memory
 from preloads import needs_c_compiler, preload_for
-from test_slow_size import GIB, free_memory
 from workplace import (
     LARGE_SOURCE,
     OLD_CODE,
@@ -349,11 +348,9 @@ class StoppedAtEveryCall(unittest.TestCase):
 # Sources without an end
 # ---------------------------------------------------------------------------------------------
 
-SOURCE_SIZE_LIMIT = 1_000_000_000
-
 
 @unittest.skipIf(IS_SANITIZED, "a sanitizer multiplies the memory")
-@unittest.skipIf(free_memory() < 6 * GIB, "needs 6 GiB of memory")
+@unittest.skipIf(available_memory() < 6 * GIB, "needs 6 GiB of memory")
 class Endless(unittest.TestCase):
     SECONDS = 120  # for the reading of a source of the largest size
 

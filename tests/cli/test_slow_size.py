@@ -1,17 +1,10 @@
 """The sizes of test_size.py that take long."""
 
-import os
 import shutil
 import unittest
 
-from limits import IS_SANITIZED, KIB, MIB
-from test_size import END, SOURCE_SIZE_LIMIT, SizeTestCase, program
-
-GIB = 1024 * MIB
-
-
-def free_memory():
-    return os.sysconf("SC_AVPHYS_PAGES") * os.sysconf("SC_PAGE_SIZE")
+from limits import GIB, IS_SANITIZED, KIB, MIB, SOURCE_SIZE_LIMIT, available_memory
+from test_size import END, SizeTestCase, program
 
 
 class LongLine(SizeTestCase):
@@ -47,7 +40,7 @@ class ManyVariables(SizeTestCase):
 
 class LargestSource(SizeTestCase):
     @unittest.skipIf(IS_SANITIZED, "a sanitizer multiplies the memory")
-    @unittest.skipIf(free_memory() < 5 * GIB, "needs 5 GiB of memory")
+    @unittest.skipIf(available_memory() < 5 * GIB, "needs 5 GiB of memory")
     def test_source_at_the_limit(self):
         if shutil.disk_usage(self.folder).free < 2 * GIB:
             self.skipTest("needs 2 GiB of disk")
