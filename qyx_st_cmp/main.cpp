@@ -22,6 +22,10 @@
 #include <unistd.h>
 #endif
 
+#ifdef YXST_COVERAGE
+extern "C" void __gcov_dump();
+#endif
+
 namespace {
 
 // ---------------------------------------------------------------------------------------------
@@ -237,9 +241,18 @@ void IgnoreOutputSignals() {
 #endif
 }
 
+// A build that measures coverage notes what was reached, as nothing does so at an end by a signal
+// or without the usual steps.
+void NoteCoverage() {
+#ifdef YXST_COVERAGE
+    __gcov_dump();
+#endif
+}
+
 // The run ends as if the signal were not handled, but leaves no code file that is not whole.
 void EndBySignal(int signal) {
     DeleteOutputCodeFile();
+    NoteCoverage();
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
@@ -270,6 +283,7 @@ void PrepareScreen() {
     std::fwrite(TXT_OUT_OF_MEMORY.data(), 1, TXT_OUT_OF_MEMORY.size(), stdout);
     std::fputc('\n', stdout);
     std::fflush(stdout);
+    NoteCoverage();
     std::_Exit(EXIT_FAILURE);
 }
 
@@ -286,9 +300,10 @@ void EndIfWithoutStack(int signal, siginfo_t* info, void*) {
         DeleteOutputCodeFile();
         constexpr std::string_view line = ";Out of memory\n";
         [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, line.data(), line.size());
+        NoteCoverage();
         _exit(EXIT_FAILURE);
     }
-    EndBySignal(signal);
+    EndBySignal(signal);  // GCOVR_EXCL_LINE: a fault of the compiler itself
 }
 
 void HandleWantOfStack(const char* begin) {

@@ -1,9 +1,12 @@
 """Files that are none: what the system shows of itself under /proc, /sys and /dev, and one file
 under two names that no number of it tells."""
 
+import fcntl
 import os
 import shutil
+import signal
 import subprocess
+import threading
 import unittest
 
 from support import BINARY, VALID_SOURCE
@@ -200,6 +203,29 @@ class TwoNamesOfTheSource(unittest.TestCase):
     def test_folder_laid_over_a_folder(self):
         self.assert_kept(self.OVERLAY, "top/here/in.st", "top/there/in.st")
         self.assert_kept(self.OVERLAY, "top/here/in.lst", "top/there/in", "-l")
+
+
+class LeasedSource(unittest.TestCase):
+    """Who serves a file to others may hold it for a moment; it is waited for."""
+
+    SECONDS = 0.3
+
+    def test_source_is_waited_for(self):
+        with Workplace() as place:
+            with (place.path / "in.st").open("rb+") as held:
+                # The system asks by a signal to let go, which the timer does anyway.
+                before = signal.signal(signal.SIGIO, signal.SIG_IGN)
+                self.addCleanup(signal.signal, signal.SIGIO, before)
+                try:
+                    fcntl.fcntl(held, fcntl.F_SETLEASE, fcntl.F_WRLCK)
+                except OSError as error:
+                    self.skipTest(f"no lease: {error}")
+                letting_go = threading.Timer(
+                    self.SECONDS, lambda: fcntl.fcntl(held, fcntl.F_SETLEASE, fcntl.F_UNLCK)
+                )
+                letting_go.start()
+                self.assertEqual(place.run(), 0)
+                letting_go.join()
 
 
 if __name__ == "__main__":
