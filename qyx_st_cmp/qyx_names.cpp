@@ -4,31 +4,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <deque>
 
 namespace {
-
-struct SpellingSlot {
-    std::size_t textHash = 0;
-    const Spelling* spelling = nullptr;
-
-    explicit operator bool() const { return spelling != nullptr; }
-    std::size_t hash() const { return textHash; }
-};
-
-struct IdentitySlot {
-    const Identity* identity = nullptr;
-
-    explicit operator bool() const { return identity != nullptr; }
-    std::size_t hash() const { return identity->hash; }
-};
-
-// What no source knows, drawn anew for each process: nobody can make names of equal hashes, which
-// would make every lookup slow. No output depends on it, as lists keep the order of insertion.
-struct HashSecret {
-    quint64 begin = QRandomGenerator::system()->generate64();
-    quint64 factor = QRandomGenerator::system()->generate64() | 1U;
-};
 
 // Both halves of the 128 bits of a product depend on all bits of both factors.
 quint64 Mix(quint64 hash, quint64 value, quint64 factor) {
@@ -82,66 +59,55 @@ bool IsSpelled(const Spelling& spelling, QStringView text) {
                       [](QChar c, char ascii) { return c == QLatin1Char(ascii); });
 }
 
-// All names and their spellings, the reserved words and the types from the start.
-class NameTable {
-public:
-    NameTable() {
-        for (int row = 0; row < TOKENS_COUNT; ++row) {
-            addIdentity(TokensTable[row].text, row, NO_ROW);
-        }
-        for (int row = 0; row < TYPS_COUNT; ++row) {
-            addIdentity(TypsTable[row].name, NO_ROW, row);
-        }
-    }
-
-    const Spelling& spellingOf(QStringView text) {
-        const std::size_t hash = HashOf(text, secret_);
-        const SpellingSlot found = spellingSlots_.find(hash, [=](const SpellingSlot& slot) {
-            return slot.textHash == hash && IsSpelled(*slot.spelling, text);
-        });
-        return found ? *found.spelling : addSpelling(text, hash);
-    }
-
-private:
-    static constexpr std::size_t USUAL_SIZE = 1024;  // slots that most programs can do with
-
-    const HashSecret secret_;
-    std::deque<Identity> identities_;
-    std::deque<Spelling> spellings_;
-    HashSlots<IdentitySlot> identitySlots_ = HashSlots<IdentitySlot>(USUAL_SIZE);
-    HashSlots<SpellingSlot> spellingSlots_ = HashSlots<SpellingSlot>(USUAL_SIZE);
-
-    const Identity& addIdentity(const QString& text, int row, int typRow) {
-        identities_.push_back({FoldedHashOf(text, secret_), text, row, typRow});
-        identitySlots_.insert({&identities_.back()});
-        return identities_.back();
-    }
-
-    const Identity& identityOf(const QString& text) {
-        const std::size_t hash = FoldedHashOf(text, secret_);
-        const IdentitySlot found = identitySlots_.find(hash, [=](const IdentitySlot& slot) {
-            return slot.identity->hash == hash && StrCmp(slot.identity->text, text, true) == 0;
-        });
-        return found ? *found.identity : addIdentity(text, NO_ROW, NO_ROW);
-    }
-
-    // The text of a new name serves its identity and its first spelling.
-    const Spelling& addSpelling(QStringView view, std::size_t hash) {
-        const QString text = view.toString();
-        const Identity& identity = identityOf(text);
-        std::string utf8 = text.toUtf8().toStdString();
-        const bool isAscii = utf8.size() == static_cast<std::size_t>(text.size());
-        spellings_.push_back(
-            {&identity, identity.hash, identity.row, isAscii, text, std::move(utf8)});
-        spellingSlots_.insert({hash, &spellings_.back()});
-        return spellings_.back();
-    }
-};
-
 }  // namespace
 
+NameTable::NameTable(HashSecret secret) : secret_(secret) {
+    for (int row = 0; row < TOKENS_COUNT; ++row) {
+        addIdentity(TokensTable[row].text, row, NO_ROW);
+    }
+    for (int row = 0; row < TYPS_COUNT; ++row) {
+        addIdentity(TypsTable[row].name, NO_ROW, row);
+    }
+}
+
+const Spelling& NameTable::spellingOf(QStringView text) {
+    const std::size_t hash = HashOf(text, secret_);
+    const SpellingSlot found = spellingSlots_.find(hash, [=](const SpellingSlot& slot) {
+        return slot.textHash == hash && IsSpelled(*slot.spelling, text);
+    });
+    return found ? *found.spelling : addSpelling(text, hash);
+}
+
+const Identity& NameTable::addIdentity(const QString& text, int row, int typRow) {
+    identities_.push_back({FoldedHashOf(text, secret_), text, row, typRow});
+    identitySlots_.insert({&identities_.back()});
+    return identities_.back();
+}
+
+const Identity& NameTable::identityOf(const QString& text) {
+    const std::size_t hash = FoldedHashOf(text, secret_);
+    const IdentitySlot found = identitySlots_.find(hash, [&](const IdentitySlot& slot) {
+        return slot.identity->hash == hash && StrCmp(slot.identity->text, text, true) == 0;
+    });
+    return found ? *found.identity : addIdentity(text, NO_ROW, NO_ROW);
+}
+
+// The text of a new name serves its identity and its first spelling.
+const Spelling& NameTable::addSpelling(QStringView view, std::size_t hash) {
+    const QString text = view.toString();
+    const Identity& identity = identityOf(text);
+    std::string utf8 = text.toUtf8().toStdString();
+    const bool isAscii = utf8.size() == static_cast<std::size_t>(text.size());
+    spellings_.push_back(
+        {&identity, identity.hash, identity.row, isAscii, text, std::move(utf8)});
+    spellingSlots_.insert({hash, &spellings_.back()});
+    return spellings_.back();
+}
+
 const Spelling& SpellingOf(QStringView text) {
-    static NameTable& table = *new NameTable;  // never deleted: the process ends first
+    // Never deleted: the process ends first.
+    static NameTable& table = *new NameTable({QRandomGenerator::system()->generate64(),
+                                              QRandomGenerator::system()->generate64() | 1U});
     return table.spellingOf(text);
 }
 

@@ -12,6 +12,7 @@
 #include <QStringView>
 
 #include <cstddef>
+#include <deque>
 #include <list>
 #include <string>
 #include <utility>
@@ -94,6 +95,49 @@ private:
         }
         slots_ = std::move(larger);
     }
+};
+
+// What no source knows, drawn anew for each process: nobody can make names of equal hashes, which
+// would make every lookup slow. No output depends on it, as lists keep the order of insertion.
+struct HashSecret {
+    quint64 begin;
+    quint64 factor;
+};
+
+// All names and their spellings, the reserved words and the types from the start.
+class NameTable {
+public:
+    explicit NameTable(HashSecret secret);
+
+    const Spelling& spellingOf(QStringView text);
+
+private:
+    static constexpr std::size_t USUAL_SIZE = 1024;  // slots that most programs can do with
+
+    struct SpellingSlot {
+        std::size_t textHash = 0;
+        const Spelling* spelling = nullptr;
+
+        explicit operator bool() const { return spelling != nullptr; }
+        std::size_t hash() const { return textHash; }
+    };
+
+    struct IdentitySlot {
+        const Identity* identity = nullptr;
+
+        explicit operator bool() const { return identity != nullptr; }
+        std::size_t hash() const { return identity->hash; }
+    };
+
+    const HashSecret secret_;
+    std::deque<Identity> identities_;
+    std::deque<Spelling> spellings_;
+    HashSlots<IdentitySlot> identitySlots_ = HashSlots<IdentitySlot>(USUAL_SIZE);
+    HashSlots<SpellingSlot> spellingSlots_ = HashSlots<SpellingSlot>(USUAL_SIZE);
+
+    const Identity& addIdentity(const QString& text, int row, int typRow);
+    const Identity& identityOf(const QString& text);
+    const Spelling& addSpelling(QStringView view, std::size_t hash);
 };
 
 // Records in the order in which they were appended, found by the identity of their `spelling`. A

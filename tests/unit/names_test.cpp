@@ -135,4 +135,24 @@ TEST(Slots, EverySlotIsFoundWhateverTheHashes) {
     }
 }
 
+// With a factor of zero all hashes are equal, and the texts alone tell names apart.
+TEST(Spellings, OfOneHashAreToldApartByAllOfTheText) {
+    NameTable table({0, 0});
+    const std::vector<QString> names = {
+        QStringLiteral("a"),
+        QStringLiteral("A"),
+        QStringLiteral("ab"),
+        QStringLiteral(u"\u0416\u0416"),  // as UTF-8 the bytes of the next one
+        QStringLiteral(u"\u00D0\u0096\u00D0\u0096"),
+        QStringLiteral("IF")};
+    for (const QString& name : names) {
+        EXPECT_EQ(table.spellingOf(name).text, name);
+        EXPECT_EQ(&table.spellingOf(name), &table.spellingOf(QString(name))) << Utf8(name);
+    }
+    EXPECT_EQ(table.spellingOf(names[0]).identity, table.spellingOf(names[1]).identity);
+    EXPECT_NE(table.spellingOf(names[0]).identity, table.spellingOf(names[2]).identity);
+    EXPECT_NE(table.spellingOf(names[3]).identity, table.spellingOf(names[4]).identity);
+    EXPECT_NE(table.spellingOf(names[5]).row, NO_ROW);
+}
+
 }  // namespace
