@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Prints the words and the punctuation of the language as the fuzzer's dictionary."""
+"""Prints the words and the punctuation of the language as the fuzzer's dictionary.
+
+A line is group="WORD": the mutator chooses by the groups, the fuzzer itself passes over them.
+"""
 
 import sys
 from pathlib import Path
@@ -9,8 +12,9 @@ import words  # noqa: E402
 
 
 def main():
-    for word in sorted({*words.tokens(), *words.types(), *words.built_ins()}):
-        print(f'"{word}"')
+    for group, texts in words.lists().items():
+        for text in texts:
+            print(f'{group}="{text}"')
 
 
 if __name__ == "__main__":
