@@ -253,8 +253,8 @@ void NoteCoverage() {
 void EndBySignal(int signal) {
     DeleteOutputCodeFile();
     NoteCoverage();
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
+    std::signal(signal, SIG_DFL);  // GCOVR_EXCL_LINE: the coverage is noted
+    std::raise(signal);            // GCOVR_EXCL_LINE
 }
 
 // A signal that the caller has the process ignore stays ignored.
@@ -284,7 +284,7 @@ void PrepareScreen() {
     std::fputc('\n', stdout);
     std::fflush(stdout);
     NoteCoverage();
-    std::_Exit(EXIT_FAILURE);
+    std::_Exit(EXIT_FAILURE);  // GCOVR_EXCL_LINE: the coverage is noted
 }
 
 #if !defined(Q_OS_WIN) && !defined(YXST_SANITIZED)
@@ -370,8 +370,8 @@ int main(int argc, char** argv) {
         Run(argc, argv);
     } catch (const std::bad_alloc&) {
         EndWithoutMemory();
-    } catch (const std::length_error&) {
-        EndWithoutMemory();
+    } catch (const std::length_error&) {  // GCOVR_EXCL_LINE: as the one above
+        EndWithoutMemory();               // GCOVR_EXCL_LINE
     }
     return EXIT_SUCCESS;
 }

@@ -613,8 +613,9 @@ Typ BoolRightOperand(const VarsList& vars, Label& label) {
 void CheckBoolLeftOperand(Token code, Typ type) {
     Match(code);
     if (!IsTypBoolean(type)) {
-        AbortIllegal(code, TXT_LEFT_OPERAND_HAS_TYPE,
-                     type);  // GCOVR_EXCL_LINE: BitTerm has refused it
+        // GCOVR_EXCL_START: BitTerm has refused it
+        AbortIllegal(code, TXT_LEFT_OPERAND_HAS_TYPE, type);
+        // GCOVR_EXCL_STOP
     }
 }
 
