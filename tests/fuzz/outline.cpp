@@ -46,8 +46,12 @@ bool IsSign(const SourceToken* token, std::string_view text) {
 }
 
 Outline::Outline(const Tokens& tokens)
-    : tokens_(tokens), closers_(tokens.size()), isInSection_(tokens.size()) {
+    : tokens_(tokens),
+      closers_(tokens.size()),
+      tails_(tokens.size()),
+      isInSection_(tokens.size()) {
     matchAll();
+    findTails();
     for (std::size_t index = 0; index < tokens_.size(); ++index) {
         if (IsSolid(tokens_[index])) {
             addPiecesAt(index);
@@ -215,24 +219,28 @@ bool Outline::beginsStatement(std::size_t index) const {
 
 // The one at the beginning of a loop is none: another word of a statement follows, not ";".
 bool Outline::isAssignment(std::size_t index) const {
-    if (!IsVariable(tokens_[index]) || !IsSign(after(index), ":=")) {
-        return false;
-    }
-    const std::size_t end = statementEnd(index);
-    return std::none_of(tokens_.begin() + static_cast<std::ptrdiff_t>(index),
-                        tokens_.begin() + static_cast<std::ptrdiff_t>(end),
-                        [](const SourceToken& token) { return IsIn(token.word, "statements"); });
+    return IsVariable(tokens_[index]) && IsSign(after(index), ":=") &&
+           !tails_[index].hasStatementWord;
 }
 
-// Behind the ";" that ends what begins there, but before what closes the part around it.
 std::size_t Outline::statementEnd(std::size_t index) const {
-    while (index < tokens_.size() && !MayClose(tokens_[index])) {
-        if (IsSign(&tokens_[index], ";")) {
-            return index + 1;
+    return index < tokens_.size() ? tails_[index].end : tokens_.size();
+}
+
+// From the last token to the first, as each tail is that of a later token and a little more.
+void Outline::findTails() {
+    for (std::size_t index = tokens_.size(); index-- > 0;) {
+        const SourceToken& token = tokens_[index];
+        if (MayClose(token)) {
+            tails_[index] = {index, false};
+        } else if (IsSign(&token, ";")) {
+            tails_[index] = {index + 1, false};
+        } else {
+            const std::size_t next = behindPart(index);
+            const bool goesOn = next < tokens_.size() && tails_[next].hasStatementWord;
+            tails_[index] = {statementEnd(next), goesOn || IsIn(token.word, "statements")};
         }
-        index = behindPart(index);
     }
-    return index;
 }
 
 // Not what is assigned or declared, no label and no bound of a range.

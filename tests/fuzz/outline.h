@@ -69,8 +69,16 @@ public:
     std::size_t indexAfter(std::size_t index) const;
 
 private:
+    // What follows on a token up to the end of its statement: behind the ";", or before what
+    // closes the part around it.
+    struct Tail {
+        std::size_t end;
+        bool hasStatementWord;
+    };
+
     void matchAll();
     void match(std::vector<std::size_t>& opened, std::size_t index);
+    void findTails();
     void addPiecesAt(std::size_t index);
     bool beginsStatement(std::size_t index) const;
     bool isAssignment(std::size_t index) const;
@@ -83,6 +91,7 @@ private:
 
     const Tokens& tokens_;
     std::vector<std::size_t> closers_;  // the place of the token that closes this one, else 0
+    std::vector<Tail> tails_;
     std::vector<bool> isInSection_;
     std::set<std::string> names_;  // in capitals
     std::vector<Piece> pieces_;
