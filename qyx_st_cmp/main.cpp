@@ -1,9 +1,8 @@
 // The driver: command line, probes of the outputs, one compile, exit status.
 
+#include "qyx_compile.h"
 #include "qyx_files.h"
 #include "qyx_messages.h"
-#include "qyx_program.h"
-#include "qyx_scanner.h"
 #include "qyx_text.h"
 
 #include <QElapsedTimer>
@@ -192,30 +191,6 @@ void OpenOutputs(const QString& output) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// The compile
-// ---------------------------------------------------------------------------------------------
-
-// The first character and the first token.
-void Init() {
-    GetChar();
-    SkipWhite();
-    Scan();
-}
-
-// Script = Definitions Program
-void Compile() {
-    Trademark();
-    Init();
-    LabelsList labels;
-    int stackDepth = 0;
-    DoFunctions(labels, stackDepth);
-    DoProgram(labels, stackDepth);
-    if (!IsEndOfInput(Look)) {
-        Warning(TXT_UNEXPECTED_DATA_AFTER_END_PROGRAM);
-    }
-}
-
-// ---------------------------------------------------------------------------------------------
 // The process
 // ---------------------------------------------------------------------------------------------
 
@@ -351,6 +326,7 @@ void Run(int argc, char** argv) {
     OpenInputCodeFile();
     RemoveOldOutputs(output);
     OpenOutputs(output);
+    Trademark();
     Compile();
     FinishOutputCodeFile();
     Finish(timer.elapsed());

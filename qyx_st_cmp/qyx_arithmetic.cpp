@@ -5,6 +5,7 @@
 #include "qyx_lists.h"
 #include "qyx_messages.h"
 #include "qyx_nesting.h"
+#include "qyx_observer.h"
 #include "qyx_scanner.h"
 #include "qyx_types.h"
 
@@ -61,14 +62,15 @@ QLatin1String OperatorText(Token code) {
 
 // Aborts with Operator "-" not applicable to this operand type.
 [[noreturn]] void AbortNotApplicable(Token code) {
-    Abort(StringsToString(TXT_OPERATOR, " ", Quoted(OperatorText(code)), " ",
+    Abort(TXT_NOT_APPLICABLE_TO_THIS_OPERAND_TYPE,
+          StringsToString(TXT_OPERATOR, " ", Quoted(OperatorText(code)), " ",
                           TXT_NOT_APPLICABLE_TO_THIS_OPERAND_TYPE));
 }
 
 // Aborts with "MOD" illegal, left operand has type REAL.
 [[noreturn]] void AbortIllegal(Token code, QLatin1String operandHasType, Typ type) {
-    Abort(StringsToString(Quoted(OperatorText(code)), " ", TXT_ILLEGAL, ", ", operandHasType, " ",
-                          TypToStr(type)));
+    Abort(operandHasType, StringsToString(Quoted(OperatorText(code)), " ", TXT_ILLEGAL, ", ",
+                                          operandHasType, " ", TypToStr(type)));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -228,8 +230,8 @@ Typ PushAndOperate(const VarsList& vars, Typ type) {
 // level of an expression.
 Q_NEVER_INLINE void WarnIfUninitialized(const VarItem& variable, const Spelling& spelling) {
     if (variable.mayBeUninitialized) {
-        WarningOf(TokenPosBeg, TXT_VARIABLE, " \"", spelling.text, "\" ",
-                  TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED);
+        WarningOf(TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED, TokenPosBeg, TXT_VARIABLE, " \"",
+                  spelling.text, "\" ", TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED);
     }
 }
 
@@ -239,6 +241,7 @@ Typ LoadVariable(const VarsList& vars, const Spelling& spelling) {
     VarItem& variable = IsVarInVarsList(vars, spelling);
     EmitLoad(OperandOf(variable, spelling));
     variable.isUsed = true;
+    Tell(&Observer::nameUsed, NameUse::Read, spelling);
     WarnIfUninitialized(variable, spelling);
     return variable.type;
 }
@@ -251,6 +254,7 @@ Typ LoadVariable(const VarsList& vars, const Spelling& spelling) {
 Q_NEVER_INLINE Typ LoadElement(const VarsList& vars, const Spelling& spelling) {
     VarItem& array = IsArrayVarInVarsList(vars, spelling);
     array.isUsed = true;
+    Tell(&Observer::nameUsed, NameUse::Read, spelling);
     ArrayIndices(vars, array, false);
     if (array.arrayDimensions == 1) {
         EmitLoad(ElementOperand(array, spelling, INDEX_ON_STACK));

@@ -2,6 +2,7 @@
 
 #include "qyx_messages.h"
 
+#include <QProcess>
 #include <QRandomGenerator>
 
 #include <algorithm>
@@ -251,6 +252,19 @@ FileHandle::FileHandle(const QString& name, bool forReading) : QFile(name), name
     }
 }
 
+std::unique_ptr<FileHandle> FileHandle::ofText(const QString& text) {
+    std::unique_ptr<FileHandle> handle(new FileHandle);
+    handle->setText(text);
+    return handle;
+}
+
+std::unique_ptr<FileHandle> FileHandle::discarding() {
+    std::unique_ptr<FileHandle> handle(new FileHandle);
+    handle->setFileName(QProcess::nullDevice());
+    handle->opened_ = handle->open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    return handle;
+}
+
 FileHandle::~FileHandle() {
     writeCollected();
 }
@@ -321,21 +335,21 @@ QByteArray FileHandle::readBytes() {
     return bytes;
 }
 
-// Carriage returns are dropped, as text mode has it; a byte order mark is skipped by the decoder.
 void FileHandle::readAllText() {
     if (!openForReading()) {
         return;
     }
-    QByteArray bytes = readBytes();
+    const QByteArray bytes = readBytes();
     opened_ = QFile::error() == QFileDevice::NoError && bytes.size() <= MAX_SOURCE_SIZE;
     close();
-    if (!opened_) {
-        return;
+    if (opened_) {
+        setText(SourceText(bytes));
     }
-    if (std::memchr(bytes.constData(), '\r', static_cast<std::size_t>(bytes.size())) != nullptr) {
-        bytes.replace('\r', QByteArray());
-    }
-    text_ = QString::fromUtf8(bytes.constData(), bytes.size());
+}
+
+void FileHandle::setText(const QString& text) {
+    opened_ = true;
+    text_ = text;
     next_ = text_.constData();
     end_ = next_ + text_.size();
 }
@@ -439,6 +453,14 @@ void InitInputCodeFileParams(const QString& text) {
 }
 
 }  // namespace
+
+// The decoder skips the byte order mark.
+QString SourceText(QByteArray bytes) {
+    if (std::memchr(bytes.constData(), '\r', static_cast<std::size_t>(bytes.size())) != nullptr) {
+        bytes.replace('\r', QByteArray());
+    }
+    return QString::fromUtf8(bytes.constData(), bytes.size());
+}
 
 void ReadInputCodeFile(const QString& name) {
     assert(!g_InputCodeFileHandle);
@@ -757,7 +779,8 @@ void WriteToOutputFiles(const QString& text, TWhatStr kind, bool force) {
 }
 
 bool AreDiagnosticsTaken() {
-    return flag_ShowOnScreen || (flag_ShowMessages && flag_SaveListFile) || flag_SaveResFile;
+    return flag_ShowOnScreen || (flag_ShowMessages && flag_SaveListFile) || flag_SaveResFile ||
+           g_Observer != nullptr;
 }
 
 void WriteLn(const QString& text, TWhatStr kind) {
@@ -773,6 +796,7 @@ void AbortWriting() {
 }
 
 void ListItem(std::string_view item) {
+    Tell(&Observer::itemWritten, item);
     const std::string& line = ListingForm(item);
     WriteStringToScreen(line, false);
     WriteStringToOutputListFile(line);

@@ -7,8 +7,10 @@
 #pragma once
 
 #include "qyx_globals.h"
+#include "qyx_observer.h"
 #include "qyx_text.h"
 
+#include <QByteArray>
 #include <QFile>
 
 #include <cstring>
@@ -32,6 +34,10 @@ struct FileId {
 class FileHandle : public QFile {
 public:
     FileHandle(const QString& name, bool forReading);
+    // A source that is in no file.
+    static std::unique_ptr<FileHandle> ofText(const QString& text);
+    // An output that keeps nothing.
+    static std::unique_ptr<FileHandle> discarding();
     ~FileHandle() override;
     FileHandle(const FileHandle&) = delete;
     FileHandle& operator=(const FileHandle&) = delete;
@@ -82,11 +88,13 @@ private:
     char* bufferEnd_ = nullptr;
     bool writeFailed_ = false;
 
+    FileHandle() = default;
     bool openForReading();
     bool openNew();
     bool openNumber(int file, QIODevice::OpenMode mode);
     QByteArray readBytes();
     void readAllText();
+    void setText(const QString& text);
     char* makeSpace(std::size_t size);
     void writeCollected();
 };
@@ -111,6 +119,10 @@ bool RemoveOldFile(const QString& name);
 
 // Reads the whole source, unless it cannot be read. The file is judged by what was opened.
 void ReadInputCodeFile(const QString& name);
+
+// The text of a source of these bytes. Carriage returns are dropped, as text mode has it; a byte
+// order mark is skipped.
+QString SourceText(QByteArray bytes);
 
 // Whether the whole source was read.
 bool IsInputCodeFileRead();
@@ -220,7 +232,7 @@ Q_ALWAYS_INLINE char* ReserveCode(std::size_t size) {
 }
 // GCOVR_EXCL_STOP
 
-// The listing and the screen get the item too.
+// The listing, the screen and the observer get the item too.
 void ListItem(std::string_view item);
 
 inline std::size_t PartSize(char) {
@@ -258,7 +270,7 @@ Q_ALWAYS_INLINE void WriteItem(const Parts&... parts) {
     char* const begin = ReserveCode((PartSize(parts) + ...) + 1);
     char* end = begin;
     ((end = PutPart(end, parts)), ...);
-    if (flag_ShowOnScreen || flag_SaveListFile) {
+    if (flag_ShowOnScreen || flag_SaveListFile || g_Observer != nullptr) {
         ListItem({begin, static_cast<std::size_t>(end - begin)});
     }
     ++g_OutputCodeFileCurrentLineCount;

@@ -5,6 +5,7 @@
 #include "qyx_lists.h"
 #include "qyx_messages.h"
 #include "qyx_nesting.h"
+#include "qyx_observer.h"
 #include "qyx_scanner.h"
 #include "qyx_types.h"
 
@@ -212,6 +213,7 @@ Q_NEVER_INLINE void ReferenceParameter(const VarsList& vars, const VarItem& form
     }
     Emit(sMOVA, Operand{BY_VALUE, TokenSpelling->utf8}, ACCUMULATOR);
     variable.isUsed = true;
+    Tell(&Observer::nameUsed, NameUse::Reference, *TokenSpelling);
     Scan();
 }
 
@@ -270,6 +272,7 @@ FunctionItem& Callee(Token code) {
     if (callee == nullptr) {
         Unrecognized(TokenName);
     }
+    Tell(&Observer::nameUsed, NameUse::Call, *TokenSpelling);
     return *callee;
 }
 

@@ -38,7 +38,8 @@ bool IsItInFunctionsList(const FunctionList& list, const Spelling& spelling) {
 namespace {
 
 [[noreturn]] void AbortDuplicate(QLatin1String beforeName, QStringView name) {
-    Abort(StringsToString(TXT_DUPLICATE_VARIABLE_NAME, beforeName, Quoted(name)));
+    Abort(TXT_DUPLICATE_VARIABLE_NAME,
+          StringsToString(TXT_DUPLICATE_VARIABLE_NAME, beforeName, Quoted(name)));
 }
 
 }  // namespace
@@ -106,7 +107,7 @@ LabelItem& FindOrAddLabel(LabelsList& labels, const Spelling& spelling) {
 }
 
 [[noreturn]] void AbortAtLabel(QLatin1String text, QStringView name) {
-    Abort(StringsToString(text, ": ", Quoted(name)));
+    Abort(text, StringsToString(text, ": ", Quoted(name)));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "qyx_lists.h"
 #include "qyx_messages.h"
 #include "qyx_nesting.h"
+#include "qyx_observer.h"
 #include "qyx_scanner.h"
 #include "qyx_types.h"
 
@@ -28,6 +29,7 @@ bool IsOneOf(Token code, std::initializer_list<Token> codes) {
 
 // The end of a compound statement: keyword ";"
 void MatchEnd(Token keyword) {
+    Tell(&Observer::partBegun, TokenPosBeg);
     MatchAndScan(keyword);
     Match(TOKEN_SEMICOLON);
 }
@@ -65,7 +67,9 @@ void EmitWaitingTest(QLatin1String comparison, Label target) {
 void LabelDefinition(Body& body, const Spelling& spelling) {
     const Spelling& known = LabelSpelling(spelling);
     CheckLabelName(known, body.variables);
-    PostLabel(IsLabelItemInLabelLists(body.labels, known).name);
+    const LabelItem& label = IsLabelItemInLabelLists(body.labels, known);
+    Tell(&Observer::labelDefined, label);
+    PostLabel(label.name);
     CountAsSemicolumn();
 }
 
@@ -80,6 +84,7 @@ struct Target {
 // <indices>, [ <linear index>, "MOV #R0 $PUSH" ]: the index waits on the value stack.
 Target ElementTarget(const VarsList& vars, const Spelling& spelling) {
     VarItem& array = IsArrayVarInVarsList(vars, spelling);
+    Tell(&Observer::nameUsed, NameUse::Write, spelling);
     ArrayIndices(vars, array, true);
     Match(TOKEN_RIGHT_BRACKET);
     if (array.arrayDimensions > 1) {
@@ -93,6 +98,7 @@ Target ElementTarget(const VarsList& vars, const Spelling& spelling) {
 // The variable of that name. The token after the name is current.
 Target VariableTarget(const VarsList& vars, const Spelling& spelling) {
     VarItem& variable = IsVarInVarsList(vars, spelling);
+    Tell(&Observer::nameUsed, NameUse::Write, spelling);
     return {variable, variable.type, OperandOf(variable, spelling)};
 }
 
@@ -104,7 +110,8 @@ void MarkAssigned(VarItem& variable) {
 
 // Aborts with Incompatible types: "INT" and function_block.
 [[noreturn]] void AbortFunctionBlockAsValue(Typ target) {
-    Abort(StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(target)), " ",
+    Abort(TXT_AND_FUNCTION_BLOCK,
+          StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(target)), " ",
                           TXT_AND_FUNCTION_BLOCK));
 }
 
@@ -168,6 +175,7 @@ void DoTick(const VarsList& vars) {
 // ConditionalBranch = Condition THEN Statements
 // <condition>, "JMPF N", [ "L1:" ], <statements>; returns N, which the caller posts.
 Label ConditionalBranch(Body& body, const LoopLabels& loop) {
+    Tell(&Observer::partBegun, TokenPosBeg);
     Scan();
     Label pending;
     Condition(body.variables, pending);
@@ -194,12 +202,14 @@ void DoIf(Body& body, const LoopLabels& loop) {
         Emit(sJMP, end);
     }
     while (TokenChar == TOKEN_ELSIF) {
+        Tell(&Observer::partBegun, TokenPosBeg);
         PostLabel(next);
         next = ConditionalBranch(body, loop);
         Emit(sJMP, end);
     }
     const bool hasElse = TokenChar == TOKEN_ELSE;
     if (hasElse) {
+        Tell(&Observer::partBegun, TokenPosBeg);
         PostLabel(next);
         Scan();
         Statements(body, loop, {TOKEN_END_IF});
@@ -246,6 +256,7 @@ void DoRepeat(Body& body) {
     GetNewLabel(exit);
     PostLabel(head);
     Statements(body, {exit, head}, {TOKEN_UNTIL});
+    Tell(&Observer::partBegun, TokenPosBeg);
     Scan();
     Label conditionExit = exit;
     Condition(body.variables, conditionExit);
@@ -279,6 +290,7 @@ void ControlValue(const VarsList& vars, Typ control) {
 // <expression>, "MOV #A0 @name"; returns the control variable.
 VarItem& ForStart(const VarsList& vars, const Spelling& spelling) {
     VarItem& variable = IsVarInVarsList(vars, spelling);
+    Tell(&Observer::nameUsed, NameUse::Write, spelling);
     CheckControlType(variable.type);
     ScanAndMatch(TOKEN_ASSIGN);
     Scan();
@@ -292,6 +304,7 @@ VarItem& ForStart(const VarsList& vars, const Spelling& spelling) {
 // <expression>, "MOV #A0 $PUSH"; the bound stays on the value stack for the whole loop.
 const Direction& ForBound(const VarsList& vars, Typ control) {
     Match(TOKEN_TO, TOKEN_DOWNTO);
+    Tell(&Observer::partBegun, TokenPosBeg);
     const Direction& direction = TokenChar == TOKEN_TO ? UPWARDS : DOWNWARDS;
     Scan();
     ControlValue(vars, control);
@@ -319,6 +332,7 @@ void EmitForStep(const Operand& control, const Direction& direction) {
 // reference, while the start is stored through the reference. Target code is fixed.
 void DoFor(Body& body) {
     Match(TOKEN_FOR);
+    const TokenPos begin = TokenPosBeg;
     Label head;
     Label exit;
     Label step;
@@ -336,6 +350,7 @@ void DoFor(Body& body) {
     EmitForTest(control, direction, exit);
     Scan();
     Statements(body, {exit, step}, {TOKEN_END_FOR});
+    Tell(&Observer::partBegun, begin);
     PostLabel(step);
     EmitForStep(control, direction);
     MatchEnd(TOKEN_END_FOR);
@@ -461,6 +476,7 @@ void CaseRange(CaseItems& items, const CaseBound& low, Label branch) {
 // CaseLabel = CaseBound [ ".." CaseBound ]
 // <tests>, which jump to the branch when the selector matches
 void CaseLabel(CaseItems& items, Label branch) {
+    Tell(&Observer::partBegun, TokenPosBeg);
     const CaseBound bound = ReadCaseBound();
     if (TokenChar == TOKEN_DOT_DOT) {
         CaseRange(items, bound, branch);
@@ -592,7 +608,9 @@ void DoGoTo(LabelsList& labels) {
     Match(TOKEN_IDENTIFIER);
     const Spelling& known = LabelSpelling(*TokenSpelling);
     ScanAndMatch(TOKEN_SEMICOLON);
-    Emit(sJMP, AddPeferenceToLabelItemInLabelLists(labels, known).name);
+    const LabelItem& label = AddPeferenceToLabelItemInLabelLists(labels, known);
+    Tell(&Observer::labelUsed, label);
+    Emit(sJMP, label.name);
 }
 
 // Statement = Assignment | Tick | If | While | Repeat | For | Case | Break | Continue | Exit
@@ -646,7 +664,9 @@ void Statements(Body& body, const LoopLabels& loop, std::initializer_list<Token>
 void Block(Body& body, const LoopLabels& loop) {
     [[maybe_unused]] const int depth = body.stackDepth;
     while (TokenChar != TOKEN_SEMICOLON) {
+        Tell(&Observer::statementBegun);
         Statement(body, loop);
+        Tell(&Observer::statementEnded);
         assert(body.stackDepth == depth);
     }
 }

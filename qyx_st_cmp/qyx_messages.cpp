@@ -1,6 +1,7 @@
 #include "qyx_messages.h"
 
 #include "qyx_files.h"
+#include "qyx_observer.h"
 
 #include <cstdlib>
 
@@ -23,16 +24,18 @@ void Report(QLatin1String severity, TokenPos pos, const QString& text, bool forc
 
 }  // namespace
 
-void Warning(const QString& text, bool force) {
-    Warning(TokenPosBeg, text, force);
+void Warning(QLatin1String constant, const QString& text, bool force) {
+    Warning(constant, TokenPosBeg, text, force);
 }
 
-void Warning(TokenPos pos, const QString& text, bool force) {
+void Warning(QLatin1String constant, TokenPos pos, const QString& text, bool force) {
     Report(TXT_WARNING, pos, text, force);
+    Tell(&Observer::messageGiven, Message{false, constant, pos, text});
 }
 
-void Error(const QString& text, bool force) {
+void Error(QLatin1String constant, const QString& text, bool force) {
     Report(TXT_ERROR, TokenPosBeg, text, force);
+    Tell(&Observer::messageGiven, Message{true, constant, TokenPosBeg, text});
 }
 
 void Fail() {
@@ -41,19 +44,23 @@ void Fail() {
     std::exit(EXIT_FAILURE);
 }
 
-void Abort(const QString& text, bool force) {
-    Error(text, force);
+void Abort(QLatin1String constant, bool force) {
+    Abort(constant, QString(constant), force);
+}
+
+void Abort(QLatin1String constant, const QString& text, bool force) {
+    Error(constant, text, force);
     Fail();
 }
 
 void Expected(const QString& what) {
-    Abort(StringsToString(what, " ", TXT_EXPECTED));
+    Abort(TXT_EXPECTED, StringsToString(what, " ", TXT_EXPECTED));
 }
 
 void Undefined(QStringView name) {
-    Abort(StringsToString(TXT_UNDEFINED_IDENTIFIER, " ", Quoted(name)));
+    Abort(TXT_UNDEFINED_IDENTIFIER, StringsToString(TXT_UNDEFINED_IDENTIFIER, " ", Quoted(name)));
 }
 
 void Unrecognized(QStringView name) {
-    Abort(StringsToString(TXT_UNRECOGNIZED_KEYWORD, " ", Quoted(name)));
+    Abort(TXT_UNRECOGNIZED_KEYWORD, StringsToString(TXT_UNRECOGNIZED_KEYWORD, " ", Quoted(name)));
 }

@@ -17,25 +17,27 @@
 // current token.
 // ---------------------------------------------------------------------------------------------
 
-// Writes a warning; the compilation goes on.
-void Warning(const QString& text, bool force = false);
-void Warning(TokenPos pos, const QString& text, bool force = false);
+// Writes a warning; the compilation goes on. The constant of the catalogue tells its kind.
+void Warning(QLatin1String constant, const QString& text, bool force = false);
+void Warning(QLatin1String constant, TokenPos pos, const QString& text, bool force = false);
 
 // The same for a text of parts, which is not composed unless some output takes it: a name may be
 // as long as the source, and warnings as many.
 template <typename... Parts>
-void WarningOf(TokenPos pos, const Parts&... parts) {
-    Warning(pos, AreDiagnosticsTaken() ? StringsToString(parts...) : QString());
+void WarningOf(QLatin1String constant, TokenPos pos, const Parts&... parts) {
+    Warning(constant, pos, AreDiagnosticsTaken() ? StringsToString(parts...) : QString());
 }
 
 // Writes an error and returns: the caller ends the run.
-void Error(const QString& text, bool force = false);
+void Error(QLatin1String constant, const QString& text, bool force = false);
 
 // Closes all files, deletes the code file and ends the process with status 1.
 [[noreturn]] void Fail();
 
-// Writes an error, then fails.
-[[noreturn]] void Abort(const QString& text, bool force = false);
+// Writes an error, then fails. The error is a constant of the catalogue, or a text that is put
+// together and the constant that tells its kind.
+[[noreturn]] void Abort(QLatin1String constant, bool force = false);
+[[noreturn]] void Abort(QLatin1String constant, const QString& text, bool force = false);
 
 // Aborts with `what` + " expected".
 [[noreturn]] void Expected(const QString& what);

@@ -5,6 +5,7 @@
 #include "qyx_lists.h"
 #include "qyx_loops.h"
 #include "qyx_messages.h"
+#include "qyx_observer.h"
 #include "qyx_scanner.h"
 #include "qyx_types.h"
 
@@ -54,7 +55,7 @@ bool IsEndDeclVars(Token code) {
 
 // Aborts with <using> "name" here is illegal.
 [[noreturn]] void AbortIllegalName(QLatin1String usingWhat, QStringView name) {
-    Abort(StringsToString(usingWhat, " ", Quoted(name), " ", TXT_HERE_IS_ILLEGAL));
+    Abort(usingWhat, StringsToString(usingWhat, " ", Quoted(name), " ", TXT_HERE_IS_ILLEGAL));
 }
 
 void CheckNotReserved(const Spelling& spelling) {
@@ -202,6 +203,13 @@ VarItem DeclaredName(const Section& section, const VarsList& list, const VarsLis
     return variable;
 }
 
+// Appends the record of a variable, whose name and type are known.
+VarItem& DeclareVariable(const Section& section, VarsList& list, VarItem declared) {
+    VarItem& variable = AddVarToVarsList(list, std::move(declared));
+    Tell(&Observer::variableDeclared, variable, section.keyword);
+    return variable;
+}
+
 // Declaration = DeclaredName ":" Type Initialization
 // "<name> <section> <TYPE> <value>"; at END_VAR there is none.
 //
@@ -212,12 +220,14 @@ void DoAllocDecl(const Section& section, VarsList& list, const VarsList& otherLi
     if (IsEndDeclVars(TokenChar)) {
         return;
     }
+    Tell(&Observer::declarationBegun);
     VarItem declared = DeclaredName(section, list, otherList);
     ScanAndMatch(TOKEN_COLON);
     declared.type = DeclaredType();
-    VarItem& variable = AddVarToVarsList(list, std::move(declared));
+    VarItem& variable = DeclareVariable(section, list, std::move(declared));
     const QString value = Initialization(section, variable);
     EmitDeclaration(section, variable, value);
+    Tell(&Observer::declarationEnded);
     SkipWhite();
 }
 
@@ -247,6 +257,7 @@ void DoAllocDeclYX(const Section& section, VarsList& vars) {
     if (IsEndDeclVars(TokenChar)) {
         return;
     }
+    Tell(&Observer::declarationBegun);
     if (TokenChar == TOKEN_CONSTANT) {
         CheckConstant(section);
     }
@@ -254,10 +265,11 @@ void DoAllocDeclYX(const Section& section, VarsList& vars) {
     VarItem declared = NamedVariable(section);
     ScanAndMatch(TOKEN_COLON);
     declared.type = DeclaredType();
-    const VarItem& variable = AddVarToVarsList(vars, std::move(declared));
+    const VarItem& variable = DeclareVariable(section, vars, std::move(declared));
     const QString numbers = EngineNumbers(section, variable.type);
     ScanAndMatch(TOKEN_SEMICOLON);
     EmitDeclaration(section, variable, numbers);
+    Tell(&Observer::declarationEnded);
 }
 
 void DoAllocDeclYXGlobal(const Section& section, VarsList& vars) {
@@ -330,7 +342,8 @@ void DoDecl_VAR_YXREGISTER(VarsList& vars) {
 
 // Aborts with The "VAR_ARG" declaration cannot be used here.
 [[noreturn]] void AbortMisplacedSection() {
-    Abort(StringsToString(TXT_THE, " ", Quoted(TokenName), " ", TXT_DECLARATION_CANNOT_BE_HERE));
+    Abort(TXT_DECLARATION_CANNOT_BE_HERE,
+          StringsToString(TXT_THE, " ", Quoted(TokenName), " ", TXT_DECLARATION_CANNOT_BE_HERE));
 }
 
 // Scans the token after END_VAR and any number of ";" after that.
@@ -348,8 +361,8 @@ void ScanAfterSection() {
 
 // Warns with The variable "name" <text> "unit".
 void WarnAtVariable(const VarItem& variable, QLatin1String text, const QString& unit) {
-    WarningOf(variable.declBegin, TXT_VARIABLE, " \"", variable.name(), "\" ", text, " \"", unit,
-              "\"");
+    WarningOf(text, variable.declBegin, TXT_VARIABLE, " \"", variable.name(), "\" ", text, " \"",
+              unit, "\"");
 }
 
 // Warns of a variable that was never used, or else of one that may never have been assigned.
@@ -364,8 +377,9 @@ void WarnOfVariable(const VarItem& variable, const QString& unit) {
 void WarnOfUnusedFunctions() {
     for (const FunctionItem& function : FunctionsList) {
         if (!function.isUsed) {
-            WarningOf(function.declBegin, function.isFunction ? TXT_FUNCTION : TXT_FUNCTION_BLOCK,
-                      " \"", function.name(), "\" ", TXT_IS_DECLARED_BUT_NEVER_USED);
+            WarningOf(TXT_IS_DECLARED_BUT_NEVER_USED, function.declBegin,
+                      function.isFunction ? TXT_FUNCTION : TXT_FUNCTION_BLOCK, " \"",
+                      function.name(), "\" ", TXT_IS_DECLARED_BUT_NEVER_USED);
         }
     }
 }
@@ -379,12 +393,14 @@ FunctionItem& DoAllocDeclFunc() {
     const Spelling& spelling = *TokenSpelling;
     CheckNotReserved(spelling);
     if (IsItInFunctionsList(FunctionsList, spelling)) {
-        Abort(StringsToString(TXT_DUPLICATE_FUNCTION_NAME, Quoted(spelling.text)));
+        Abort(TXT_DUPLICATE_FUNCTION_NAME,
+              StringsToString(TXT_DUPLICATE_FUNCTION_NAME, Quoted(spelling.text)));
     }
     FunctionItem function;
     function.spelling = &spelling;
     function.declBegin = IdentPlace.begin;
     function.declEnd = IdentPlace.end;
+    Tell(&Observer::unitNamed);
     return FunctionsList.append(std::move(function));
 }
 
@@ -465,6 +481,7 @@ VarItem ResultVariable(const FunctionItem& function) {
     result.type = function.resultType;
     result.declBegin = function.declBegin;
     result.declEnd = function.declEnd;
+    Tell(&Observer::variableDeclared, result, TOKEN_RESULT);
     return result;
 }
 
@@ -512,8 +529,8 @@ bool IsResult(const VarItem& variable) {
 void WarnOfFunctionVariables(const FunctionItem& function, const VarsList& vars) {
     for (const VarItem& variable : vars) {
         if (IsResult(variable) && !variable.isUsed) {
-            WarningOf(TokenPosBeg, TXT_RETURN_VALUE_OF_FUNCTION, " \"", function.name(), "\" ",
-                      TXT_MIGHT_BE_UNDEFINED);
+            WarningOf(TXT_MIGHT_BE_UNDEFINED, TokenPosBeg, TXT_RETURN_VALUE_OF_FUNCTION, " \"",
+                      function.name(), "\" ", TXT_MIGHT_BE_UNDEFINED);
         } else {
             WarnOfVariable(variable, function.name());
         }
@@ -523,6 +540,7 @@ void WarnOfFunctionVariables(const FunctionItem& function, const VarsList& vars)
 // END_FUNCTION: "MOV @RESULT #A0", "RET"
 void FEpilog(const FunctionItem& function, const VarsList& vars) {
     Match(TOKEN_END_FUNCTION);
+    Tell(&Observer::partBegun, TokenPosBeg);
     EmitLoad(RESULT_OPERAND);
     WarnOfFunctionVariables(function, vars);
     EmitReturn();
@@ -532,6 +550,7 @@ void FEpilog(const FunctionItem& function, const VarsList& vars) {
 // END_FUNCTION_BLOCK: "RET"
 void FBEpilog(const FunctionItem& function, const VarsList& vars) {
     Match(TOKEN_END_FUNCTION_BLOCK);
+    Tell(&Observer::partBegun, TokenPosBeg);
     WarnOfFunctionVariables(function, vars);
     EmitReturn();
     SkipWhite();
@@ -556,6 +575,7 @@ void FBBody(const FunctionItem& function, VarsList& vars, LabelsList& labels, in
 // Function = FUNCTION Name ":" Type { DefinitionSection } Statements END_FUNCTION
 // "<name>:", "RESULT V <TYPE> 0", <declarations>, <body>
 void DoFunction(LabelsList& labels, int& stackDepth) {
+    Tell(&Observer::unitBegun);
     FunctionItem& function = DefinitionHead(MatchFuncName);
     const Typ resultType = ResultType();
     VarsList args;
@@ -563,6 +583,7 @@ void DoFunction(LabelsList& labels, int& stackDepth) {
     FArgsDecls(args, locals);
     DoAllocFuncArguments(function, args, locals, IS_FUNCTION, resultType);
     FBody(function, locals, labels, stackDepth);
+    Tell(&Observer::unitEnded);
 }
 
 // FunctionBlock = FUNCTION_BLOCK Name { DefinitionSection } Statements END_FUNCTION_BLOCK
@@ -572,12 +593,14 @@ void DoFunction(LabelsList& labels, int& stackDepth) {
 // sections is called as a function there, and a value is dropped after the call: the name was
 // scanned while the record was still that of a function. Target code is fixed.
 void DoFunction_Block(LabelsList& labels, int& stackDepth) {
+    Tell(&Observer::unitBegun);
     FunctionItem& function = DefinitionHead(MatchProcName);
     VarsList args;
     VarsList locals;
     FBArgsDecls(args, locals);
     DoAllocFuncArguments(function, args, locals, IS_FUNCTION_BLOCK, TYP_NONE);
     FBBody(function, locals, labels, stackDepth);
+    Tell(&Observer::unitEnded);
 }
 
 }  // namespace
@@ -624,6 +647,7 @@ void Header() {
     ScanName();
     MatchProgName();
     ProgramName = TokenName.toString();
+    Tell(&Observer::unitNamed);
     WriteItem(QStringView(ProgramName));
     SkipWhite();
 }
@@ -672,6 +696,7 @@ void VarsDecls(VarsList& vars) {
 // END_PROGRAM: "RET", after the warnings about the whole program
 void Epilog(const VarsList& vars) {
     Match(TOKEN_END_PROGRAM);
+    Tell(&Observer::partBegun, TokenPosBeg);
     WarnOfUnusedFunctions();
     for (const VarItem& variable : vars) {
         WarnOfVariable(variable, ProgramName);
@@ -695,9 +720,11 @@ void Main(VarsList& vars, LabelsList& labels, int& stackDepth) {
 // "PROG:", "<name>", "VAR:", <declarations>, "MAIN:", <statements>, "RET"
 void DoProgram(LabelsList& labels, int& stackDepth) {
     Match(TOKEN_PROGRAM);
+    Tell(&Observer::unitBegun);
     VarsList vars;
     Header();
     VarsDecls(vars);
     Main(vars, labels, stackDepth);
+    Tell(&Observer::unitEnded);
     labels.clear();
 }

@@ -2,6 +2,7 @@
 
 #include "qyx_files.h"
 #include "qyx_messages.h"
+#include "qyx_observer.h"
 
 #include <algorithm>
 #include <array>
@@ -205,7 +206,7 @@ QStringView TakeAfter(QStringView text) {
 
 // Aborts with `expectedBut` '<Look>' found.
 [[noreturn]] void AbortAtLook(QLatin1String expectedBut) {
-    Abort(StringsToString(expectedBut, " '", Look, "' ", TXT_FOUND));
+    Abort(expectedBut, StringsToString(expectedBut, " '", Look, "' ", TXT_FOUND));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -266,11 +267,13 @@ void SkipMultiLinesComment() {
 
 // Comment = LineComment | BlockComment
 void SkipComment(Token code) {
+    Tell(&Observer::commentBegun);
     if (code == TOKEN_LINE_COMMENT) {
         SkipLineComment();
     } else {
         SkipMultiLinesComment();
     }
+    Tell(&Observer::commentEnded);
 }
 
 bool IsCommentBegin(Token code) {
@@ -651,6 +654,7 @@ void ScanSolidToken(bool integerOnly, bool skipWhite) {
     if (IsCommentBegin(TokenChar)) {
         ScanAfterComments();
     }
+    Tell(&Observer::token);
 }
 
 }  // namespace
@@ -678,6 +682,7 @@ void ScanName() {
     StartToken();
     GetNameR(false);
     CurrentToken.quoted = CurrentToken.text;
+    Tell(&Observer::token);
 }
 
 // Type = LatinLetter { LatinLetter | Digit }
@@ -689,6 +694,7 @@ void GetType() {
     CurrentToken.text = TokenSpelling->text;
     StoreTokenEnd(LookPlace());
     SkipWhite();
+    Tell(&Observer::token);
 }
 
 void CountAsSemicolumn() {
@@ -713,17 +719,7 @@ QString TokenDescription(Token code) {
     return row == NO_ROW ? QString() : Quoted(TokensTable[row].text);
 }
 
-// Aborts with <alternatives> expected but "<current token>" found (<context>).
-[[noreturn]] void AbortMismatch(const QString& alternatives, QLatin1String context) {
-    const QString suffix = context.isEmpty() ? QString() : StringsToString(" (", context, ")");
-    if (alternatives.isEmpty()) {
-        Abort(StringsToString(TXT_UNRECOGNIZED_KEYWORD, " ", Quoted(TokenName), suffix));
-    }
-    Abort(StringsToString(alternatives, " ", TXT_EXPECTED_BUT, " ", Quoted(TokenName), " ",
-                          TXT_FOUND, suffix));
-}
-
-// The alternatives joined by "or".
+// The alternatives joined by "or"; empty if one of them is no row of the table.
 QString Alternatives(std::initializer_list<Token> codes) {
     QString joined;
     for (const Token code : codes) {
@@ -738,23 +734,37 @@ QString Alternatives(std::initializer_list<Token> codes) {
     return joined;
 }
 
+// Aborts with <alternatives> expected but "<current token>" found (<context>).
+[[noreturn]] void AbortMismatch(std::initializer_list<Token> codes, QLatin1String context) {
+    Tell(&Observer::expected, codes);
+    const QString alternatives =
+        codes.size() == 1 ? TokenDescription(*codes.begin()) : Alternatives(codes);
+    const QString suffix = context.isEmpty() ? QString() : StringsToString(" (", context, ")");
+    if (alternatives.isEmpty()) {
+        Abort(TXT_UNRECOGNIZED_KEYWORD,
+              StringsToString(TXT_UNRECOGNIZED_KEYWORD, " ", Quoted(TokenName), suffix));
+    }
+    Abort(TXT_EXPECTED_BUT, StringsToString(alternatives, " ", TXT_EXPECTED_BUT, " ",
+                                            Quoted(TokenName), " ", TXT_FOUND, suffix));
+}
+
 }  // namespace
 
 void Match(Token code, QLatin1String context) {
     if (TokenChar != code) {
-        AbortMismatch(TokenDescription(code), context);
+        AbortMismatch({code}, context);
     }
 }
 
 void Match(Token first, Token second, QLatin1String context) {
     if (TokenChar != first && TokenChar != second) {
-        AbortMismatch(Alternatives({first, second}), context);
+        AbortMismatch({first, second}, context);
     }
 }
 
 void Match(Token first, Token second, Token third, QLatin1String context) {
     if (TokenChar != first && TokenChar != second && TokenChar != third) {
-        AbortMismatch(Alternatives({first, second, third}), context);
+        AbortMismatch({first, second, third}, context);
     }
 }
 
@@ -762,7 +772,8 @@ namespace {
 
 void MatchName(QLatin1String nameExpectedBut) {
     if (TokenChar != TOKEN_IDENTIFIER) {
-        Abort(StringsToString(nameExpectedBut, " ", Quoted(TokenName), " ", TXT_FOUND));
+        Abort(nameExpectedBut,
+              StringsToString(nameExpectedBut, " ", Quoted(TokenName), " ", TXT_FOUND));
     }
 }
 

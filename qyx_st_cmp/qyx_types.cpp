@@ -1,6 +1,7 @@
 #include "qyx_types.h"
 
 #include "qyx_messages.h"
+#include "qyx_observer.h"
 
 #include <array>
 #include <cassert>
@@ -137,7 +138,9 @@ constexpr ConversionTable CONVERSIONS = MakeConversionTable();
 // fixed.
 void AbortIncompatible(Typ current, Typ next) {
     const Typ named = current == TYP_USINT ? TYP_SINT : current;
-    Abort(StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(named)), " ", TXT_AND,
+    Tell(&Observer::typesRefused, current, next);
+    Abort(TXT_INCOMPATIBLE_TYPES,
+          StringsToString(TXT_INCOMPATIBLE_TYPES, ": ", Quoted(TypToStr(named)), " ", TXT_AND,
                           " ", Quoted(TypToStr(next))));
 }
 

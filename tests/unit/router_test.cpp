@@ -253,11 +253,11 @@ TEST_F(Router, RecordsFollowEachOtherWithThePlaceOfTheLookAheadCharacter) {
     flag_SaveResFile = true;
     openOutputs();
     CurrentToken.place.begin = {0, 0};
-    Warning(QStringLiteral("a"), false);
+    Warning(TXT_WARNING, QStringLiteral("a"), false);
     g_InputCodeFileCurrentLineCount = 99;
     g_InputCodeFileCurrentPosCount = 41;
-    Warning({7, 8}, QStringLiteral("b"), false);
-    Error(QStringLiteral("c"), false);
+    Warning(TXT_WARNING, {7, 8}, QStringLiteral("b"), false);
+    Error(TXT_ERROR, QStringLiteral("c"), false);
     CloseAllFiles();
     EXPECT_EQ(ContentOf(path("err")), "e:1,0e:100,42e:100,42");
     EXPECT_EQ(ContentOf(path("res")),
@@ -275,7 +275,7 @@ TEST_F(Router, AnAbortKeepsTheSideFilesAndDeletesTheCodeFile) {
     const auto abort = [&] {
         openOutputs();
         WriteLn(QStringLiteral("RET"), WHAT_CODE);
-        Abort(QStringLiteral("text"), false);
+        Abort(TXT_ERROR, QStringLiteral("text"), false);
     };
     ExpectFailure(abort, "RET\n" + line);
     EXPECT_FALSE(FileExists(path("code")));
@@ -291,7 +291,7 @@ TEST_F(Router, AForcedAbortReachesNoFile) {
     flag_SaveErrFile = true;
     const auto abort = [&] {
         openOutputs();
-        Abort(QStringLiteral("text"), true);
+        Abort(TXT_ERROR, QStringLiteral("text"), true);
     };
     ExpectFailure(abort, std::string(";Error: Line 0, Column 0: text\n"));
     EXPECT_FALSE(FileExists(path("code")));

@@ -1,0 +1,3 @@
+#include "qyx_observer.h"
+
+Observer* g_Observer = nullptr;
