@@ -3,7 +3,7 @@
 root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
 build=$root/build
 
-build_packages=(g++ cmake ninja-build qtbase5-dev)
+build_packages=(g++ cmake ninja-build qtbase5-dev libcli11-dev)
 test_packages=("${build_packages[@]}" libgtest-dev libgmock-dev python3)
 
 # Standard output belongs to the program that a script runs, so the scripts speak here.

@@ -1,0 +1,32 @@
+// What is to be said about a script, whatever the form in which it is said.
+#pragma once
+
+#include "facts/source.h"
+
+#include <QString>
+
+#include <vector>
+
+enum class Level : unsigned char { Note, Warning, Error };
+
+// An advice on how to mend what a diagnostic tells.
+struct Help {
+    QString id;    // of the rule that gives it
+    QString text;  // what to do, no full stop at its end
+    Span span;     // the place that it is about where that is another than the diagnostic's
+};
+
+// A message about a piece of a script.
+struct Diagnostic {
+    Level level = Level::Error;
+    QString id;       // the constant of the catalogue in lower case with hyphens
+    QString message;  // as the compiler words it
+    Span span;        // empty where there is no token, as at the end of the script
+    std::vector<Help> helps;
+};
+
+// A script and all that is to be said about it, in the order of the script.
+struct FileReport {
+    Source source;
+    std::vector<Diagnostic> diagnostics;
+};

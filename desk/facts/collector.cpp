@@ -1,0 +1,249 @@
+#include "facts/collector.h"
+
+#include "facts/catalogue.h"
+
+#include "qyx_scanner.h"
+
+#include <algorithm>
+
+// ---------------------------------------------------------------------------------------------
+// Places
+// ---------------------------------------------------------------------------------------------
+
+// A place of the compiler counts from 0, and the line feed before a line stands at column -1.
+int Collector::offsetOf(TokenPos pos) const {
+    return source_.offsetOf({pos.line + 1, pos.column + 1});
+}
+
+// The end of what was read last: Look stands after it and the white space that follows it.
+int Collector::endOfRead() const {
+    int end = offsetOf({g_InputCodeFileCurrentLineCount, g_InputCodeFileCurrentPosCount});
+    while (end > 0 && IsWhite(source_.text().at(end - 1))) {
+        --end;
+    }
+    return end;
+}
+
+// The current token. One that could not be read to its end reaches to where the reader came, and
+// takes at least one character.
+Span Collector::currentSpan() const {
+    const int begin = offsetOf(TokenPosBeg);
+    const bool isRead = !facts_.tokens.empty() && facts_.tokens.back().span.begin == begin;
+    if (isRead) {
+        return facts_.tokens.back().span;
+    }
+    return {begin, std::min(std::max(endOfRead(), begin + 1), source_.size())};
+}
+
+Span Collector::lastSpanOf(const Identity* identity) const {
+    const auto found = std::find(identities_.rbegin(), identities_.rend(), identity);
+    const auto after = static_cast<std::size_t>(identities_.rend() - found);
+    return after == 0 ? Span() : facts_.tokens[after - 1].span;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Tokens
+// ---------------------------------------------------------------------------------------------
+
+void Collector::token() {
+    const Span span = {offsetOf(TokenPosBeg), endOfRead()};
+    facts_.tokens.push_back({span, TokenChar, CurrentToken.type});
+    identities_.push_back(TokenSpelling == nullptr ? nullptr : TokenSpelling->identity);
+}
+
+void Collector::commentBegun() {
+    const int begin = offsetOf(TokenPosBeg);
+    facts_.comments.push_back({{begin, begin}});
+}
+
+void Collector::commentEnded() {
+    facts_.comments.back().span.end = endOfRead();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Names
+// ---------------------------------------------------------------------------------------------
+
+Span Collector::addText(QStringView text) {
+    const int begin = facts_.texts.size();
+    facts_.texts.append(text.data(), static_cast<int>(text.size()));
+    return {begin, facts_.texts.size()};
+}
+
+int Collector::addName(const Spelling& spelling, Span span, NameKind kind) {
+    NameFact name = {};
+    name.text = addText(spelling.text);
+    name.span = span;
+    name.kind = kind;
+    name.unit = NONE;
+    facts_.names.push_back(name);
+    return static_cast<int>(facts_.names.size()) - 1;
+}
+
+// The function or function block of that name; a built-in is noted when it is used first.
+int Collector::definitionOf(const Spelling& spelling) {
+    const auto known = definitions_.constFind(spelling.identity);
+    if (known != definitions_.constEnd()) {
+        return *known;
+    }
+    const FunctionItem& function = *FunctionsList.find(spelling);
+    const int name = addName(*function.spelling, {},
+                             function.isFunction ? NameKind::Function : NameKind::FunctionBlock);
+    facts_.names.back().isBuiltIn = true;
+    facts_.names.back().type = function.isFunction ? function.resultType : TYP_NONE;
+    definitions_.insert(spelling.identity, name);
+    return name;
+}
+
+int Collector::labelOf(const LabelItem& label) {
+    const auto known = labels_.constFind(label.spelling->identity);
+    if (known != labels_.constEnd()) {
+        return *known;
+    }
+    const int name = addName(*label.spelling, {}, NameKind::Label);
+    labels_.insert(label.spelling->identity, name);
+    return name;
+}
+
+void Collector::nameUsed(NameUse use, const Spelling& spelling) {
+    static_assert(static_cast<int>(UseKind::Call) == static_cast<int>(NameUse::Call));
+    const int name =
+        use == NameUse::Call ? definitionOf(spelling) : variables_.value(spelling.identity, NONE);
+    facts_.uses.push_back({lastSpanOf(spelling.identity), name, static_cast<UseKind>(use)});
+}
+
+void Collector::labelDefined(const LabelItem& label) {
+    const int name = labelOf(label);
+    facts_.names[static_cast<std::size_t>(name)].span = (facts_.tokens.end() - 2)->span;
+}
+
+void Collector::labelUsed(const LabelItem& label) {
+    facts_.uses.push_back({(facts_.tokens.end() - 2)->span, labelOf(label), UseKind::Goto});
+}
+
+// ---------------------------------------------------------------------------------------------
+// Units and declarations
+// ---------------------------------------------------------------------------------------------
+
+void Collector::unitBegun() {
+    variables_.clear();
+    facts_.open.unit = static_cast<int>(facts_.units.size());
+    facts_.units.push_back({currentSpan(), TokenChar, NONE, false});
+    outside_ = facts_.units.back().span.begin;
+}
+
+// The keyword of the unit tells what the name is.
+void Collector::unitNamed() {
+    UnitFact& unit = facts_.units.back();
+    const NameKind kind = unit.kind == TOKEN_FUNCTION         ? NameKind::Function
+                          : unit.kind == TOKEN_FUNCTION_BLOCK ? NameKind::FunctionBlock
+                                                              : NameKind::Program;
+    unit.name = addName(*TokenSpelling, currentSpan(), kind);
+    if (kind != NameKind::Program) {
+        definitions_.insert(TokenSpelling->identity, unit.name);
+    }
+}
+
+void Collector::unitEnded() {
+    facts_.units.back().span.end = currentSpan().end;
+    facts_.units.back().isEnded = true;
+    facts_.open.unit = NONE;
+}
+
+void Collector::declarationBegun() {
+    const int begin = currentSpan().begin;
+    facts_.open.declaration = static_cast<int>(facts_.declarations.size());
+    facts_.declarations.push_back({{begin, begin}, facts_.open.unit, NONE, false});
+    outside_ = begin;
+}
+
+// A result stands where its function is named and has its type.
+void Collector::variableDeclared(const VarItem& variable, Token section) {
+    const NameFact* const unitName =
+        section == TOKEN_RESULT
+            ? &facts_.names[static_cast<std::size_t>(facts_.units.back().name)]
+            : nullptr;
+    const Span span =
+        unitName != nullptr ? unitName->span : lastSpanOf(variable.spelling->identity);
+    const int index = addName(*variable.spelling, span, NameKind::Variable);
+    NameFact& name = facts_.names.back();
+    name.section = section;
+    name.type = variable.type;
+    name.isConstant = variable.isConstant;
+    name.isReference = variable.isReference;
+    name.unit = facts_.open.unit;
+    variables_.insert(variable.spelling->identity, index);
+    if (section == TOKEN_RESULT) {
+        facts_.names[static_cast<std::size_t>(facts_.units.back().name)].type = variable.type;
+    } else {
+        facts_.declarations.back().name = index;
+    }
+}
+
+void Collector::declarationEnded() {
+    facts_.declarations.back().span.end = currentSpan().end;
+    facts_.declarations.back().isEnded = true;
+    facts_.open.declaration = NONE;
+    outside_ = facts_.units.back().span.begin;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Statements and items
+// ---------------------------------------------------------------------------------------------
+
+void Collector::statementBegun() {
+    const int begin = currentSpan().begin;
+    const int parent = facts_.open.statement;
+    facts_.open.statement = static_cast<int>(facts_.statements.size());
+    facts_.statements.push_back({{begin, begin}, TokenChar, facts_.open.unit, parent, false});
+    parts_.push_back(begin);
+}
+
+void Collector::statementEnded() {
+    StatementFact& statement = facts_.statements[static_cast<std::size_t>(facts_.open.statement)];
+    statement.span.end = currentSpan().end;
+    statement.isEnded = true;
+    facts_.open.statement = statement.parent;
+    parts_.pop_back();
+}
+
+int& Collector::currentPart() {
+    return parts_.empty() ? outside_ : parts_.back();
+}
+
+void Collector::partBegun(TokenPos pos) {
+    currentPart() = offsetOf(pos);
+}
+
+void Collector::itemWritten(std::string_view item) {
+    const int begin = facts_.codes.size();
+    facts_.codes.append(item.data(), static_cast<int>(item.size()));
+    facts_.items.push_back({{begin, facts_.codes.size()}, currentPart(), facts_.open.statement});
+}
+
+// ---------------------------------------------------------------------------------------------
+// Messages
+// ---------------------------------------------------------------------------------------------
+
+void Collector::expected(std::initializer_list<Token> codes) {
+    facts_.error.expected.assign(codes.begin(), codes.end());
+}
+
+void Collector::typesRefused(Typ current, Typ next) {
+    facts_.error.current = current;
+    facts_.error.next = next;
+}
+
+void Collector::messageGiven(const Message& message) {
+    if (isReadingOn_) {
+        throw CompileStopped();
+    }
+    facts_.messages.push_back({message.isError, ConstantOf(message.constant),
+                               offsetOf(message.pos), addText(message.text)});
+    if (message.isError) {
+        facts_.error.token = currentSpan();
+        facts_.open.part = currentPart();
+        facts_.open.inComment = IsComment();
+        throw CompileStopped();
+    }
+}

@@ -1,0 +1,192 @@
+#include "facts/compile.h"
+
+#include "facts/collector.h"
+#include "facts/transfer.h"
+
+#include "qyx_compile.h"
+#include "qyx_files.h"
+#include "qyx_scanner.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#ifdef YXST_COVERAGE
+extern "C" void __gcov_dump();
+#endif
+
+namespace {
+
+// ---------------------------------------------------------------------------------------------
+// The child
+// ---------------------------------------------------------------------------------------------
+
+constexpr int SUCCESS = 0;
+constexpr int WITHOUT_MEMORY = 3;
+
+[[noreturn]] void LeaveChild(int status) {
+#ifdef YXST_COVERAGE
+    __gcov_dump();
+#endif
+    _exit(status);
+}
+
+// Reads what the compiler has not: from where it stopped, token by token.
+void ReadOn(Collector& collector) {
+    collector.readOn();
+    while (!IsEndOfInput(Look)) {
+        const int line = g_InputCodeFileCurrentLineCount;
+        const int column = g_InputCodeFileCurrentPosCount;
+        try {
+            Scan();
+        } catch (const CompileStopped&) {
+            const bool hasRead = line != g_InputCodeFileCurrentLineCount ||
+                                 column != g_InputCodeFileCurrentPosCount;
+            if (!hasRead) {
+                GetChar();
+            }
+            SkipWhite();
+        }
+    }
+}
+
+Facts CompileHere(const Source& source) {
+    Collector collector(source);
+    g_Observer = &collector;
+    g_InputCodeFileHandle = FileHandle::ofText(source.text());
+    g_OutputCodeFileHandle = FileHandle::discarding();
+    try {
+        Compile();
+    } catch (const CompileStopped&) {
+        ReadOn(collector);
+    }
+    return collector.take();
+}
+
+void WriteAll(int file, const QByteArray& bytes) {
+    int written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = write(file, bytes.constData() + written,
+                                    static_cast<std::size_t>(bytes.size() - written));
+        if (count < 0 && errno != EINTR) {
+            return;
+        }
+        written += static_cast<int>(std::max<ssize_t>(count, 0));
+    }
+}
+
+// A child does not outlive who waits for it.
+[[noreturn]] void RunChild(const Source& source, Detail detail, int file) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    try {
+        Facts facts = CompileHere(source);
+        const bool isWanted = detail == Detail::All || !facts.messages.empty();
+        WriteAll(file, BytesOf(isWanted ? facts : Facts()));
+    } catch (const std::bad_alloc&) {
+        LeaveChild(WITHOUT_MEMORY);
+    } catch (const std::length_error&) {
+        LeaveChild(WITHOUT_MEMORY);
+    }
+    LeaveChild(SUCCESS);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The parent
+// ---------------------------------------------------------------------------------------------
+
+QString FailureOf(int status) {
+    if (WIFSIGNALED(status)) {
+        return QStringLiteral("the compiler was ended by signal %1 (%2)")
+            .arg(WTERMSIG(status))
+            .arg(QString::fromLocal8Bit(strsignal(WTERMSIG(status))));
+    }
+    return WEXITSTATUS(status) == WITHOUT_MEMORY ? QStringLiteral("out of memory")
+                                                 : QStringLiteral("the compiler has failed");
+}
+
+}  // namespace
+
+// What may be printed later must not be printed by the child as well.
+CompileProcess::CompileProcess(const Source& source, Detail detail) {
+    std::array<int, 2> ends = {NONE, NONE};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+        return;
+    }
+    child_ = fork();
+    if (child_ == 0) {
+        RunChild(source, detail, ends[1]);
+    }
+    close(ends[1]);
+    pipe_ = ends[0];
+}
+
+CompileProcess::CompileProcess(CompileProcess&& other) noexcept
+    : child_(std::exchange(other.child_, NONE)),
+      pipe_(std::exchange(other.pipe_, NONE)),
+      received_(std::move(other.received_)) {}
+
+CompileProcess& CompileProcess::operator=(CompileProcess&& other) noexcept {
+    std::swap(child_, other.child_);
+    std::swap(pipe_, other.pipe_);
+    std::swap(received_, other.received_);
+    return *this;
+}
+
+CompileProcess::~CompileProcess() {
+    if (child_ > 0) {
+        kill(child_, SIGKILL);
+        wait();
+    }
+    if (pipe_ >= 0) {
+        close(pipe_);
+    }
+}
+
+int CompileProcess::wait() {
+    int status = 0;
+    while (waitpid(child_, &status, 0) < 0 && errno == EINTR) {
+    }
+    child_ = NONE;
+    return status;
+}
+
+bool CompileProcess::takeSome() {
+    constexpr int blockSize = 1 << 18;
+    QByteArray block(blockSize, Qt::Uninitialized);
+    ssize_t count = 0;
+    do {
+        count = read(pipe_, block.data(), blockSize);
+    } while (count < 0 && errno == EINTR);
+    received_.append(block.constData(), static_cast<int>(std::max<ssize_t>(count, 0)));
+    return count > 0;
+}
+
+CompileResult CompileProcess::result() {
+    if (child_ <= 0) {
+        return {std::nullopt, QStringLiteral("no process for the compiler can be started")};
+    }
+    const int status = wait();
+    std::optional<Facts> facts = FactsOf(received_);
+    received_.clear();
+    if (status != SUCCESS || !facts) {
+        return {std::nullopt, FailureOf(status)};
+    }
+    return {std::move(facts), QString()};
+}
+
+CompileResult CompileAndWait(const Source& source, Detail detail) {
+    CompileProcess process(source, detail);
+    while (process.descriptor() >= 0 && process.takeSome()) {
+    }
+    return process.result();
+}

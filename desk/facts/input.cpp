@@ -1,0 +1,79 @@
+#include "facts/input.h"
+
+#include "qyx_files.h"
+
+#include <QDirIterator>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+// The compiler takes names as the bytes that the user gave, each of them one character.
+QString CompilersName(const QString& path) {
+    return QString::fromLatin1(QFile::encodeName(path));
+}
+
+Input ReadStandardInput() {
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly)) {
+        return {std::nullopt, QStringLiteral("standard input cannot be read")};
+    }
+    return {Source(QStringLiteral("<stdin>"), SourceText(input.readAll())), QString()};
+}
+
+QString WhyUnreadable(const QString& path) {
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        return QStringLiteral("no such file");
+    }
+    if (info.isDir()) {
+        return QStringLiteral("is a folder");
+    }
+    return info.isFile() && info.isReadable() ? QStringLiteral("cannot be read whole")
+                                              : QStringLiteral("cannot be read");
+}
+
+QStringList FilesIn(const QString& folder, const QStringList& suffixes) {
+    QStringList patterns;
+    for (const QString& suffix : suffixes) {
+        patterns.append(QStringLiteral("*.") + suffix);
+    }
+    QStringList files;
+    QDirIterator each(folder, patterns, QDir::Files, QDirIterator::Subdirectories);
+    while (each.hasNext()) {
+        files.append(each.next());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+}  // namespace
+
+Input ReadInput(const QString& path) {
+    if (path == QLatin1String(STANDARD_INPUT)) {
+        return ReadStandardInput();
+    }
+    const FileHandle file(CompilersName(path), true);
+    if (!file.isOpened()) {
+        return {std::nullopt, WhyUnreadable(path)};
+    }
+    return {Source(path, file.text()), QString()};
+}
+
+FoundFiles FindFiles(const QStringList& paths, const QStringList& suffixes) {
+    FoundFiles found;
+    for (const QString& path : paths) {
+        if (!QFileInfo(path).isDir()) {
+            found.files.append(path);
+            continue;
+        }
+        const QStringList files = FilesIn(path, suffixes);
+        if (files.isEmpty()) {
+            found.failures.append(path + QStringLiteral(": no scripts in this folder"));
+        }
+        found.files.append(files);
+    }
+    return found;
+}

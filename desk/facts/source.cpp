@@ -1,0 +1,39 @@
+#include "facts/source.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace {
+
+std::vector<int> BeginsOfLines(const QString& text) {
+    std::vector<int> begins = {0};
+    for (int at = text.indexOf(u'\n'); at >= 0; at = text.indexOf(u'\n', at + 1)) {
+        begins.push_back(at + 1);
+    }
+    return begins;
+}
+
+}  // namespace
+
+Source::Source(const QString& name, const QString& text)
+    : name_(name), text_(text), lines_(BeginsOfLines(text)) {}
+
+Place Source::placeOf(int offset) const {
+    const auto after = std::upper_bound(lines_.begin(), lines_.end(), offset);
+    const auto line = static_cast<int>(after - lines_.begin());
+    return {line, offset - *std::prev(after) + 1};
+}
+
+int Source::offsetOf(Place place) const {
+    if (place.line > lineCount()) {
+        return size();
+    }
+    const Span line = lineAt(place.line);
+    return std::min(line.begin + place.column - 1, line.end);
+}
+
+Span Source::lineAt(int line) const {
+    const auto index = static_cast<std::size_t>(line - 1);
+    const int end = line == lineCount() ? size() : lines_[index + 1] - 1;
+    return {lines_[index], end};
+}

@@ -1,0 +1,13 @@
+// Facts as bytes, for a pipe between two processes of one program.
+#pragma once
+
+#include "facts/facts.h"
+
+#include <QByteArray>
+
+#include <optional>
+
+QByteArray BytesOf(const Facts& facts);
+
+// The facts again; nothing if the bytes are not those of whole facts.
+std::optional<Facts> FactsOf(const QByteArray& bytes);

@@ -1,0 +1,42 @@
+#include "reports/output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+void Print(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void Print(const QString& text) {
+    Print(std::string_view(text.toStdString()));
+}
+
+void Complain(const QString& text) {
+    std::fputs(("yxst: " + text.toStdString() + ".\n").c_str(), stderr);
+}
+
+// The reason of a failure is that of the write that failed last.
+Status FinishOutput(Status status) {
+    const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (isWritten) {
+        return status;
+    }
+    if (errno != EPIPE) {
+        Complain(QStringLiteral("standard output cannot be written"));
+    }
+    return STATUS_FAILED;
+}
+
+bool HasColors(ColorWish wish, int descriptor) {
+    if (wish != ColorWish::Auto) {
+        return wish == ColorWish::Always;
+    }
+    const char* const refusal = std::getenv("NO_COLOR");
+    const bool isRefused = refusal != nullptr && *refusal != '\0';
+    return !isRefused && isatty(descriptor) != 0;
+}
