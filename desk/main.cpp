@@ -17,6 +17,7 @@ struct Subcommand {
 };
 
 constexpr Subcommand SUBCOMMANDS[] = {
+    {"check", "Show all errors and warnings of scripts", DeclareCheck},
     {"facts", "Show what the compiler tells about a script, as JSON", DeclareFacts},
 };
 

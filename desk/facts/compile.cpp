@@ -17,6 +17,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -162,12 +163,12 @@ int CompileProcess::wait() {
 
 bool CompileProcess::takeSome() {
     constexpr int blockSize = 1 << 18;
-    QByteArray block(blockSize, Qt::Uninitialized);
+    const std::unique_ptr<char[]> block(new char[blockSize]);
     ssize_t count = 0;
     do {
-        count = read(pipe_, block.data(), blockSize);
+        count = read(pipe_, block.get(), blockSize);
     } while (count < 0 && errno == EINTR);
-    received_.append(block.constData(), static_cast<int>(std::max<ssize_t>(count, 0)));
+    received_.append(block.get(), static_cast<int>(std::max<ssize_t>(count, 0)));
     return count > 0;
 }
 

@@ -1,0 +1,70 @@
+#include "check/edits.h"
+
+#include <algorithm>
+
+QString NeutralText(QStringView piece, const QString& neutral) {
+    QString blanks = piece.toString();
+    for (QChar& c : blanks) {
+        c = c == u'\n' ? c : QChar(u' ');
+    }
+    const bool hasRoom = blanks.leftRef(neutral.size()).count(u' ') == neutral.size();
+    return neutral + blanks.mid(hasRoom ? neutral.size() : 0);
+}
+
+void Edits::add(Edit edit) {
+    const auto isWithin = [&edit](const Edit& older) {
+        return older.span.begin >= edit.span.begin && older.span.end <= edit.span.end &&
+               !edit.span.isEmpty();
+    };
+    edits_.erase(std::remove_if(edits_.begin(), edits_.end(), isWithin), edits_.end());
+    const auto after = std::upper_bound(
+        edits_.begin(), edits_.end(), edit,
+        [](const Edit& a, const Edit& b) { return a.span.begin < b.span.begin; });
+    edits_.insert(after, std::move(edit));
+}
+
+QString Edits::applyTo(const QString& text) const {
+    QString changed;
+    int done = 0;
+    for (const Edit& edit : edits_) {
+        changed.append(text.midRef(done, edit.span.begin - done));
+        changed.append(edit.text);
+        done = edit.span.end;
+    }
+    return changed.append(text.midRef(done));
+}
+
+namespace {
+
+// The edit whose text holds the offset, or comes first after it; `shift` is how much the changed
+// text is longer up to there.
+struct Position {
+    const Edit* edit;
+    int shift;
+};
+
+Position PositionOf(const std::vector<Edit>& edits, int offset) {
+    int shift = 0;
+    for (const Edit& edit : edits) {
+        if (offset < edit.span.begin + shift + edit.text.size()) {
+            return {&edit, shift};
+        }
+        shift += edit.text.size() - edit.span.length();
+    }
+    return {nullptr, shift};
+}
+
+}  // namespace
+
+int Edits::originalBegin(int offset) const {
+    const Position position = PositionOf(edits_, offset);
+    const int original = offset - position.shift;
+    return position.edit == nullptr ? original : std::min(original, position.edit->span.begin);
+}
+
+int Edits::originalEnd(int offset) const {
+    const Position position = PositionOf(edits_, offset);
+    const int original = offset - position.shift;
+    const bool isWithin = position.edit != nullptr && original > position.edit->span.begin;
+    return isWithin ? position.edit->span.end : original;
+}

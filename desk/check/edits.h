@@ -1,0 +1,35 @@
+// Changes to a script's text, and where the places of the changed text come from.
+#pragma once
+
+#include "facts/source.h"
+
+#include <vector>
+
+// A piece of the script and what stands in its place.
+struct Edit {
+    Span span;  // empty where something is put in
+    QString text;
+};
+
+// A text of the same extent as a piece: the neutral text, then blanks, with the line feeds of the
+// piece where they are. It is longer where the neutral text has no room on the first line.
+QString NeutralText(QStringView piece, const QString& neutral);
+
+// Edits of one script, in the order of the script, none within another.
+class Edits {
+public:
+    // Adds an edit in the place of those that lie within its span.
+    void add(Edit edit);
+
+    const std::vector<Edit>& all() const { return edits_; }
+    QString applyTo(const QString& text) const;
+
+    // Where a place of the changed text comes from. One within a changed piece comes from the
+    // begin of that, or for the end of a piece from its end.
+    int originalBegin(int offset) const;
+    int originalEnd(int offset) const;
+    Span original(Span span) const { return {originalBegin(span.begin), originalEnd(span.end)}; }
+
+private:
+    std::vector<Edit> edits_;
+};

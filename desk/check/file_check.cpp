@@ -1,0 +1,193 @@
+#include "check/file_check.h"
+
+#include "check/repair.h"
+#include "check/rules.h"
+#include "check/tokens.h"
+#include "facts/catalogue.h"
+
+#include "qyx_messages.h"
+
+#include <algorithm>
+
+namespace {
+
+// Compiles for one error that is shown: others may follow from it.
+constexpr int ROUNDS_FOR_AN_ERROR = 5;
+constexpr int LEAST_ROUNDS = 20;
+
+const MessageFact& ErrorOf(const Facts& facts) {
+    return facts.messages.back();
+}
+
+bool IsKind(const MessageFact& message, QLatin1String constant) {
+    return TextOf(message.constant) == constant;
+}
+
+}  // namespace
+
+FileCheck::FileCheck(const Source& source, int maxErrors)
+    : source_(source),
+      edited_(source),
+      maxErrors_(maxErrors),
+      roundsLeft_(LEAST_ROUNDS + ROUNDS_FOR_AN_ERROR * maxErrors) {}
+
+bool FileCheck::take(const Facts& facts) {
+    takeWarnings(facts);
+    if (facts.isCompiled()) {
+        return false;
+    }
+    if (!isConsequence(facts)) {
+        reportError(facts);
+    }
+    if (errors_ == maxErrors_) {
+        return false;
+    }
+    --roundsLeft_;
+    return repair(facts);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Messages
+// ---------------------------------------------------------------------------------------------
+
+Diagnostic FileCheck::diagnosticOf(const Facts& facts, const MessageFact& message) const {
+    return {message.isError ? Level::Error : Level::Warning,
+            QString(IdOf(message.constant)),
+            facts.textOf(message.text).toString(),
+            edits_.original(SpanOfMessage(facts, message)),
+            {}};
+}
+
+void FileCheck::reportError(const Facts& facts) {
+    Diagnostic error = diagnosticOf(facts, ErrorOf(facts));
+    error.helps = HelpsForError(edited_, facts);
+    for (Help& help : error.helps) {
+        help.span = edits_.original(help.span);
+    }
+    found_.push_back(std::move(error));
+    ++errors_;
+}
+
+// Each compile gives the warnings of those before it again, and more; what the first one gave is
+// true in any case.
+void FileCheck::takeWarnings(const Facts& facts) {
+    for (const MessageFact& message : facts.messages) {
+        if (message.isError || (!edits_.all().empty() && dependsOnEdits(facts, message))) {
+            continue;
+        }
+        const Diagnostic warning = diagnosticOf(facts, message);
+        const auto isSame = [&warning](const Diagnostic& other) {
+            return other.span.begin == warning.span.begin && other.message == warning.message;
+        };
+        if (std::none_of(warnings_.begin(), warnings_.end(), isSame)) {
+            warnings_.push_back(warning);
+        }
+    }
+}
+
+// Whether a warning is about a name that is doubtful or that a piece mentions which was taken
+// out, or about the result of a unit that lacks a piece. The place of the warning about a value
+// is the token after the name.
+bool FileCheck::dependsOnEdits(const Facts& facts, const MessageFact& message) const {
+    const Tokens tokens(edited_, facts);
+    const bool isAfterName = IsKind(message, TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED);
+    const int index = tokens.at(message.place) - (isAfterName ? 1 : 0);
+    const QString name = tokens.text(index).toString();
+    const bool isResult = IsKind(message, TXT_MIGHT_BE_UNDEFINED);
+    const auto mentions = [&](const Edit& edit) {
+        return isResult ? edit.span.begin < edits_.originalBegin(message.place)
+                        : source_.text(edit.span).contains(name, Qt::CaseInsensitive);
+    };
+    const std::vector<Edit>& all = edits_.all();
+    return doubtfulNames_.contains(name.toCaseFolded()) ||
+           std::any_of(all.begin(), all.end(), mentions);
+}
+
+FileReport FileCheck::report() const {
+    FileReport report = {source_, found_};
+    report.diagnostics.insert(report.diagnostics.end(), warnings_.begin(), warnings_.end());
+    std::stable_sort(
+        report.diagnostics.begin(), report.diagnostics.end(),
+        [](const Diagnostic& a, const Diagnostic& b) { return a.span.begin < b.span.begin; });
+    return report;
+}
+
+void FileCheck::stop(const Facts& facts, const QString& why) {
+    const Span span = edits_.original(facts.error.token);
+    found_.push_back({Level::Note, QStringLiteral("stopped-here"), why, span, {}});
+}
+
+// ---------------------------------------------------------------------------------------------
+// What follows from an earlier error
+// ---------------------------------------------------------------------------------------------
+
+bool FileCheck::isConsequence(const Facts& facts) const {
+    return !edits_.all().empty() && (isAtEdit(facts) || isDoubtful(facts));
+}
+
+// Whether the error is in a text that replaced another, or at the first token after it: then the
+// repair did not fit.
+bool FileCheck::isAtEdit(const Facts& facts) const {
+    const Tokens tokens(edited_, facts);
+    const int index = tokens.at(facts.error.token.begin);
+    const int before = index == 0 ? 0 : edits_.originalBegin(tokens.span(index - 1).end);
+    const int place = edits_.originalBegin(facts.error.token.begin);
+    return std::any_of(edits_.all().begin(), edits_.all().end(), [&](const Edit& edit) {
+        const bool isNeutral = edit.text.trimmed().isEmpty();
+        const bool isAfter = edit.span.end <= place && edit.span.end >= before;
+        return (place >= edit.span.begin && place < edit.span.end) || (isAfter && !isNeutral);
+    });
+}
+
+// Whether what was read of the statement, the part of a head or the declaration has a name of
+// which nothing is known. The token at the error is to blame for none but that it is not known.
+bool FileCheck::isDoubtful(const Facts& facts) const {
+    const Tokens tokens(edited_, facts);
+    const bool isName = IsKind(ErrorOf(facts), TXT_UNRECOGNIZED_KEYWORD);
+    const int end = tokens.at(facts.error.token.begin) + (isName ? 1 : 0);
+    for (int index = tokens.at(facts.open.part); index < end; ++index) {
+        if (doubtfulNames_.contains(tokens.text(index).toString().toCaseFolded())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// ---------------------------------------------------------------------------------------------
+// The way on
+// ---------------------------------------------------------------------------------------------
+
+bool FileCheck::repair(const Facts& facts) {
+    const Repair smallest = FindRepair(edited_, facts);
+    if (smallest.edits.empty()) {
+        stop(facts, QStringLiteral("stopped here: what follows cannot be told from this error"));
+        return false;
+    }
+    if (roundsLeft_ > 0 && apply(smallest)) {
+        return true;
+    }
+    const Repair larger = FindLargerRepair(edited_, facts, smallest.edits.front().span);
+    if (roundsLeft_ > 0 && !larger.edits.empty() && apply(larger)) {
+        return true;
+    }
+    stop(facts, QStringLiteral("stopped here: too much follows from the errors above"));
+    return false;
+}
+
+// False if the text would stay what it was.
+bool FileCheck::apply(const Repair& repair) {
+    std::vector<Edit> originals;
+    for (const Edit& edit : repair.edits) {
+        originals.push_back({edits_.original(edit.span), edit.text});
+    }
+    for (Edit& edit : originals) {
+        edits_.add(std::move(edit));
+    }
+    for (const QString& name : repair.doubtfulNames) {
+        doubtfulNames_.insert(name.toCaseFolded());
+    }
+    const QString text = edits_.applyTo(source_.text());
+    const bool hasChanged = text != edited_.text();
+    edited_ = Source(source_.name(), text);
+    return hasChanged;
+}

@@ -1,0 +1,50 @@
+// All errors of one script, found one after the other.
+//
+// The compiler tells its first error; the piece that holds it is taken out and the rest compiled
+// again, until nothing is left. Whoever owns the check compiles: take() gets what came of the
+// text that is next, and tells whether there is another.
+#pragma once
+
+#include "check/diagnostic.h"
+#include "check/edits.h"
+#include "facts/facts.h"
+
+#include <QSet>
+
+struct Repair;
+
+class FileCheck {
+public:
+    FileCheck(const Source& source, int maxErrors);
+
+    // The text to be compiled next.
+    const Source& next() const { return edited_; }
+    // Takes what the compiler told of it. False when the check has ended.
+    bool take(const Facts& facts);
+
+    // What was found, in the order of the script. With an error, warnings are those that do not
+    // depend on a piece that was taken out.
+    FileReport report() const;
+
+private:
+    Source source_;
+    Source edited_;
+    Edits edits_;
+    int maxErrors_;
+    int errors_ = 0;
+    int roundsLeft_;
+    QSet<QString> doubtfulNames_;  // folded
+    std::vector<Diagnostic> found_;
+    std::vector<Diagnostic> warnings_;
+
+    Diagnostic diagnosticOf(const Facts& facts, const MessageFact& message) const;
+    void takeWarnings(const Facts& facts);
+    bool dependsOnEdits(const Facts& facts, const MessageFact& message) const;
+    bool isConsequence(const Facts& facts) const;
+    bool isAtEdit(const Facts& facts) const;
+    bool isDoubtful(const Facts& facts) const;
+    void reportError(const Facts& facts);
+    bool repair(const Facts& facts);
+    bool apply(const Repair& repair);
+    void stop(const Facts& facts, const QString& why);
+};

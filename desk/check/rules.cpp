@@ -1,0 +1,5 @@
+#include "check/rules.h"
+
+std::vector<Help> HelpsForError(const Source&, const Facts&) {
+    return {};
+}

@@ -1,0 +1,32 @@
+// Several compiles side by side.
+#pragma once
+
+#include "facts/compile.h"
+
+#include <vector>
+
+// Runs compiles in child processes and gives back what comes of them as they end.
+class CompilePool {
+public:
+    struct Finished {
+        int key;
+        CompileResult result;
+    };
+
+    // Starts a compile; the key is given back with its result.
+    void start(int key, const Source& source, Detail detail);
+
+    int running() const { return static_cast<int>(entries_.size()); }
+
+    // Waits for the next compile that ends. One must be running.
+    Finished wait();
+
+private:
+    struct Entry {
+        int key;
+        CompileProcess process;
+    };
+    std::vector<Entry> entries_;
+
+    Finished finish(std::size_t index);
+};
