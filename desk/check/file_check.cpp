@@ -99,7 +99,7 @@ bool FileCheck::dependsOnEdits(const Facts& facts, const MessageFact& message) c
                         : source_.text(edit.span).contains(name, Qt::CaseInsensitive);
     };
     const std::vector<Edit>& all = edits_.all();
-    return doubtfulNames_.contains(name.toCaseFolded()) ||
+    return isDoubtfulName(unitAt(facts, message.place), name) ||
            std::any_of(all.begin(), all.end(), mentions);
 }
 
@@ -140,17 +140,33 @@ bool FileCheck::isAtEdit(const Facts& facts) const {
 }
 
 // Whether what was read of the statement, the part of a head or the declaration has a name of
-// which nothing is known. The token at the error is to blame for none but that it is not known.
+// which nothing is known. Where another token was expected, the one that came is not to blame.
 bool FileCheck::isDoubtful(const Facts& facts) const {
     const Tokens tokens(edited_, facts);
-    const bool isName = IsKind(ErrorOf(facts), TXT_UNRECOGNIZED_KEYWORD);
-    const int end = tokens.at(facts.error.token.begin) + (isName ? 1 : 0);
-    for (int index = tokens.at(facts.open.part); index < end; ++index) {
-        if (doubtfulNames_.contains(tokens.text(index).toString().toCaseFolded())) {
+    const bool isOther = IsKind(ErrorOf(facts), TXT_EXPECTED_BUT);
+    const bool isInPiece = facts.open.statement != NONE || facts.open.declaration != NONE;
+    const int error = tokens.at(facts.error.token.begin);
+    const int end = error + (isOther ? 0 : 1);
+    for (int index = isInPiece ? tokens.at(facts.open.part) : error; index < end; ++index) {
+        if (isDoubtfulName(unitAt(facts, facts.error.token.begin),
+                           tokens.text(index).toString())) {
             return true;
         }
     }
     return false;
+}
+
+bool FileCheck::isDoubtfulName(int unit, const QString& name) const {
+    const QString folded = name.toCaseFolded();
+    return doubtfulNames_.contains({unit, folded}) || doubtfulNames_.contains({NONE, folded});
+}
+
+// The begin of the unit that holds the place, NONE between units.
+int FileCheck::unitAt(const Facts& facts, int place) const {
+    const auto after =
+        std::find_if(facts.units.rbegin(), facts.units.rend(),
+                     [place](const UnitFact& unit) { return unit.span.begin <= place; });
+    return after == facts.units.rend() ? NONE : edits_.originalBegin(after->span.begin);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -163,11 +179,12 @@ bool FileCheck::repair(const Facts& facts) {
         stop(facts, QStringLiteral("stopped here: what follows cannot be told from this error"));
         return false;
     }
-    if (roundsLeft_ > 0 && apply(smallest)) {
+    const int unit = unitAt(facts, facts.error.token.begin);
+    if (roundsLeft_ > 0 && apply(smallest, unit)) {
         return true;
     }
     const Repair larger = FindLargerRepair(edited_, facts, smallest.edits.front().span);
-    if (roundsLeft_ > 0 && !larger.edits.empty() && apply(larger)) {
+    if (roundsLeft_ > 0 && !larger.edits.empty() && apply(larger, unit)) {
         return true;
     }
     stop(facts, QStringLiteral("stopped here: too much follows from the errors above"));
@@ -175,7 +192,7 @@ bool FileCheck::repair(const Facts& facts) {
 }
 
 // False if the text would stay what it was.
-bool FileCheck::apply(const Repair& repair) {
+bool FileCheck::apply(const Repair& repair, int unit) {
     std::vector<Edit> originals;
     for (const Edit& edit : repair.edits) {
         originals.push_back({edits_.original(edit.span), edit.text});
@@ -184,7 +201,10 @@ bool FileCheck::apply(const Repair& repair) {
         edits_.add(std::move(edit));
     }
     for (const QString& name : repair.doubtfulNames) {
-        doubtfulNames_.insert(name.toCaseFolded());
+        doubtfulNames_.insert({unit, name.toCaseFolded()});
+    }
+    for (const QString& name : repair.doubtfulDefinitions) {
+        doubtfulNames_.insert({NONE, name.toCaseFolded()});
     }
     const QString text = edits_.applyTo(source_.text());
     const bool hasChanged = text != edited_.text();

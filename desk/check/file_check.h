@@ -9,11 +9,16 @@
 #include "check/edits.h"
 #include "facts/facts.h"
 
+#include <QPair>
 #include <QSet>
 
 struct Repair;
 
 class FileCheck {
+    // A name that means nothing certain: the unit that has it, by its begin, NONE for all units,
+    // and its folded text.
+    using DoubtfulName = QPair<int, QString>;
+
 public:
     FileCheck(const Source& source, int maxErrors);
 
@@ -33,7 +38,7 @@ private:
     int maxErrors_;
     int errors_ = 0;
     int roundsLeft_;
-    QSet<QString> doubtfulNames_;  // folded
+    QSet<DoubtfulName> doubtfulNames_;
     std::vector<Diagnostic> found_;
     std::vector<Diagnostic> warnings_;
 
@@ -43,8 +48,10 @@ private:
     bool isConsequence(const Facts& facts) const;
     bool isAtEdit(const Facts& facts) const;
     bool isDoubtful(const Facts& facts) const;
+    bool isDoubtfulName(int unit, const QString& name) const;
+    int unitAt(const Facts& facts, int place) const;
     void reportError(const Facts& facts);
     bool repair(const Facts& facts);
-    bool apply(const Repair& repair);
+    bool apply(const Repair& repair, int unit);
     void stop(const Facts& facts, const QString& why);
 };

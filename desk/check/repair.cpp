@@ -193,10 +193,15 @@ Typ DeclarableTypeAmong(const Scene& scene, int first, int last) {
     return TYP_NONE;
 }
 
-// The new names of a declaration: those before its ":".
+// The new names of a declaration: those before its type.
 QStringList NamesDeclared(const Scene& scene, int first, int last) {
     QStringList names;
-    for (int index = first; index <= last && !scene.tokens.is(index, TOKEN_COLON); ++index) {
+    for (int index = first; index <= last; ++index) {
+        const bool isEnd = scene.tokens.isOneOf(index, {TOKEN_COLON, TOKEN_ASSIGN}) ||
+                           scene.tokens.typeNamed(index) != TYP_NONE;
+        if (isEnd) {
+            break;
+        }
         if (scene.isUndeclared(index)) {
             names.append(scene.tokens.text(index).toString());
         }
@@ -215,7 +220,7 @@ Repair RedeclareNames(const Scene& scene, int first, int last, Span span) {
         text += name + u':' + NameOf(type == TYP_NONE ? UNKNOWN_TYPE : type) + rest;
     }
     Repair repair = TakeOut(scene, span, text);
-    if (type == TYP_NONE || names.size() != 1) {
+    if (type == TYP_NONE) {
         repair.doubtfulNames = names;
     }
     return repair;
@@ -525,7 +530,7 @@ Repair RepairUnitHead(const Scene& scene) {
                                : QString();
     Repair repair = TakeOut(scene, SpanOver(scene, first, last),
                             TextOf(scene.unit().kind) + u' ' + name + result);
-    repair.doubtfulNames.append(scene.tokens.text(first + 1).toString());
+    repair.doubtfulDefinitions.append(scene.tokens.text(first + 1).toString());
     return repair;
 }
 
@@ -539,7 +544,7 @@ Repair RepairSectionKeyword(const Scene& scene) {
     Repair repair = TakeOut(scene, scene.tokens.span(scene.error), TextOf(keyword));
     if (!isProgram && scene.unit().name != NONE) {
         const NameFact& name = scene.facts.names[static_cast<std::size_t>(scene.unit().name)];
-        repair.doubtfulNames.append(scene.facts.textOf(name.text).toString());
+        repair.doubtfulDefinitions.append(scene.facts.textOf(name.text).toString());
     }
     return repair;
 }

@@ -78,11 +78,11 @@ Repair TakeOut(const Scene& scene, Span span, const QString& neutral) {
     if (!neutral.isEmpty() && !IsSetApart(scene.source, span.end)) {
         text.append(u' ');
     }
-    return {{{span, NeutralText(scene.source.text(span), text)}}, {}};
+    return {{{span, NeutralText(scene.source.text(span), text)}}, {}, {}};
 }
 
 Repair PutIn(int offset, const QString& text) {
-    return {{{{offset, offset}, text}}, {}};
+    return {{{{offset, offset}, text}}, {}, {}};
 }
 
 Span SpanOver(const Scene& scene, int first, int last) {
