@@ -12,8 +12,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <new>
-#include <stdexcept>
 #include <string_view>
 
 #ifndef Q_OS_WIN
@@ -141,16 +139,23 @@ bool ReadOptions(int argc, char** argv) {
     return areKnown;
 }
 
-// Refuses every output name that leads to the source, before anything is removed.
-void CheckSourceIsKept(const QString& output) {
-    if (IsInputCodeFile(output)) {
-        OutputFileNameError();
-    }
+// Ends the run at the first side file that is wanted and whose name does not pass.
+void CheckSideFiles(const QString& output, bool (*passes)(const QString& name)) {
     for (const SideFile& sideFile : SIDE_FILES) {
-        if (sideFile.isWanted && IsInputCodeFile(StringsToString(output, sideFile.suffix))) {
+        const QString name = StringsToString(output, sideFile.suffix);
+        if (sideFile.isWanted && !passes(name)) {
             sideFile.exitOnFailure();
         }
     }
+}
+
+// Refuses every output name that leads to the source, before anything is removed.
+void CheckSourceIsKept(const QString& output) {
+    const auto isOther = [](const QString& name) { return !IsInputCodeFile(name); };
+    if (!isOther(output)) {
+        OutputFileNameError();
+    }
+    CheckSideFiles(output, isOther);
 }
 
 // Probes that the outputs can be created and checks that the options are known: the message about
@@ -162,11 +167,7 @@ void CheckOutputs(const QString& output, bool areOptionsKnown) {
     if (!areOptionsKnown) {
         ArgumensError();
     }
-    for (const SideFile& sideFile : SIDE_FILES) {
-        if (sideFile.isWanted && !FileCanExists(StringsToString(output, sideFile.suffix))) {
-            sideFile.exitOnFailure();
-        }
-    }
+    CheckSideFiles(output, FileCanExists);
 }
 
 // Removes what older runs have left under the names of the outputs.
@@ -174,11 +175,7 @@ void RemoveOldOutputs(const QString& output) {
     if (!RemoveOldFile(output)) {
         OutputFileNameError();
     }
-    for (const SideFile& sideFile : SIDE_FILES) {
-        if (sideFile.isWanted && !RemoveOldFile(StringsToString(output, sideFile.suffix))) {
-            sideFile.exitOnFailure();
-        }
-    }
+    CheckSideFiles(output, RemoveOldFile);
 }
 
 void OpenOutputs(const QString& output) {
@@ -237,7 +234,8 @@ void HandleEndingSignals() {
 #ifndef Q_OS_WIN
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction before = {};
-        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
+        sigaction(signal, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) {
             std::signal(signal, EndBySignal);
         }
     }
@@ -336,7 +334,8 @@ void Run(int argc, char** argv) {
 
 }  // namespace
 
-// Want of memory is found by an exception, or by its end where it may not pass.
+// Want of memory is found by an exception, which nothing else throws, or by its end where it may
+// not pass.
 int main(int argc, char** argv) {
     const char onStack = 0;
     HandleWantOfStack(&onStack);
@@ -344,10 +343,8 @@ int main(int argc, char** argv) {
     try {
         PrepareProcess();
         Run(argc, argv);
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         EndWithoutMemory();
-    } catch (const std::length_error&) {  // GCOVR_EXCL_LINE: as the one above
-        EndWithoutMemory();               // GCOVR_EXCL_LINE
     }
     return EXIT_SUCCESS;
 }

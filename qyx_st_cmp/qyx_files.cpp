@@ -73,9 +73,11 @@ namespace {
 namespace fs = std::filesystem;
 
 #ifndef Q_OS_WIN
-FileId IdOf(const char* name) {
-    struct stat found = {};
-    return stat(name, &found) == 0 ? FileId{found.st_dev, found.st_ino} : FileId();
+// What the system tells of an open file; nothing if there is none.
+struct stat StatusOf(int file) {
+    struct stat status = {};
+    fstat(file, &status);
+    return status;
 }
 #endif
 
@@ -131,7 +133,7 @@ fs::path NewNameIn(const fs::path& folder) {
 // Want of memory is no property of a file.
 void CheckMemory() {
     if (errno == ENOMEM) {
-        throw std::bad_alloc();  // GCOVR_EXCL_LINE: reached where every allocation fails in turn
+        throw std::bad_alloc();
     }
 }
 
@@ -142,10 +144,11 @@ bool IsFolderForOutputs([[maybe_unused]] const fs::path& folder) {
     return true;
 #else
     constexpr decltype(statfs::f_type) processes = 0x9FA0;
+    const fs::path devices = "/dev";
     struct statfs system = {};
-    const FileId devices = IdOf("/dev");
+    std::error_code error;
     return statfs(folder.c_str(), &system) == 0 && system.f_type != processes &&
-           !devices.isAt(folder.c_str());
+           !fs::equivalent(folder, devices, error);
 #endif
 }
 
@@ -156,10 +159,11 @@ bool MayBeMoved([[maybe_unused]] const fs::path& path, [[maybe_unused]] const fs
     return true;
 #else
     struct stat file = {};
-    struct stat parent = {};
-    if (lstat(path.c_str(), &file) != 0 || stat(folder.c_str(), &parent) != 0) {
+    if (lstat(path.c_str(), &file) != 0) {
         return true;
     }
+    struct stat parent = {};  // stays empty when the folder is gone
+    stat(folder.c_str(), &parent);
     const uid_t user = geteuid();
     return (parent.st_mode & S_ISVTX) == 0 || user == 0 || user == file.st_uid ||
            user == parent.st_uid;
@@ -216,7 +220,6 @@ bool CanCreateIn(const fs::path& folder) {
     return fs::remove(path, error);
 }
 
-// GCOVR_EXCL_START: tests cover it where the system lays one folder over another
 // Gives a file its name back, unless another has taken that.
 void PutBack(const fs::path& aside, const fs::path& path) {
 #ifndef Q_OS_WIN
@@ -228,7 +231,10 @@ void PutBack(const fs::path& aside, const fs::path& path) {
     std::error_code error;
     fs::rename(aside, path, error);
 }
-// GCOVR_EXCL_STOP
+
+// The names of the code file: its own until it is whole, and then that of the output.
+std::string unfinishedName;
+std::string finishedName;
 
 // The code file for as long as the run can fail, under its name of the moment; null when there is
 // none. The handler of a signal reads it.
@@ -289,8 +295,7 @@ bool FileHandle::openForReading() {
     int file = ::open(name.c_str(), flags | O_NONBLOCK);
     if (file < 0 && errno == EWOULDBLOCK) {
         const int held = ::open(name.c_str(), O_PATH | O_CLOEXEC);
-        struct stat status = {};
-        if (held >= 0 && fstat(held, &status) == 0 && S_ISREG(status.st_mode)) {
+        if (S_ISREG(StatusOf(held).st_mode)) {
             file = ::open(("/proc/self/fd/" + std::to_string(held)).c_str(), flags);
         }
         ::close(held);
@@ -306,13 +311,12 @@ bool FileHandle::openNew() {
 
 // Takes over a file that was opened, if it was and is a regular one.
 bool FileHandle::openNumber(int file, QIODevice::OpenMode mode) {
-    struct stat status = {};
     if (file < 0 || !open(file, mode | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle)) {
         return false;
     }
-    const bool isKnown = fstat(file, &status) == 0;
+    const struct stat status = StatusOf(file);
     id_ = {status.st_dev, status.st_ino};
-    return isKnown && S_ISREG(status.st_mode);
+    return S_ISREG(status.st_mode);
 }
 
 #endif
@@ -423,9 +427,8 @@ bool RemoveOldFile(const QString& name) {
     std::error_code error;
     fs::rename(path, aside, error);
     if (error) {
-        // GCOVR_EXCL_START: another run at the same instant
+        // Another run may have taken it away at this instant.
         return error == std::errc::no_such_file_or_directory;
-        // GCOVR_EXCL_STOP
     }
     const bool isOther = !hadSource || fs::exists(source, error);
     if (isOther && IsReplaceable(aside) && fs::remove(aside, error)) {
@@ -472,11 +475,11 @@ bool IsInputCodeFileRead() {
 }
 
 bool IsInputCodeFile(const QString& name) {
-    const fs::path path = NativePath(name);
     const FileHandle& source = *g_InputCodeFileHandle;
+    const fs::path path = NativePath(name);
+    const fs::path sourcePath = NativePath(source.name());
     std::error_code error;
-    return source.id().isAt(path.c_str()) ||
-           fs::equivalent(path, NativePath(source.name()), error);
+    return source.id().isAt(path.c_str()) || fs::equivalent(path, sourcePath, error);
 }
 
 // The line table and the scanner share one text, read once. The table is only needed for the
@@ -561,13 +564,12 @@ void CreateOutputFile(std::unique_ptr<FileHandle>& handle, const QString& name,
 }  // namespace
 
 void OpenOutputCodeFile(const QString& name) {
-    static std::string unfinished;
     g_OutputCodeFileName = name;
-    unfinished = NewNameIn(FolderOf(NativePath(name))).string();
-    const QString own = NameOf(unfinished);
+    unfinishedName = NewNameIn(FolderOf(NativePath(name))).string();
+    const QString own = NameOf(unfinishedName);
     const SignalsHeld held;
     codeFileId = FileId();
-    doubtfulCodeFile = unfinished.c_str();
+    doubtfulCodeFile = unfinishedName.c_str();
     CreateOutputFile(g_OutputCodeFileHandle, own, TXT_OPEN_FAILED_ON_OUTPUT_FILE);
     codeFileId = g_OutputCodeFileHandle->id();
 }
@@ -588,14 +590,14 @@ namespace {
 
 // Gives the code file its name. False if that is not possible or another stands in its place.
 bool PublishCodeFile() {
-    static std::string finished;
-    finished = NativePath(g_OutputCodeFileName).string();
+    finishedName = NativePath(g_OutputCodeFileName).string();
+    const char* const unfinished = unfinishedName.c_str();
+    const char* const finished = finishedName.c_str();
     const SignalsHeld held;
-    const char* const unfinished = doubtfulCodeFile;
-    if (!codeFileId.isItselfAt(unfinished) || std::rename(unfinished, finished.c_str()) != 0) {
+    if (!codeFileId.isItselfAt(unfinished) || std::rename(unfinished, finished) != 0) {
         return false;
     }
-    doubtfulCodeFile = finished.c_str();
+    doubtfulCodeFile = finished;
     return true;
 }
 
@@ -693,18 +695,19 @@ void WriteStringToScreen(std::string_view text, bool force) {
 
 namespace {
 
+std::string listingLine;
+
 // A code line as the listing shows it: its number with -n, the text, a line feed. Holds until the
 // next one is made.
 const std::string& ListingForm(std::string_view item) {
-    static std::string line;
-    line.clear();
+    listingLine.clear();
     if (flag_ShowLinesNumber) {
-        IntToStr(g_OutputCodeFileCurrentLineCount + 1, line, LINE_NUMBER_WIDTH);
-        line.push_back('\t');
+        IntToStr(g_OutputCodeFileCurrentLineCount + 1, listingLine, LINE_NUMBER_WIDTH);
+        listingLine.push_back('\t');
     }
-    line.append(item);
-    line.push_back('\n');
-    return line;
+    listingLine.append(item);
+    listingLine.push_back('\n');
+    return listingLine;
 }
 
 void RouteMessage(const std::string& line, bool force) {

@@ -104,10 +104,19 @@ const Spelling& NameTable::addSpelling(QStringView view, std::size_t hash) {
     return spellings_.back();
 }
 
+namespace {
+
+HashSecret DrawnSecret() {
+    QRandomGenerator* const source = QRandomGenerator::system();
+    const quint64 begin = source->generate64();
+    return {begin, source->generate64() | 1U};
+}
+
+}  // namespace
+
 const Spelling& SpellingOf(QStringView text) {
     // Never deleted: the process ends first.
-    static NameTable& table = *new NameTable({QRandomGenerator::system()->generate64(),
-                                              QRandomGenerator::system()->generate64() | 1U});
+    static NameTable& table = *new NameTable(DrawnSecret());
     return table.spellingOf(text);
 }
 

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <algorithm>
 #include <cstddef>
 #include <deque>
 #include <list>
@@ -79,7 +80,7 @@ private:
     std::vector<Slot> slots_;  // none or a power of two, at most half of it used
     std::size_t used_ = 0;
 
-    static void place(std::vector<Slot>& slots, Slot slot) {
+    static void place(std::vector<Slot>& slots, Slot slot) noexcept {
         std::size_t index = slot.hash() & (slots.size() - 1);
         while (slots[index]) {
             index = (index + 1) & (slots.size() - 1);
@@ -87,7 +88,7 @@ private:
         slots[index] = slot;
     }
     void grow() {
-        std::vector<Slot> larger(slots_.empty() ? GROWTH : slots_.size() * GROWTH);
+        std::vector<Slot> larger(std::max(GROWTH, slots_.size() * GROWTH));
         for (const Slot& slot : slots_) {
             if (slot) {
                 place(larger, slot);
