@@ -263,6 +263,27 @@ class HaltedInTheMiddle(unittest.TestCase):
             self.assertEqual(place.faults({undisturbed(LARGE_SOURCE)[0]}), [])
             self.assertIsNotNone(place.code())
 
+    def halted_without_its_file(self, place):
+        """A halted run, and the name of its code file, which somebody has removed."""
+        process = self.halted(place)
+        [name] = place.strays()
+        (place.outputs / name).unlink()
+        return process, place.outputs / name
+
+    def test_unfinished_code_is_removed_by_another(self):
+        with Workplace(LARGE_SOURCE) as place:
+            process, _ = self.halted_without_its_file(place)
+            self.assertEqual(self.end(process), 1)
+            self.assertEqual(place.faults(set()), [])
+
+    def test_unfinished_code_is_replaced_by_another(self):
+        with Workplace(LARGE_SOURCE) as place:
+            process, name = self.halted_without_its_file(place)
+            name.write_bytes(PRECIOUS)
+            self.assertEqual(self.end(process), 1)
+            self.assertEqual(read(name), PRECIOUS)
+            self.assertEqual(place.faults(set(), strays=1), [])
+
     def test_error_leaves_the_code_of_a_neighbour(self):
         with Workplace(FAILING_SOURCE) as place:
             status, code = self.neighbour_ends_first(place)

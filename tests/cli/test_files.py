@@ -481,6 +481,27 @@ class Permissions(FilesTestCase):
         self.assertEqual(result.status, 1)
         self.assertIn(SOURCE_FAILED, result.stdout)
         self.assertNotIn("out", result.files)
+        self.assert_refused(CODE_FAILED, "sub/in.st", "sub/../sub/in.st")
+
+    @unittest.skipUnless(IS_ROOT, "only root gives files away")
+    def test_old_outputs_in_a_folder_that_is_shared(self):
+        shared = self.folder / "shared"
+        shared.mkdir()
+        shared.chmod(0o1777)
+        code, listing = shared / "out", shared / "out.lst"
+        code.write_bytes(b"old code")
+        listing.write_bytes(b"old listing")
+        # The code file could be removed, the listing could not.
+        os.chown(code, NOBODY, NOBODY)
+        self.assert_refused(SIDE_FILES[0][2], "in.st", "shared/out", "-l")
+        for theirs in (listing, shared):
+            with self.subTest(theirs.name):
+                listing.unlink()
+                listing.write_bytes(b"old listing")
+                os.chown(theirs, NOBODY, NOBODY)
+                self.assertEqual(self.run_compiler("in.st", "shared/out", "-l").status, 0)
+                self.assertEqual(code.read_bytes(), self.compiled(VALID_SOURCE)["out"])
+                self.assertNotEqual(listing.read_bytes(), b"old listing")
 
 
 # ---------------------------------------------------------------------------------------------

@@ -16,6 +16,33 @@
 namespace {
 
 // ---------------------------------------------------------------------------------------------
+// Other users
+// ---------------------------------------------------------------------------------------------
+
+constexpr uid_t ROOT = 0;
+constexpr uid_t STRANGER = 65534;
+
+// Another user acts while this lives.
+class AsStranger {
+public:
+    AsStranger() { EXPECT_EQ(seteuid(STRANGER), 0); }
+    ~AsStranger() { EXPECT_EQ(seteuid(ROOT), 0); }
+    AsStranger(const AsStranger&) = delete;
+    AsStranger& operator=(const AsStranger&) = delete;
+};
+
+constexpr const char* NO_STRANGER = "only root acts as another user, in a folder open to him";
+
+// Opens the folder to all users. False if the test cannot act as another one in there.
+bool LetStrangersInto(const QByteArray& folder) {
+    if (geteuid() != ROOT || chmod(folder, ACCESSPERMS) != 0) {
+        return false;
+    }
+    const AsStranger stranger;
+    return eaccess(folder, W_OK) == 0;
+}
+
+// ---------------------------------------------------------------------------------------------
 // Routes
 // ---------------------------------------------------------------------------------------------
 
@@ -416,6 +443,34 @@ TEST_F(Router, AnOutputNeedsANameAndAFolderForFiles) {
     }
 }
 
+struct SharedFolder {
+    uid_t folderOwner;
+    uid_t fileOwner;
+    mode_t mode;
+    bool isForStranger;
+};
+
+// In a folder such as /tmp an output is replaced by its owner and that of the folder alone.
+TEST_F(Router, AnOutputInASharedFolderBelongsToItsOwner) {
+    const QByteArray folder = QFile::encodeName(path("."));
+    const QString output = writeFile("output", "text");
+    if (!LetStrangersInto(folder)) {
+        GTEST_SKIP() << NO_STRANGER;
+    }
+    for (const SharedFolder& shared : {SharedFolder{ROOT, ROOT, ACCESSPERMS, true},
+                                       {ROOT, ROOT, ACCESSPERMS | S_ISVTX, false},
+                                       {ROOT, STRANGER, ACCESSPERMS | S_ISVTX, true},
+                                       {STRANGER, ROOT, ACCESSPERMS | S_ISVTX, true}}) {
+        ASSERT_EQ(chown(QFile::encodeName(output), shared.fileOwner, ROOT), 0);
+        ASSERT_EQ(chown(folder, shared.folderOwner, ROOT), 0);
+        ASSERT_EQ(chmod(folder, shared.mode), 0);
+        EXPECT_TRUE(FileCanExists(output));
+        const AsStranger stranger;
+        EXPECT_EQ(FileCanExists(output), shared.isForStranger);
+        EXPECT_TRUE(FileCanExists(path("new")));
+    }
+}
+
 TEST_F(Router, AnOldOutputIsRemovedUnlessItIsTheSource) {
     EXPECT_TRUE(RemoveOldFile(path("missing")));
     const QString source = writeFile("source.st", "text");
@@ -425,6 +480,25 @@ TEST_F(Router, AnOldOutputIsRemovedUnlessItIsTheSource) {
     EXPECT_FALSE(FileExists(path("old")));
     EXPECT_FALSE(RemoveOldFile(source));
     EXPECT_EQ(ContentOf(source), "text");
+}
+
+TEST_F(Router, AFileIsKnownByItsNumberAndItsDevice) {
+    const QByteArray name = QFile::encodeName(writeFile("file", "text"));
+    ASSERT_TRUE(QFile::link(path("file"), path("link")));
+    struct stat status = {};
+    ASSERT_EQ(stat(name, &status), 0);
+    const FileId id = {status.st_dev, status.st_ino};
+    EXPECT_TRUE(id.isAt(name));
+    EXPECT_TRUE(id.isItselfAt(name));
+    EXPECT_TRUE(id.isAt(QFile::encodeName(path("link"))));
+    EXPECT_FALSE(id.isItselfAt(QFile::encodeName(path("link"))));
+    for (const FileId other : {FileId{id.device + 1, id.number}, {id.device, id.number + 1}}) {
+        EXPECT_FALSE(other.isAt(name));
+        EXPECT_FALSE(other.isItselfAt(name));
+    }
+    const QByteArray missing = QFile::encodeName(path("missing"));
+    EXPECT_FALSE(FileId().isAt(missing));
+    EXPECT_FALSE(FileId().isItselfAt(missing));
 }
 
 TEST_F(Router, TheCodeFileHasItsNameWhenItIsWhole) {
@@ -585,6 +659,19 @@ TEST_F(Source, TheSourceIsKnownByWhateverName) {
     EXPECT_TRUE(IsInputCodeFile(path("./file")));
     EXPECT_FALSE(IsInputCodeFile(writeFile("other", "a")));
     EXPECT_FALSE(IsInputCodeFile(path("missing")));
+}
+
+TEST_F(Source, ASourceThatMayNotBeReadIsKnownByItsName) {
+    const QString source = writeFile("source", "text");
+    ASSERT_EQ(chmod(QFile::encodeName(source), 0), 0);
+    if (!LetStrangersInto(QFile::encodeName(path(".")))) {
+        GTEST_SKIP() << NO_STRANGER;
+    }
+    const AsStranger stranger;
+    ReadInputCodeFile(source);
+    EXPECT_FALSE(IsInputCodeFileRead());
+    EXPECT_TRUE(IsInputCodeFile(path("./source")));
+    EXPECT_FALSE(IsInputCodeFile(path("other")));
 }
 
 // What was opened counts, whatever has its name by now.
