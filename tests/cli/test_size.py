@@ -1,10 +1,12 @@
 """Large sources: each finishes, with all of its code, in memory that grows with the source."""
 
+import itertools
 import os
 import unittest
+from string import ascii_lowercase, digits
 
 from limits import IS_SANITIZED, KIB, MIB, SOURCE_SIZE_LIMIT, run_limited
-from support import CompilerTestCase
+from support import CompilerTestCase, words
 
 # What an empty compile takes, and the interpreter that runs the tests, from which it is forked.
 BASE_BYTES = 48 * MIB
@@ -148,9 +150,18 @@ class LongTexts(SizeTestCase):
         self.assertEqual((self.folder / "out").read_bytes(), without_items)
 
 
+def short_names():
+    """All names of four letters and digits, in order."""
+    known = (*words.reserved_words(), *words.types(), *words.built_ins())
+    taken = {word.lower() for word in known}
+    names = itertools.product(ascii_lowercase, *[digits + ascii_lowercase] * 3)
+    return (name for name in map("".join, names) if name not in taken)
+
+
 class Symbols(SizeTestCase):
     FUNCTIONS = 100_000
     VARIABLES = 100_000
+    SHORT_LABELS = 400_000
 
     def test_functions(self):
         definitions = (b"FUNCTION f%d:INT END_FUNCTION\n" % i for i in range(self.FUNCTIONS))
@@ -186,6 +197,15 @@ class Symbols(SizeTestCase):
         code = (self.folder / "out").read_bytes()
         self.assertEqual(code.count(b" JMP W"), count)
         self.assertTrue(code.endswith(b" W%d: RET " % (count - 1)), code[-100:])
+
+    def test_labels_of_few_letters(self):
+        # No other source takes so much memory for each of its bytes.
+        names = itertools.islice(short_names(), self.SHORT_LABELS)
+        labels = "".join(f"{name}:" for name in names).encode()
+        self.assertEqual(len(labels), 5 * self.SHORT_LABELS)
+        self.assert_compiled(self.compile(program(labels)), 256, self.SHORT_LABELS)
+        items = labels.upper().replace(b":", b": ")
+        self.assertTrue((self.folder / "out").read_bytes().endswith(items + b"RET "))
 
 
 class Comments(SizeTestCase):
