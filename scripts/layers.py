@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that the units of the compiler use each other in one direction.
+"""Checks that the units of the compiler, and those of the desk, use each other in one direction.
 
     layers.py [--objects BUILD] [--metrics]
 
@@ -20,8 +20,9 @@ time optimisation, best an unoptimised one, which inlines nothing. Calls of func
 unit that defines them; variables that the shared header declares count for that.
 
 Units that depend on each other in a circle are a fault, except for the pairs that are allowed
-below, and so is an allowed pair that is no circle. Without a fault the units are shown in their
-layers, each with those below it that it depends on. --metrics shows the lengths of the functions
+below, and so is an allowed pair that is no circle. Where the folders of a tree are layers, a unit
+may depend on those of its own folder and of the folders below it. Without a fault the units are
+shown in their layers, each with those below it that it depends on. --metrics shows the lengths of the functions
 instead: from the line of the signature to that of the closing brace, without members that are
 defined within their classes.
 """
@@ -53,6 +54,7 @@ class Tree(NamedTuple):
     unit_of: Callable  # the unit of a file, whose path is relative to the folder
     pairs: dict  # the units that may depend on each other, with the reason
     shared: str = ""  # the unit whose header declares what other units define
+    folders: tuple = ()  # those that are layers, from the ground up; "" is that of the tree
 
 
 TREES = [
@@ -64,6 +66,12 @@ TREES = [
             ("qyx_arithmetic", "qyx_functions"): "expressions hold calls, calls hold expressions",
         },
         shared="qyx_globals",
+    ),
+    Tree(
+        ROOT / "desk",
+        unit_of=lambda path: path.with_suffix("").as_posix(),
+        pairs={},
+        folders=("facts", "check", "reports", ""),
     ),
 ]
 
@@ -408,6 +416,23 @@ def pair_faults(graph, pairs):
             yield f"{names} may depend on each other ({reason}), but do not: take the pair out"
 
 
+def folder_of(unit):
+    return unit.rpartition("/")[0]
+
+
+def folder_faults(graph, folders):
+    """Units in folders that are no layers, and dependencies on a folder above."""
+    heights = {folder: height for height, folder in enumerate(folders)}
+    for unit in sorted(graph.nexts) if folders else ():
+        if folder_of(unit) not in heights:
+            yield f"{unit} lies in no folder that is a layer: {', '.join(filter(None, folders))}"
+    for edge in graph.edges():
+        lower, upper = (heights.get(folder_of(unit), 0) for unit in edge)
+        if lower < upper:
+            yield f"{edge[0]} depends on a folder above its own"
+            yield from shown_edges(graph, edge)
+
+
 # ---------------------------------------------------------------------------------------------
 # What is shown
 # ---------------------------------------------------------------------------------------------
@@ -489,7 +514,11 @@ def check(tree, build=None):
     graph = graph_of(tree, files)
     if build:
         add_calls(graph, tree, files, build)
-    return graph, [*circle_faults(graph, tree.pairs), *pair_faults(graph, tree.pairs)]
+    return graph, [
+        *circle_faults(graph, tree.pairs),
+        *pair_faults(graph, tree.pairs),
+        *folder_faults(graph, tree.folders),
+    ]
 
 
 def run(tree, arguments):

@@ -1,4 +1,4 @@
-"""The units of the compiler depend on each other in one direction, and a circle is found."""
+"""The units of compiler and desk depend on each other in one direction, and a circle is found."""
 
 import contextlib
 import io
@@ -25,19 +25,22 @@ def run_script(*arguments):
     )
 
 
-class Compiler(unittest.TestCase):
+class Project(unittest.TestCase):
     def test_its_units_are_in_layers(self):
         result = run_script()
         self.assertEqual((result.returncode, result.stderr), (0, ""))
-        title, ground, *_, top = result.stdout.splitlines()
+        compiler, _, desk = result.stdout.partition("desk\n")
+        title, ground, *_, top = compiler.splitlines()
         self.assertEqual(title, "qyx_st_cmp")
         self.assertNotIn("->", ground)
         self.assertRegex(top, r"^ *\d+  main -> ")
+        self.assertNotIn("->", desk.splitlines()[0])
 
     def test_metrics(self):
         result = run_script("--metrics")
         self.assertEqual((result.returncode, result.stderr), (0, ""))
-        self.assertRegex(result.stdout.splitlines()[-1], r"^qyx_st_cmp +\d{3,} ")
+        self.assertRegex(result.stdout, r"(?m)^qyx_st_cmp +\d{3,} ")
+        self.assertRegex(result.stdout.splitlines()[-1], r"^desk +\d{2,} ")
 
     def test_folder_that_is_no_build(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -70,12 +73,13 @@ class TreeTestCase(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name) / "toy"
 
-    def tree(self, files, pairs=(), unit_of=lambda path: path.stem, shared=""):
+    def tree(self, files, pairs=(), unit_of=lambda path: path.stem, shared="", folders=()):
         for name, text in files.items():
             path = self.folder / name
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_text(text)
-        return layers.Tree(self.folder, unit_of, {pair: "both need it" for pair in pairs}, shared)
+        reasons = {pair: "both need it" for pair in pairs}
+        return layers.Tree(self.folder, unit_of, reasons, shared, folders)
 
     def edges(self, files, **options):
         graph, _ = layers.check(self.tree(files, **options))
@@ -199,6 +203,60 @@ class Pairs(TreeTestCase):
                 self.assertEqual(
                     self.faults(GOOD, pairs=[pair]), [expected.format(" and ".join(pair))]
                 )
+
+
+def by_folders(path):
+    return path.with_suffix("").as_posix()
+
+
+FOLDERS = {
+    "low/a.h": "int A();\n",
+    "low/a.cpp": '#include "low/a.h"\nint A() { return 1; }\n',
+    "low/b.cpp": '#include "low/a.h"\nint b = A();\n',
+    "high/a.h": "int HighA();\n",
+    "high/a.cpp": '#include "high/a.h"\n#include "low/a.h"\nint HighA() { return A(); }\n',
+    "main.h": "int Main();\n",
+    "main.cpp": '#include "main.h"\n#include "high/a.h"\nint Main() { return HighA(); }\n',
+}
+
+
+class Folders(TreeTestCase):
+    """Folders that are layers, with units of one name in several of them."""
+
+    def faults_with(self, name, text):
+        """Those of the folders when this file is added or changed."""
+        files = {**FOLDERS, name: text}
+        return self.faults(files, unit_of=by_folders, folders=("low", "high", ""))
+
+    def test_good_folders_pass(self):
+        self.assertEqual(self.faults_with("high/b.cpp", '#include "low/a.h"\n'), [])
+
+    def test_include_of_a_folder_above_fails(self):
+        for unit, header in (("low/c", "high/a"), ("low/c", "main"), ("high/c", "main")):
+            with self.subTest(unit=unit, header=header):
+                expected = [
+                    f"{unit} depends on a folder above its own",
+                    f"    {unit} -> {header}: {unit}.cpp:1 includes {header}.h",
+                ]
+                found = self.faults_with(f"{unit}.cpp", f'#include "{header}.h"\n')
+                self.assertEqual(found, expected)
+                (self.folder / f"{unit}.cpp").unlink()
+
+    def test_use_of_a_folder_above_fails(self):
+        found = self.faults_with("low/c.cpp", "int HighA();\nint c = HighA();\n")
+        self.assertIn("    low/c -> high/a: low/c.cpp:1 uses HighA", found)
+
+    def test_circle_of_folders_fails(self):
+        found = self.faults_with("low/a.h", '#include "high/a.h"\nint A();\n')
+        self.assertIn("  high/a -> low/a -> high/a", found)
+        self.assertIn("low/a depends on a folder above its own", found)
+
+    def test_folder_that_is_no_layer_fails(self):
+        for name in ("other/c.cpp", "low/inner/c.cpp"):
+            with self.subTest(name=name):
+                expected = "lies in no folder that is a layer: low, high"
+                self.assertEqual(self.faults_with(name, ""), [f"{name[:-4]} {expected}"])
+                (self.folder / name).unlink()
 
 
 class Uses(TreeTestCase):
