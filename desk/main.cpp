@@ -19,6 +19,7 @@ struct Subcommand {
 constexpr Subcommand SUBCOMMANDS[] = {
     {"check", "Show all errors and warnings of scripts", DeclareCheck},
     {"facts", "Show what the compiler tells about a script, as JSON", DeclareFacts},
+    {"explain", "Explain a message", DeclareExplain},
 };
 
 // The language has a version, which the banner tells, and the programs have theirs.

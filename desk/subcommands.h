@@ -12,4 +12,5 @@ using Runner = std::function<Status()>;
 
 // Each declares its arguments and options and returns what is to be done with them.
 Runner DeclareCheck(CLI::App& command);
+Runner DeclareExplain(CLI::App& command);
 Runner DeclareFacts(CLI::App& command);
