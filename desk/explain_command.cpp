@@ -17,8 +17,13 @@ const QString FRAME_NOTE =
 
 struct Arguments {
     std::vector<std::string> words;
-    ColorWish colors = ColorWish::Auto;
+    std::string colors = "auto";
 };
+
+ColorWish WishOf(const std::string& word) {
+    const ColorWish forced = word == "always" ? ColorWish::Always : ColorWish::Never;
+    return word == "auto" ? ColorWish::Auto : forced;
+}
 
 // The width of the terminal that standard output is, else the usual one.
 int TextWidth() {
@@ -69,24 +74,21 @@ void PrintList(const std::vector<Entry>& entries, TextForm form) {
 }
 
 void ComplainOf(const QString& question, const QStringList& nearest) {
-    const QString way = nearest.isEmpty() ? QStringLiteral("\"yxst explain\" lists what there is")
-                                          : QStringLiteral("did you mean ") +
-                                                nearest.join(QStringLiteral(" or "));
+    const QString way = nearest.isEmpty()
+                            ? QStringLiteral("\"yxst explain\" lists what there is")
+                            : QStringLiteral("near it: ") + nearest.join(QStringLiteral(", "));
     Complain(QStringLiteral("nothing is known about \"%1\"; %2").arg(question, way));
 }
 
-Status RunExplain(const Arguments& arguments) {
-    const TextForm form{TextWidth(), HasColors(arguments.colors, STDOUT_FILENO)};
-    const std::vector<Entry> entries = EntriesOfManual();
-    if (arguments.words.empty()) {
-        PrintList(entries, form);
-        return STATUS_FINE;
+QString Joined(const std::vector<std::string>& words) {
+    QStringList texts;
+    for (const std::string& word : words) {
+        texts.append(QString::fromStdString(word));
     }
-    QStringList words;
-    for (const std::string& word : arguments.words) {
-        words.append(QString::fromStdString(word));
-    }
-    const QString question = words.join(' ');
+    return texts.join(' ');
+}
+
+Status Answer(const std::vector<Entry>& entries, const QString& question, TextForm form) {
     const std::vector<Entry> found = FindEntries(entries, question);
     if (found.empty()) {
         ComplainOf(question, NearestIds(entries, question));
@@ -96,16 +98,26 @@ Status RunExplain(const Arguments& arguments) {
     return STATUS_FINE;
 }
 
+Status RunExplain(const Arguments& arguments) {
+    const TextForm form{TextWidth(), HasColors(WishOf(arguments.colors), STDOUT_FILENO)};
+    const std::vector<Entry> entries = EntriesOfManual();
+    if (!arguments.words.empty()) {
+        return Answer(entries, Joined(arguments.words), form);
+    }
+    PrintList(entries, form);
+    return STATUS_FINE;
+}
+
 }  // namespace
 
 Runner DeclareExplain(CLI::App& command) {
     const auto arguments = std::make_shared<Arguments>();
-    command.add_option("MESSAGE", arguments->words,
-                       "The identifier, the text or a part of it; none lists all messages");
-    const std::map<std::string, ColorWish> wishes = {
-        {"auto", ColorWish::Auto}, {"always", ColorWish::Always}, {"never", ColorWish::Never}};
+    command
+        .add_option("MESSAGE", arguments->words,
+                    "The identifier, the text or a part of it; none lists all messages")
+        ->option_text(" ");
     command.add_option("--color", arguments->colors, "auto, always or never")
         ->option_text("WHEN")
-        ->transform(CLI::Transformer(wishes));
+        ->check(CLI::IsMember({"auto", "always", "never"}));
     return [arguments] { return RunExplain(*arguments); };
 }

@@ -31,8 +31,10 @@ QString Bold(const QString& text) {
     return words.join(' ');
 }
 
+// Bold words of a line that follow each other become one piece.
 QString WithEscapes(QString text) {
-    return text.replace(BOLD_BEGIN, QLatin1String("\033[1m"))
+    return text.replace(QString(BOLD_END) + ' ' + BOLD_BEGIN, QStringLiteral(" "))
+        .replace(BOLD_BEGIN, QLatin1String("\033[1m"))
         .replace(BOLD_END, QLatin1String("\033[0m"));
 }
 

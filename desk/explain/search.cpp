@@ -187,6 +187,9 @@ std::vector<Entry> FindEntries(const std::vector<Entry>& entries, const QString&
 
 QStringList NearestIds(const std::vector<Entry>& entries, const QString& question) {
     const QString asked = AsId(question.trimmed());
+    if (asked.isEmpty()) {
+        return {};
+    }
     std::vector<std::pair<int, QString>> near;
     for (const Entry& entry : entries) {
         for (const QString& id : entry.ids) {
