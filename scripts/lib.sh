@@ -4,7 +4,8 @@ root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
 build=$root/build
 
 build_packages=(g++ cmake ninja-build qtbase5-dev libcli11-dev)
-test_packages=("${build_packages[@]}" libgtest-dev libgmock-dev python3)
+manual_packages=(python3 pandoc libjs-lunr)
+test_packages=("${build_packages[@]}" "${manual_packages[@]}" libgtest-dev libgmock-dev)
 
 # Standard output belongs to the program that a script runs, so the scripts speak here.
 say() { printf '%s: %s\n' "${0##*/}" "$*" >&2; }
