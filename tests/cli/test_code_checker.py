@@ -157,6 +157,19 @@ class Checker(unittest.TestCase):
     def test_sound_code(self):
         self.assertEqual(check(code_of(GOOD)), [])
 
+    def test_a_users_label_spelled_like_a_generated_one(self):
+        source = """PROGRAM P
+VAR
+  i : INT;
+END_VAR
+  FOR i := i TO 3 DO END_FOR; l2: i := i + 1;
+END_PROGRAM
+"""
+        code = compile_source(source.encode()).files["out"].decode()
+        self.assertEqual(code.count("L2: "), 2)
+        self.assertEqual(check(code, {"L2"}), [])
+        self.assertIn("label L2 is defined 2 times", check(code))
+
     def test_items(self):
         items = re.split("[|\n]", GOOD.strip("\n"))
         self.assertEqual(break_into_items(code_of(GOOD)), items)
