@@ -5,7 +5,8 @@
 
 Each change (a mutant) is built and tested in a copy of the work tree outside of it. A mutant on
 which some test fails is killed; one that passes them all survives, and shows either a case that
-the tests lack or a change that nothing can show. A test far beyond its usual time fails.
+the tests lack or a change that nothing can show. A test fails that takes far more than its usual
+processor time, whatever else the machine does, or that waits for long without using any.
 
 The tests are those of CTest but for the ones labelled slow. Those that fail without any change
 are left out, with a notice. The mutants depend on the seed and the sources alone.
@@ -414,8 +415,14 @@ def choose_mutants(folder, count, seed):
 # Building and testing
 # ---------------------------------------------------------------------------------------------
 
+# Of the processor.
 BUILD_SECONDS = 600
 UNMUTATED_SECONDS = 300  # what a test may take when nothing is changed
+
+WAITING_SECONDS = 120  # after which a test without processor time counts as one that hangs
+LOOK_SECONDS = 1  # from one look at the processor time to the next
+POLL_SECONDS = 0.02
+
 MEMORY_LIMIT = 4 << 30
 FILE_SIZE_LIMIT = 1 << 30
 
@@ -439,6 +446,55 @@ def copy_work_tree(to):
         if (ROOT / name).is_file():
             (to / name).parent.mkdir(parents=True, exist_ok=True)
             shutil.copy(ROOT / name, to / name)
+
+
+def processor_seconds(session):
+    """Of all processes of the session, and of those that they have waited for."""
+    ticks = 0
+    for path in Path("/proc").glob("[0-9]*/stat"):
+        try:
+            fields = path.read_text().rpartition(")")[2].split()
+        except OSError:  # it has just ended
+            continue
+        if int(fields[3]) == session:
+            ticks += sum(map(int, fields[11:15]))
+    return ticks / os.sysconf("SC_CLK_TCK")
+
+
+class Run(NamedTuple):
+    status: int
+    seconds: float  # of the processor
+
+
+class Watch:
+    """Waits for a process with a session of its own and ends it when it takes too much."""
+
+    def __init__(self, process, limit):
+        self.process = process
+        self.limit = limit
+        self.used = 0
+        self.progress = self.next_look = time.monotonic()
+
+    def run(self):
+        while True:
+            pid, status, usage = os.wait4(self.process.pid, os.WNOHANG)
+            if pid != 0:
+                self.process.returncode = os.waitstatus_to_exitcode(status)
+                return Run(self.process.returncode, usage.ru_utime + usage.ru_stime)
+            if time.monotonic() >= self.next_look and self.takes_too_much():
+                os.killpg(self.process.pid, signal.SIGKILL)
+                self.process.wait()
+                return Run(TIMED_OUT, self.used)
+            time.sleep(POLL_SECONDS)
+
+    def takes_too_much(self):
+        """Looks at the processor time."""
+        now = time.monotonic()
+        self.next_look = now + LOOK_SECONDS
+        used = processor_seconds(self.process.pid)
+        if used > self.used:
+            self.used, self.progress = used, now
+        return used > self.limit or now - self.progress > WAITING_SECONDS
 
 
 class Test(NamedTuple):
@@ -469,21 +525,23 @@ class Worker:
         self.tests = {test.name: test for test in self.find_tests()}
 
     def run(self, command, seconds, environment=None):
-        """The exit status, TIMED_OUT after that time; all that it started ends with it."""
+        """A run that may take that many seconds of the processor."""
         self.scratch.mkdir(exist_ok=True)
-        process = subprocess.run(
-            ["timeout", "--signal=KILL", str(seconds), *command],
+        process = subprocess.Popen(
+            command,
             cwd=self.build_folder,
             env={**os.environ, "TMPDIR": str(self.scratch), **(environment or {})},
             stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL,
             stderr=subprocess.DEVNULL,
+            start_new_session=True,
         )
+        run = Watch(process, seconds).run()
         shutil.rmtree(self.scratch, ignore_errors=True)
-        return process.returncode
+        return run
 
     def build(self, target):
-        return self.run(["ninja", "-j1", target], BUILD_SECONDS) == 0
+        return self.run(["ninja", "-j1", target], BUILD_SECONDS).status == 0
 
     def find_tests(self):
         """All tests that can be run, those of the unit tests' program as a single one."""
@@ -501,7 +559,7 @@ class Worker:
     def run_test(self, name, seconds):
         test = self.tests[name]
         if test.is_unit() and not self.build(UNIT_TARGET):
-            return NOT_BUILT
+            return Run(NOT_BUILT, 0)
         return self.run(test.command, seconds, test.environment)
 
     def judge(self, mutant, suite):
@@ -512,7 +570,7 @@ class Worker:
             if not self.build(COMPILER_TARGET):
                 return "not compiled", ""
             for name in suite.in_order(mutant.source.name):
-                status = self.run_test(name, suite.limit(name))
+                status = self.run_test(name, suite.limit(name)).status
                 if status != 0:
                     suite.kills[mutant.source.name, name] += 1
                     return "killed", f"{name} (timed out)" if status == TIMED_OUT else name
@@ -526,17 +584,18 @@ class Suite:
 
     def __init__(self, worker):
         self.kills = Counter()  # by file and test
-        self.seconds = {}
+        self.seconds = {}  # of the processor
         for name in worker.tests:
-            begin = time.monotonic()
-            if worker.run_test(name, UNMUTATED_SECONDS) == 0:
-                self.seconds[name] = time.monotonic() - begin
+            run = worker.run_test(name, UNMUTATED_SECONDS)
+            if run.status == 0:
+                self.seconds[name] = run.seconds
             else:
                 print(f"{name} fails without a change and is left out", flush=True)
         if "unit" not in worker.tests:
             print("the unit tests do not build and are left out", flush=True)
         total = sum(self.seconds.values())
-        print(f"{len(self.seconds)} tests pass without a change, in {total:.0f} s", flush=True)
+        passed = f"{len(self.seconds)} tests pass without a change"
+        print(f"{passed}, in {total:.0f} s of the processor", flush=True)
 
     def in_order(self, file):
         """First what is quick and has killed mutants of that file."""
