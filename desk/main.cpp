@@ -3,10 +3,15 @@
 #include "qyx_messages.h"
 #include "subcommands.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <iterator>
 #include <map>
+#include <new>
+#include <stdexcept>
 
 namespace {
 
@@ -31,9 +36,21 @@ std::string Version() {
            TXT_TRADEMARK.data();
 }
 
-// Standard output whose reader has left shows as a failed write, and a child that has as its end.
+// What is opened later must not take the place of a standard stream that is closed, and what goes
+// to one that is closed must fail.
+void OccupyClosedStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
+// Standard output whose reader has left, or that has reached its limit, shows as a failed write.
 void PrepareProcess() {
+    OccupyClosedStreams();
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 Status Run(int argc, char** argv) {
@@ -53,9 +70,20 @@ Status Run(int argc, char** argv) {
     return runners[app.get_subcommands().front()]();
 }
 
+int FailWithoutMemory() {
+    std::fputs("yxst: out of memory.\n", stderr);
+    return STATUS_FAILED;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     PrepareProcess();
-    return FinishOutput(Run(argc, argv));
+    try {
+        return FinishOutput(Run(argc, argv));
+    } catch (const std::bad_alloc&) {
+        return FailWithoutMemory();
+    } catch (const std::length_error&) {
+        return FailWithoutMemory();
+    }
 }

@@ -81,10 +81,6 @@ struct stat StatusOf(int file) {
 }
 #endif
 
-// The largest source, in bytes: whatever part of it is converted must fit a QByteArray, three
-// bytes for a character.
-constexpr qint64 MAX_SOURCE_SIZE = 700'000'000;
-
 // The least room for bytes that are read, and how it grows where a file is larger than it tells.
 constexpr qint64 READ_BLOCK_SIZE = 4096;
 constexpr qint64 READ_GROWTH = 2;

@@ -120,6 +120,10 @@ bool RemoveOldFile(const QString& name);
 // Reads the whole source, unless it cannot be read. The file is judged by what was opened.
 void ReadInputCodeFile(const QString& name);
 
+// The largest source, in bytes: whatever part of it is converted must fit a QByteArray, three
+// bytes for a character.
+constexpr qint64 MAX_SOURCE_SIZE = 700'000'000;
+
 // The text of a source of these bytes. Carriage returns are dropped, as text mode has it; a byte
 // order mark is skipped.
 QString SourceText(QByteArray bytes);

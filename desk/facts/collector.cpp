@@ -45,9 +45,23 @@ Span Collector::lastSpanOf(const Identity* identity) const {
 // Tokens
 // ---------------------------------------------------------------------------------------------
 
+namespace {
+
+// The compiler keeps the code of the token before it where it reads a type.
+Token CodeOfCurrent() {
+    if (TokenSpelling == nullptr || TokenChar == TOKEN_FUNCTION ||
+        TokenChar == TOKEN_FUNCTION_BLOCK) {
+        return TokenChar;
+    }
+    const int row = TokenSpelling->row;
+    return row == NO_ROW ? TOKEN_IDENTIFIER : TokensTable[row].code;
+}
+
+}  // namespace
+
 void Collector::token() {
     const Span span = {offsetOf(TokenPosBeg), endOfRead()};
-    facts_.tokens.push_back({span, TokenChar, CurrentToken.type});
+    facts_.tokens.push_back({span, CodeOfCurrent(), CurrentToken.type});
     identities_.push_back(TokenSpelling == nullptr ? nullptr : TokenSpelling->identity);
 }
 
@@ -113,8 +127,10 @@ void Collector::nameUsed(NameUse use, const Spelling& spelling) {
 }
 
 void Collector::labelDefined(const LabelItem& label) {
-    const int name = labelOf(label);
-    facts_.names[static_cast<std::size_t>(name)].span = (facts_.tokens.end() - 2)->span;
+    const int index = labelOf(label);
+    NameFact& name = facts_.names[static_cast<std::size_t>(index)];
+    name.span = (facts_.tokens.end() - 2)->span;
+    name.text = addText(source_.text(name.span));
 }
 
 void Collector::labelUsed(const LabelItem& label) {

@@ -17,7 +17,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <memory>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -32,7 +31,7 @@ namespace {
 // The child
 // ---------------------------------------------------------------------------------------------
 
-constexpr int SUCCESS = 0;
+constexpr int SUCCESS = 0;  // the statuses of a child
 constexpr int WITHOUT_MEMORY = 3;
 
 [[noreturn]] void LeaveChild(int status) {
@@ -86,9 +85,15 @@ void WriteAll(int file, const QByteArray& bytes) {
     }
 }
 
-// A child does not outlive who waits for it.
-[[noreturn]] void RunChild(const Source& source, Detail detail, int file) {
+// A child does not outlive who waits for it, not even one that has ended before it could ask.
+void EndWithParent(pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) {
+        _exit(SUCCESS);
+    }
+}
+
+[[noreturn]] void RunChild(const Source& source, Detail detail, int file) {
     try {
         Facts facts = CompileHere(source);
         const bool isWanted = detail == Detail::All || !facts.messages.empty();
@@ -104,6 +109,8 @@ void WriteAll(int file, const QByteArray& bytes) {
 // ---------------------------------------------------------------------------------------------
 // The parent
 // ---------------------------------------------------------------------------------------------
+
+constexpr std::size_t PIPE_CAPACITY = std::size_t{64} * 1024;
 
 QString FailureOf(int status) {
     if (WIFSIGNALED(status)) {
@@ -123,8 +130,10 @@ CompileProcess::CompileProcess(const Source& source, Detail detail) {
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {
         return;
     }
+    const pid_t parent = getpid();
     child_ = fork();
     if (child_ == 0) {
+        EndWithParent(parent);
         RunChild(source, detail, ends[1]);
     }
     close(ends[1]);
@@ -162,13 +171,12 @@ int CompileProcess::wait() {
 }
 
 bool CompileProcess::takeSome() {
-    constexpr int blockSize = 1 << 18;
-    const std::unique_ptr<char[]> block(new char[blockSize]);
+    std::array<char, PIPE_CAPACITY> block;
     ssize_t count = 0;
     do {
-        count = read(pipe_, block.get(), blockSize);
+        count = read(pipe_, block.data(), block.size());
     } while (count < 0 && errno == EINTR);
-    received_.append(block.get(), static_cast<int>(std::max<ssize_t>(count, 0)));
+    received_.append(block.data(), static_cast<int>(std::max<ssize_t>(count, 0)));
     return count > 0;
 }
 

@@ -30,7 +30,7 @@ struct CommentFact {
 
 // A definition or the program, from its keyword to its END_ word.
 struct UnitFact {
-    Span span;   // up to where the compiler came, if it has not ended
+    Span span;   // of its keyword alone, if it has not ended
     Token kind;  // TOKEN_FUNCTION, TOKEN_FUNCTION_BLOCK or TOKEN_PROGRAM
     int name;    // index of its name, NONE before it has one
     bool isEnded;

@@ -5,10 +5,13 @@
 #include <QDirIterator>
 #include <QFileInfo>
 
+#include <unistd.h>
+
 #include <algorithm>
-#include <cstdio>
 
 namespace {
+
+constexpr qint64 BLOCK_SIZE = 1 << 16;
 
 // The compiler takes names as the bytes that the user gave, each of them one character.
 QString CompilersName(const QString& path) {
@@ -17,10 +20,18 @@ QString CompilersName(const QString& path) {
 
 Input ReadStandardInput() {
     QFile input;
-    if (!input.open(stdin, QIODevice::ReadOnly)) {
-        return {std::nullopt, QStringLiteral("standard input cannot be read")};
+    QByteArray bytes;
+    QByteArray block;
+    if (input.open(STDIN_FILENO, QIODevice::ReadOnly)) {
+        do {
+            block = input.read(BLOCK_SIZE);
+            bytes.append(block);
+        } while (!block.isEmpty() && bytes.size() <= MAX_SOURCE_SIZE);
     }
-    return {Source(QStringLiteral("<stdin>"), SourceText(input.readAll())), QString()};
+    if (input.error() != QFileDevice::NoError || bytes.size() > MAX_SOURCE_SIZE) {
+        return {std::nullopt, QStringLiteral("standard input cannot be read whole")};
+    }
+    return {Source(QStringLiteral("<stdin>"), SourceText(bytes)), QString()};
 }
 
 QString WhyUnreadable(const QString& path) {

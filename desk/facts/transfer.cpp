@@ -1,9 +1,13 @@
 #include "facts/transfer.h"
 
 #include <cstring>
+#include <limits>
+#include <stdexcept>
 #include <type_traits>
 
 namespace {
+
+constexpr int HEADER_SIZE = 64;  // what Qt takes of the size of a text for itself, and more
 
 // Both directions go through the same list of fields, so they cannot differ.
 template <typename Archive, typename AnyFacts>
@@ -51,8 +55,11 @@ private:
     }
     template <typename Element>
     void append(const Element* elements, int count) {
-        bytes.append(reinterpret_cast<const char*>(elements),
-                     count * static_cast<int>(sizeof(Element)));
+        const qint64 size = qint64{count} * qint64{sizeof(Element)};
+        if (bytes.size() + size > std::numeric_limits<int>::max() - HEADER_SIZE) {
+            throw std::length_error("facts");
+        }
+        bytes.append(reinterpret_cast<const char*>(elements), static_cast<int>(size));
     }
 };
 

@@ -7,6 +7,7 @@
 
 #include <optional>
 
+// Throws std::length_error where facts are more than a QByteArray can hold.
 QByteArray BytesOf(const Facts& facts);
 
 // The facts again; nothing if the bytes are not those of whole facts.

@@ -36,6 +36,24 @@ std::string_view TextOfToken(Token code) {
     }
 }
 
+bool HasText(QStringView text, std::string_view upper) {
+    return text.compare(QLatin1String(upper.data(), static_cast<int>(upper.size())),
+                        Qt::CaseInsensitive) == 0;
+}
+
+// A name that the compiler knows as that of a definition has the code of the definition's
+// keyword.
+std::string_view TextOfCode(Token code, QStringView text) {
+    const std::string_view keyword = TextOfToken(code);
+    if (code == TOKEN_FUNCTION && !HasText(text, keyword)) {
+        return NAME_KINDS[static_cast<std::size_t>(NameKind::Function)];
+    }
+    if (code == TOKEN_FUNCTION_BLOCK && !HasText(text, keyword)) {
+        return NAME_KINDS[static_cast<std::size_t>(NameKind::FunctionBlock)];
+    }
+    return keyword;
+}
+
 // One list of facts after the other; each record is an object.
 class FactsPrinter {
 public:
@@ -147,7 +165,8 @@ private:
     }
 
     void statement(const StatementFact& fact) {
-        json_.member("kind", TextOfToken(fact.kind));
+        const Span first = TokenAt(facts_, fact.span.begin);
+        json_.member("kind", TextOfCode(fact.kind, source_.text(first)));
         json_.member("unit", fact.unit);
         reference("parent", fact.parent);
         span(fact.span);
@@ -161,8 +180,9 @@ private:
     }
 
     void token(const TokenFact& fact) {
-        json_.member("code", TextOfToken(fact.code));
-        json_.member("text", source_.text(fact.span));
+        const QStringView text = source_.text(fact.span);
+        json_.member("code", TextOfCode(fact.code, text));
+        json_.member("text", text);
         type(fact.type);
         span(fact.span);
     }

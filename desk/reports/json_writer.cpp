@@ -30,6 +30,23 @@ void AppendEscaped(std::string& text, char c) {
     text.push_back(digits[code & mask]);
 }
 
+bool IsPair(QStringView text, qsizetype at) {
+    return at + 1 < text.size() && text[at].isHighSurrogate() && text[at + 1].isLowSurrogate();
+}
+
+// A surrogate without its other half, which no UTF-8 has, becomes a replacement character.
+QByteArray Utf8Of(QStringView text) {
+    QString whole = text.toString();
+    for (int at = 0; at < whole.size(); ++at) {
+        if (IsPair(whole, at)) {
+            ++at;
+        } else if (whole.at(at).isSurrogate()) {
+            whole[at] = QChar::ReplacementCharacter;
+        }
+    }
+    return whole.toUtf8();
+}
+
 }  // namespace
 
 JsonWriter::~JsonWriter() {
@@ -114,16 +131,15 @@ void JsonWriter::value(std::string_view utf8) {
     string(utf8);
 }
 
-// A lone surrogate, which no UTF-8 has, becomes a replacement character.
 void JsonWriter::value(QStringView text) {
-    const QByteArray utf8 = text.toUtf8();
+    const QByteArray utf8 = Utf8Of(text);
     value(std::string_view(utf8.constData(), static_cast<std::size_t>(utf8.size())));
 }
 
 void JsonWriter::value(int number) {
     constexpr std::size_t longest = 12;
     std::array<char, longest> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
     beginValue();
     text_.append(digits.data(), end);
 }

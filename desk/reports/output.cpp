@@ -1,15 +1,16 @@
 #include "reports/output.h"
 
+#include <poll.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
 void Print(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    if (std::ferror(stdout) == 0) {
+        std::fwrite(text.data(), 1, text.size(), stdout);
+    }
 }
 
 void Print(const QString& text) {
@@ -20,13 +21,21 @@ void Complain(const QString& text) {
     std::fputs(("yxst: " + text.toStdString() + ".\n").c_str(), stderr);
 }
 
-// The reason of a failure is that of the write that failed last.
+namespace {
+
+bool HasReaderLeft() {
+    pollfd output = {STDOUT_FILENO, 0, 0};
+    return poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0;
+}
+
+}  // namespace
+
 Status FinishOutput(Status status) {
     const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
     if (isWritten) {
         return status;
     }
-    if (errno != EPIPE) {
+    if (!HasReaderLeft()) {
         Complain(QStringLiteral("standard output cannot be written"));
     }
     return STATUS_FAILED;

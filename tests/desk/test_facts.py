@@ -1,0 +1,274 @@
+"""What `yxst facts` tells agrees with the compiler, over all golden cases and examples."""
+
+import unittest
+from typing import NamedTuple
+
+from support_desk import FINE, NOT_FINE, ROOT, facts_of
+
+from cases import all_cases  # isort: skip: found by support_desk
+from support import compile_source, diagnostics_in, side_by_side  # isort: skip
+
+WHITE = " \t\n"
+END_OF_INPUT = "\uffff"  # counts as such wherever it stands
+
+
+class Source:
+    """A script as the compiler reads it, in UTF-16 units, with places in it."""
+
+    def __init__(self, data):
+        text = data.replace(b"\r", b"").decode("utf-8", "replace").removeprefix("\ufeff")
+        self.units = text.encode("utf-16-le")
+        self.begins = [0]
+        for index in range(len(self)):
+            if self.text(index, index + 1) == "\n":
+                self.begins.append(index + 1)
+
+    def __len__(self):
+        return len(self.units) // 2
+
+    def text(self, begin, end):
+        return self.units[2 * begin : 2 * end].decode("utf-16-le", "replace")
+
+    def offset(self, place):
+        """That of a place [line, column]; it must be one of the source."""
+        line, column = place
+        begin = self.begins[line - 1]
+        end = self.begins[line] - 1 if line < len(self.begins) else len(self)
+        if not (line >= 1 and 1 <= column <= end - begin + 1):
+            raise AssertionError(f"{place} is no place of the source")
+        return begin + column - 1
+
+
+class Subject(NamedTuple):
+    """A script, what the compiler gives for it and what the facts tell."""
+
+    name: str
+    source: Source
+    status: int
+    code: bytes  # empty after an error
+    diagnostics: list
+    facts: dict
+    facts_status: int
+
+    def begin(self, fact):
+        return self.source.offset(fact["begin"])
+
+    def end(self, fact):
+        return self.source.offset(fact["end"])
+
+    def span(self, fact):
+        return self.begin(fact), self.end(fact)
+
+    def text(self, fact):
+        return self.source.text(*self.span(fact))
+
+
+def subject_of(name, data):
+    run = compile_source(data, "-r")
+    facts, facts_status = facts_of(data)
+    diagnostics = diagnostics_in(run.files["out.res"].decode())
+    code = run.files.get("out", b"")
+    return Subject(name, Source(data), run.status, code, diagnostics, facts, facts_status)
+
+
+def all_scripts():
+    scripts = {case.name: case.data for case in all_cases()}
+    for path in sorted((ROOT / "examples").glob("*.st")):
+        scripts[f"examples/{path.stem}"] = path.read_bytes()
+    return scripts
+
+
+subjects = []
+
+
+def setUpModule():
+    subjects.extend(side_by_side(lambda item: subject_of(*item), all_scripts().items()))
+
+
+# ---------------------------------------------------------------------------------------------
+# What must hold of every script. Each function gives what is wrong.
+# ---------------------------------------------------------------------------------------------
+
+
+def wrong_end(subject):
+    is_compiled = subject.facts["compiled"]
+    if subject.facts_status != (FINE if is_compiled else NOT_FINE):
+        yield f"status {subject.facts_status}"
+    if is_compiled != (subject.status == 0):
+        yield f"compiled is {is_compiled}, but the compiler's status {subject.status}"
+
+
+def wrong_items(subject):
+    items = "".join(f"{item['item']} " for item in subject.facts["items"]).encode()
+    if subject.code and items != subject.code:
+        yield f"the items are not the code: {items!r}"
+
+
+def place_of_message(subject, message):
+    """As the compiler gives it: the end of a line may be column 0 of the next."""
+    line, column = message["begin"]
+    if f"Line {line + 1}, Column 0:" in subject.diagnostics[-1]:
+        return line + 1, 0
+    return line, column
+
+
+def line_of(subject, message):
+    line, column = place_of_message(subject, message)
+    severity = message["severity"].capitalize()
+    return f"{severity}: Line {line}, Column {column}: {message['text']}"
+
+
+def wrong_messages(subject):
+    messages = [line_of(subject, message) for message in subject.facts["messages"]]
+    if messages != subject.diagnostics:
+        yield f"{messages} and not {subject.diagnostics}"
+
+
+def wrong_texts(subject):
+    for kind in ("tokens", "comments"):
+        for fact in subject.facts[kind]:
+            if fact["text"] != subject.text(fact):
+                yield f"{fact} and not {subject.text(fact)!r}"
+
+
+def wrong_order(subject):
+    """Tokens and comments follow each other."""
+    for kind in ("tokens", "comments"):
+        spans = [subject.span(fact) for fact in subject.facts[kind]]
+        for (begin, end), (following, _) in zip(spans, [*spans[1:], (len(subject.source),) * 2]):
+            if begin > end or end > following:
+                yield f"{kind}: {begin} to {end}, then {following}"
+
+
+def left_out(subject):
+    """The pieces of the script that are neither token nor comment, up to the end of the last."""
+    facts = subject.facts["tokens"] + subject.facts["comments"]
+    at = 0
+    for begin, end in sorted(map(subject.span, facts)):
+        yield subject.source.text(at, begin)
+        at = end
+
+
+def wrong_cover(subject):
+    """The language skips white space and repeated semicolons alone."""
+    if subject.facts["compiled"]:
+        for text in left_out(subject):
+            if text.strip(WHITE + ";"):
+                yield f"left out: {text!r}"
+        end = subject.end(subject.facts["tokens"][-1])
+        more = subject.source.text(end, len(subject.source)).strip(WHITE).partition(END_OF_INPUT)[0]
+        warnings = [message["id"] for message in subject.facts["messages"]]
+        if bool(more) != ("unexpected-data-after-end-program" in warnings):
+            yield f"after the end: {more!r}"
+
+
+def within(inner, outer):
+    return outer[0] <= inner[0] and inner[1] <= outer[1]
+
+
+def wrong_statements(subject):
+    statements = subject.facts["statements"]
+    ends = {}  # of the last statement in each statement and unit
+    for index, statement in enumerate(statements):
+        parent = statement.get("parent")
+        begin, end = subject.span(statement)
+        if parent is not None:
+            outer = statements[parent]
+            if parent >= index or outer["unit"] != statement["unit"]:
+                yield f"{statement} in {outer}"
+            if outer["ended"] and not within((begin, end), subject.span(outer)):
+                yield f"{statement} reaches out of {outer}"
+        if begin < ends.get((statement["unit"], parent), 0):
+            yield f"{statement} begins in another"
+        ends[statement["unit"], parent] = end
+        if subject.facts["compiled"] and not statement["ended"]:
+            yield f"{statement} does not end"
+
+
+def wrong_units(subject):
+    facts = subject.facts
+    for kind in ("statements", "declarations"):
+        for fact in facts[kind]:
+            unit = facts["units"][fact["unit"]]
+            if unit["ended"] and not within(subject.span(fact), subject.span(unit)):
+                yield f"{fact} reaches out of {unit}"
+    if facts["compiled"] and not all(unit["ended"] for unit in facts["units"]):
+        yield "a unit does not end"
+
+
+def wrong_declarations(subject):
+    names = subject.facts["names"]
+    for declaration in subject.facts["declarations"]:
+        if "name" in declaration and declaration["ended"]:
+            if not within(subject.span(names[declaration["name"]]), subject.span(declaration)):
+                yield f"{declaration} does not hold its name"
+    declared = [each.get("name") for each in subject.facts["declarations"]]
+    for index, name in enumerate(names):
+        is_variable = name["kind"] == "variable" and name["section"] != "RESULT"
+        if declared.count(index) != int(is_variable):
+            yield f"{name} has {declared.count(index)} declarations"
+
+
+def wrong_names(subject):
+    names = subject.facts["names"]
+    for name in names:
+        is_result = name.get("section") == "RESULT"
+        if "begin" in name and not is_result and subject.text(name) != name["name"]:
+            yield f"{name} is not {subject.text(name)!r}"
+    for use in subject.facts["uses"]:
+        if subject.text(use).upper() != names[use["name"]]["name"].upper():
+            yield f"{use} is {subject.text(use)!r}"
+
+
+NAME_CODES = ("identifier", "function", "functionBlock", "RESULT")
+
+
+def wrong_uses(subject):
+    """Every name in a statement is one use, or the definition of a label."""
+    facts = subject.facts
+    if facts["compiled"]:
+        bodies = [subject.span(each) for each in facts["statements"] if "parent" not in each]
+        tokens = [subject.span(each) for each in facts["tokens"] if each["code"] in NAME_CODES]
+        expected = [span for span in tokens if any(within(span, body) for body in bodies)]
+        labels = [each for each in facts["names"] if each["kind"] == "label" and "begin" in each]
+        if sorted(map(subject.span, facts["uses"] + labels)) != expected:
+            yield f"{facts['uses']} are not {expected}"
+
+
+def wrong_places(subject):
+    """An item is written for a place in its statement."""
+    for item in subject.facts["items"]:
+        at = subject.source.offset(item["at"])
+        if "statement" in item:
+            statement = subject.facts["statements"][item["statement"]]
+            begin, end = subject.span(statement)
+            if at < begin or statement["ended"] and at >= end:
+                yield f"{item} is not in {statement}"
+
+
+def wrong_codes(subject):
+    """A reserved word has its own text for its code, and nothing else has."""
+    for token in subject.facts["tokens"]:
+        is_own = token["code"] == token["text"].upper()
+        if is_own == (token["code"] in CLASSES):
+            yield f"{token}"
+
+
+CLASSES = ("identifier", "function", "functionBlock", "number", "string", "unknown")
+CHECKS = [
+    wrong_end, wrong_items, wrong_messages, wrong_texts, wrong_order, wrong_cover, wrong_statements,
+    wrong_units, wrong_declarations, wrong_names, wrong_uses, wrong_places, wrong_codes,
+]  # fmt: skip
+
+
+class EveryScript(unittest.TestCase):
+    def test_all(self):
+        self.assertGreater(len(subjects), 1000)
+        for check in CHECKS:
+            for subject in subjects:
+                with self.subTest(check=check.__name__, script=subject.name):
+                    self.assertEqual(list(check(subject)), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
