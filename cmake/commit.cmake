@@ -3,6 +3,8 @@
 #     cmake -DSOURCES=FOLDER -DOUTPUT=FILE -P commit.cmake
 #
 # Sources that are in no repository have none.
+
+cmake_minimum_required(VERSION 3.25)
 execute_process(COMMAND git -C "${SOURCES}" rev-parse --short=12 HEAD
     OUTPUT_VARIABLE commit OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
 if(NOT commit)
