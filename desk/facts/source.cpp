@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace {
 
@@ -15,8 +16,8 @@ std::vector<int> BeginsOfLines(const QString& text) {
 
 }  // namespace
 
-Source::Source(const QString& name, const QString& text)
-    : name_(name), text_(text), lines_(BeginsOfLines(text)) {}
+Source::Source(QString name, QString text)
+    : name_(std::move(name)), text_(std::move(text)), lines_(BeginsOfLines(text_)) {}
 
 Place Source::placeOf(int offset) const {
     const auto after = std::upper_bound(lines_.begin(), lines_.end(), offset);

@@ -26,7 +26,7 @@ class Source {
 public:
     Source() : Source(QString(), QString()) {}
     // The name is what messages call the script.
-    Source(const QString& name, const QString& text);
+    Source(QString name, QString text);
 
     const QString& name() const { return name_; }
     const QString& text() const { return text_; }

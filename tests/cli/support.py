@@ -1,6 +1,7 @@
 """Runs the compiler for the command line tests.
 
-The binary is the one that the environment variable YXSTCMP names, else build/yxstcmp.
+The binary is the one that the environment variable YXSTCMP names, else build/yxstcmp; that of the
+desk is the one that YXST names, else build/yxst.
 """
 
 import os
@@ -19,6 +20,7 @@ sys.path.insert(0, str(ROOT / "scripts"))
 import words  # noqa: E402, F401: for the tests
 
 BINARY = Path(os.environ.get("YXSTCMP", ROOT / "build" / "yxstcmp")).resolve()
+DESK = Path(os.environ.get("YXST", ROOT / "build" / "yxst")).resolve()
 TIMEOUT_SECONDS = 60
 
 BANNER = b"Ambrel Software. ST compiler version 2.00.\n"

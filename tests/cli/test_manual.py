@@ -42,6 +42,7 @@ from typing import Dict, List, NamedTuple, Optional
 from limits import IS_SANITIZED, STACK_SIZE, limit_stack
 from support import (
     BINARY,
+    DESK,
     ROOT,
     TIMEOUT_SECONDS,
     compile_source,
@@ -53,7 +54,7 @@ from support import (
 from test_catalogue import CATALOGUE, NOT_RAISED, SOURCES, texts_in, texts_in_diagnostics
 
 MANUAL = ROOT / "docs" / "manual"
-PAGES_WITH_EXAMPLES = "tutorial language target-code diagnostics surprises".split()
+PAGES_WITH_EXAMPLES = "tutorial language target-code diagnostics surprises facts".split()
 
 STATEMENTS_MARK = "(* statements *)"
 RESULT_KINDS = {"listing", "items", "code", "message"}
@@ -400,6 +401,7 @@ def check_consoles(consoles):
         folder.mkdir()
         tools.mkdir()
         (tools / "yxstcmp").symlink_to(BINARY)
+        (tools / "yxst").symlink_to(DESK)
         for console in consoles:
             complaints += check_console(console, folder, tools)
     return complaints

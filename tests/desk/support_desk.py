@@ -1,10 +1,6 @@
-"""Runs the desk's program for its tests.
-
-The binary is the one that the environment variable YXST names, else build/yxst.
-"""
+"""Runs the desk's program for its tests."""
 
 import json
-import os
 import subprocess
 import sys
 import tempfile
@@ -14,9 +10,7 @@ from typing import NamedTuple
 ROOT = Path(__file__).resolve().parents[2]
 
 sys.path[:0] = [str(ROOT / "tests/cli"), str(ROOT / "tests/golden")]
-from support import TIMEOUT_SECONDS  # noqa: E402
-
-YXST = Path(os.environ.get("YXST", ROOT / "build" / "yxst")).resolve()
+from support import DESK, TIMEOUT_SECONDS  # noqa: E402
 
 FINE, NOT_FINE, FAILED = 0, 1, 2
 
@@ -31,7 +25,7 @@ def run_yxst(*arguments, **options):
     """One run; the options are those of subprocess.run."""
     options = {"stdin": subprocess.DEVNULL, "timeout": TIMEOUT_SECONDS, **options}
     process = subprocess.run(
-        [YXST, *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options
+        [DESK, *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options
     )
     return Run(process.returncode, process.stdout, process.stderr)
 
