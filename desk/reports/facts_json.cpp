@@ -13,6 +13,8 @@ namespace {
 // Raised whenever a reader of an earlier one could misunderstand.
 constexpr int FACTS_VERSION = 1;
 
+constexpr int DEPTH_OF_FACTS = 2;  // in the lists that the outermost object holds
+
 constexpr std::string_view NAME_KINDS[] = {"variable", "function", "functionBlock", "program",
                                            "label"};
 constexpr std::string_view USE_KINDS[] = {"read", "write", "reference", "call", "goto"};
@@ -79,7 +81,7 @@ public:
 private:
     const Source& source_;
     const Facts& facts_;
-    JsonWriter json_;
+    JsonWriter json_{DEPTH_OF_FACTS};
 
     template <typename Fact>
     void list(std::string_view key, const std::vector<Fact>& facts,

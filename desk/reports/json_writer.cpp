@@ -8,7 +8,6 @@
 namespace {
 
 constexpr std::size_t BLOCK_SIZE = std::size_t{64} * 1024;
-constexpr int DEPTH_OF_LINES = 2;  // elements of what the outermost object holds
 
 // What may not stand in a string as it is.
 bool IsEscaped(char c) {
@@ -63,7 +62,7 @@ void JsonWriter::beginValue() {
         text_.push_back(',');
     }
     isFirst_ = false;
-    if (depth_ == DEPTH_OF_LINES) {
+    if (depth_ == depthOfLines_) {
         text_.push_back('\n');
     }
     if (text_.size() > BLOCK_SIZE) {

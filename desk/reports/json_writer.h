@@ -7,11 +7,12 @@
 #include <string>
 #include <string_view>
 
-// Writes to standard output, in one line for each element of the outermost arrays. Whoever calls
-// sees to it that objects and arrays are closed and that only values in objects have keys.
+// Writes to standard output, in one line for each element of the arrays at a depth: 1 is that of
+// the elements of an outermost array. Whoever calls sees to it that objects and arrays are closed
+// and that only values in objects have keys.
 class JsonWriter {
 public:
-    JsonWriter() = default;
+    explicit JsonWriter(int depthOfLines) : depthOfLines_(depthOfLines) {}
     JsonWriter(const JsonWriter&) = delete;
     JsonWriter& operator=(const JsonWriter&) = delete;
     ~JsonWriter();
@@ -34,6 +35,7 @@ public:
     }
 
 private:
+    int depthOfLines_;
     std::string text_;
     int depth_ = 0;
     bool isFirst_ = true;  // of the innermost object or array

@@ -10,8 +10,6 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <array>
-#include <cstdio>
 #include <ostream>
 #include <string>
 
@@ -19,6 +17,7 @@
 #include "qyx_globals.h"
 #include "qyx_scanner.h"
 #include "qyx_types.h"
+#include "screen_capture.h"
 
 // Brings the global state back to that of a process that has just started.
 inline void ResetCompiler() {
@@ -111,38 +110,6 @@ void ExpectFailure(const Action& action, const testing::Matcher<const std::strin
     };
     EXPECT_EXIT(run(), testing::ExitedWithCode(EXIT_FAILURE), screen);
 }
-
-// Collects what reaches standard output while it lives.
-class ScreenCapture {
-public:
-    ScreenCapture() : file_(std::tmpfile()), standardOutput_(dup(STDOUT_FILENO)) {
-        std::fflush(stdout);
-        dup2(fileno(file_), STDOUT_FILENO);
-    }
-    ~ScreenCapture() {
-        std::fflush(stdout);
-        dup2(standardOutput_, STDOUT_FILENO);
-        close(standardOutput_);
-        std::fclose(file_);
-    }
-    ScreenCapture(const ScreenCapture&) = delete;
-    ScreenCapture& operator=(const ScreenCapture&) = delete;
-
-    std::string text() {
-        std::fflush(stdout);
-        std::rewind(file_);
-        std::string all;
-        std::array<char, 4096> block = {};
-        while (const std::size_t count = std::fread(block.data(), 1, block.size(), file_)) {
-            all.append(block.data(), count);
-        }
-        return all;
-    }
-
-private:
-    std::FILE* file_;
-    int standardOutput_;
-};
 
 // Each test starts with a compiler in its initial state and leaves one.
 class CompilerTest : public testing::Test {

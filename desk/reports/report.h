@@ -1,0 +1,48 @@
+// Diagnostics as a person, an editor or a server wants them. Files are reported one by one, in
+// their order, and none is kept.
+#pragma once
+
+#include "check/diagnostic.h"
+
+#include <memory>
+#include <utility>
+
+enum class ReportFormat : unsigned char { Human, Gcc, Json, Sarif, Github };
+
+// The formats by the names that the user knows them by.
+inline constexpr std::pair<const char*, ReportFormat> REPORT_FORMATS[] = {
+    {"human", ReportFormat::Human},   {"gcc", ReportFormat::Gcc},
+    {"json", ReportFormat::Json},     {"sarif", ReportFormat::Sarif},
+    {"github", ReportFormat::Github},
+};
+
+struct ReportOptions {
+    ReportFormat format = ReportFormat::Human;
+    bool hasColors = false;  // for the format that knows any, Human
+    bool isQuiet = false;    // no summary
+};
+
+// What was found in all files. Notes do not count.
+struct Summary {
+    int errors = 0;
+    int warnings = 0;
+    int files = 0;
+    int filesWithFindings = 0;
+
+    void add(const FileReport& report);
+};
+
+// Written to standard output: what begin() opens, end() closes.
+class Report {
+public:
+    Report() = default;
+    Report(const Report&) = delete;
+    Report& operator=(const Report&) = delete;
+    virtual ~Report() = default;
+
+    virtual void begin() {}
+    virtual void file(const FileReport& report) = 0;
+    virtual void end(const Summary&) {}
+};
+
+std::unique_ptr<Report> MakeReport(const ReportOptions& options);
