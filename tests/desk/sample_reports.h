@@ -58,7 +58,7 @@ inline FileReport PumpReport() {
 
 // Other scripts, tabs, line ends of two characters, and a name that every format has to escape.
 inline FileReport TankReport() {
-    const Source source(QStringLiteral("бак, 1%: a.st"),
+    const Source source(QStringLiteral("бак, 1%:a.st"),
                         QStringLiteral("(* 水位 é 😀 *)\tуровень := 'не\tоткрыт;\r\n"
                                        "\tconst := '漢字'\r\n"
                                        "+ 1;\r\n"));

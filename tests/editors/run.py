@@ -10,7 +10,6 @@ installed yet and npm reaches no registry.
 
 import argparse
 import json
-import re
 import shutil
 import subprocess
 import sys
@@ -20,31 +19,9 @@ FOLDER = Path(__file__).resolve().parent
 ROOT = FOLDER.parents[1]
 EXTENSION = ROOT / "editors" / "vscode"
 SNAPSHOTS = FOLDER / "snapshots"
-PACKAGE_FILES = ("package.json", "package-lock.json")
 
-SKIPPED = 77
-NO_NETWORK = re.compile(r"\b(ENOTFOUND|EAI_AGAIN|ECONNREFUSED|ENETUNREACH|ETIMEDOUT)\b")
-
-
-def is_installed(work):
-    """Whether the tools that the lock file names were installed completely."""
-    copy = work / "installed.json"
-    return copy.exists() and copy.read_bytes() == (FOLDER / "package-lock.json").read_bytes()
-
-
-def install(work):
-    if is_installed(work):
-        return
-    work.mkdir(parents=True, exist_ok=True)
-    for name in PACKAGE_FILES:
-        shutil.copy(FOLDER / name, work)
-    result = subprocess.run(
-        ["npm", "ci", "--no-audit", "--no-fund"], cwd=work, capture_output=True, text=True
-    )
-    if result.returncode != 0:
-        print(result.stdout, result.stderr, sep="")
-        sys.exit(SKIPPED if NO_NETWORK.search(result.stderr) else 1)
-    shutil.copy(FOLDER / "package-lock.json", work / "installed.json")
+sys.path.insert(0, str(FOLDER.parent))
+import npm_tools  # noqa: E402
 
 
 def grammar():
@@ -102,7 +79,7 @@ def main():
     parser.add_argument("--update", action="store_true", help="rewrite the snapshots")
     arguments = parser.parse_args()
     work = arguments.work.resolve()
-    install(work)
+    npm_tools.install(FOLDER, work)
     if arguments.update:
         update(work)
         return
