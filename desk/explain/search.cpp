@@ -105,7 +105,8 @@ int ByText(const Entry& entry, const Question& question) {
     return ScoreOf(TitleOf(entry), question.text);
 }
 
-// Some of the words that follow each other in the heading.
+// Some of the words that follow each other in the heading; what varies may fit half of the
+// question at most.
 int ByWords(const Entry& entry, const Question& question) {
     const QStringList words = TitleOf(entry).split(' ');
     int best = NOT_AT_ALL;
@@ -115,7 +116,7 @@ int ByWords(const Entry& entry, const Question& question) {
             best = std::max(best, ScoreOf(part, question.text));
         }
     }
-    return best;
+    return 2 * best < question.text.size() ? NOT_AT_ALL : best;
 }
 
 int ByPiece(const Entry& entry, const Question& question) {
