@@ -164,9 +164,9 @@ int DistanceOf(const QString& id, const QString& asked) {
     return distance > limit ? FAR : distance;
 }
 
-QString AsId(QString text) {
+QString AsId(const QString& text) {
     static const QRegularExpression others(QStringLiteral("[^a-z0-9]+"));
-    return text.toLower().replace(others, QStringLiteral("-"));
+    return text.toLower().split(others, Qt::SkipEmptyParts).join('-');
 }
 
 }  // namespace
@@ -187,7 +187,7 @@ std::vector<Entry> FindEntries(const std::vector<Entry>& entries, const QString&
 }
 
 QStringList NearestIds(const std::vector<Entry>& entries, const QString& question) {
-    const QString asked = AsId(question.trimmed());
+    const QString asked = AsId(question);
     if (asked.isEmpty()) {
         return {};
     }
