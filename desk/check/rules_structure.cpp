@@ -1,0 +1,556 @@
+// Units, sections and compound statements: what is not begun, not ended or in the wrong place.
+
+#include "check/rules_table.h"
+
+#include <algorithm>
+
+namespace {
+
+using Maybe = std::optional<Help>;
+
+// ---------------------------------------------------------------------------------------------
+// Compound statements
+// ---------------------------------------------------------------------------------------------
+
+// What a word such as END_IF or ELSE belongs to; TOKEN_UNKNOWN for any other word.
+Token OwnerOf(const Piece& piece) {
+    switch (piece.code) {
+        case TOKEN_END_IF:
+        case TOKEN_ELSE:
+        case TOKEN_ELSIF:
+            return TOKEN_IF;
+        case TOKEN_END_FOR:
+            return TOKEN_FOR;
+        case TOKEN_END_WHILE:
+            return TOKEN_WHILE;
+        case TOKEN_END_CASE:
+            return TOKEN_CASE;
+        case TOKEN_END_REPEAT:
+        case TOKEN_UNTIL:
+            return TOKEN_REPEAT;
+        default:
+            return TOKEN_UNKNOWN;
+    }
+}
+
+bool IsUnitEnd(const Piece& piece) {
+    return piece.isOneOf({TOKEN_END_PROGRAM, TOKEN_END_FUNCTION, TOKEN_END_FUNCTION_BLOCK});
+}
+
+// Whether a word that ends something stands where a statement could.
+bool IsEndAtStatement(const Context& context) {
+    const Piece word = Near(context, 0);
+    return OpenStatement(context) != nullptr && Expects(context, TOKEN_IDENTIFIER) &&
+           (OwnerOf(word) != TOKEN_UNKNOWN || IsUnitEnd(word) || word.is(TOKEN_PROGRAM));
+}
+
+bool IsEndOfScript(const Context& context) {
+    return IsError(context, TXT_UNEXPECTED_END_OF_INPUT_FILE) && !context.facts.open.inComment;
+}
+
+// The index of the piece that begins there, or of the next one.
+int IndexOf(const Context& context, int offset) {
+    const auto found =
+        std::lower_bound(context.pieces.begin(), context.pieces.end(), offset,
+                         [](const Piece& piece, int begin) { return piece.span.begin < begin; });
+    return static_cast<int>(found - context.pieces.begin());
+}
+
+// The ELSE that stands on the line of an IF, directly before it; an empty piece if none does.
+Piece ElseBefore(const Context& context, const StatementFact& statement) {
+    const int index = IndexOf(context, statement.span.begin);
+    const bool isThere = statement.kind == TOKEN_IF && PieceAt(context, index - 1).is(TOKEN_ELSE);
+    return isThere && !IsFirstOnLine(context, index) ? PieceAt(context, index - 1) : Piece();
+}
+
+// The last ELSE IF within the construct, or the one that the construct itself stands after.
+Piece ElseIfOf(const Context& context, const StatementFact& construct) {
+    const auto parent = static_cast<int>(&construct - context.facts.statements.data());
+    Piece found = ElseBefore(context, construct);
+    for (const StatementFact& statement : context.facts.statements) {
+        const Piece word = ElseBefore(context, statement);
+        if (statement.parent == parent && statement.isEnded && word.is(TOKEN_ELSE)) {
+            found = word;
+        }
+    }
+    return found;
+}
+
+Maybe ElseIf(const Context& context) {
+    const StatementFact* const construct = OpenConstruct(context);
+    const bool isEnd = IsEndAtStatement(context) || IsEndOfScript(context);
+    if (!isEnd || construct == nullptr || construct->kind != TOKEN_IF) {
+        return std::nullopt;
+    }
+    const Piece word = ElseIfOf(context, *construct);
+    if (word.span.isEmpty()) {
+        return std::nullopt;
+    }
+    const int ifIndex = IndexOf(context, word.span.begin) + 1;
+    return Say(
+        QStringLiteral("`ELSE IF` begins one more `IF`, which needs an `END_IF` of its own: "
+                       "write `ELSIF`"),
+        {word.span.begin, PieceAt(context, ifIndex).span.end});
+}
+
+Maybe ElseAfterElse(const Context& context) {
+    const StatementFact* const construct = OpenConstruct(context);
+    const Piece word = Near(context, 0);
+    if (!IsEndAtStatement(context) || construct == nullptr || construct->kind != TOKEN_IF ||
+        !word.isOneOf({TOKEN_ELSE, TOKEN_ELSIF})) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("the `IF` of line %1 has its `ELSE` already, and nothing but "
+                              "`END_IF` comes after that")
+                   .arg(LineOf(context, construct->span)));
+}
+
+Maybe RepeatWithoutUntil(const Context& context) {
+    const StatementFact* const construct = OpenConstruct(context);
+    if (!IsEndAtStatement(context) || construct == nullptr || construct->kind != TOKEN_REPEAT ||
+        !Near(context, 0).is(TOKEN_END_REPEAT)) {
+        return std::nullopt;
+    }
+    return Say(
+        QStringLiteral("a `REPEAT` ends with its condition: write `UNTIL condition "
+                       "END_REPEAT;`"));
+}
+
+Maybe SemicolonBeforeEndRepeat(const Context& context) {
+    if (!Expects(context, TOKEN_END_REPEAT) || !Near(context, 0).is(TOKEN_SEMICOLON) ||
+        !Near(context, 1).is(TOKEN_END_REPEAT)) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("no `;` stands between the condition and `END_REPEAT`"));
+}
+
+Help WithoutEnd(const Context& context, const StatementFact& construct) {
+    return Say(QStringLiteral("the %1 of line %2 has no %3")
+                   .arg(Code(construct.kind))
+                   .arg(LineOf(context, construct.span))
+                   .arg(Code(EndOf(construct.kind))),
+               WordOf(construct));
+}
+
+// An END_ word that ends something further out tells that the inner one is not ended.
+bool EndsMore(const Context& context, const StatementFact& construct) {
+    const Piece word = Near(context, 0);
+    const bool endsOuter = OwnerOf(word) != TOKEN_UNKNOWN && OwnerOf(word) != construct.kind &&
+                           IsOpen(context, OwnerOf(word));
+    return IsEndAtStatement(context) && (endsOuter || OwnerOf(word) == TOKEN_UNKNOWN);
+}
+
+Maybe MissingEnd(const Context& context) {
+    const StatementFact* const construct = OpenConstruct(context);
+    if (construct == nullptr) {
+        return std::nullopt;
+    }
+    const bool isRepeat =
+        construct->kind == TOKEN_REPEAT && Expects(context, TOKEN_END_REPEAT) &&
+        (Near(context, 0).is(TOKEN_SEMICOLON) || IsFirstOnLine(context, context.here));
+    if (!isRepeat && !IsEndOfScript(context) && !EndsMore(context, *construct)) {
+        return std::nullopt;
+    }
+    return WithoutEnd(context, *construct);
+}
+
+Maybe WrongEnd(const Context& context) {
+    const StatementFact* const construct = OpenConstruct(context);
+    const Piece word = Near(context, 0);
+    if (!IsEndAtStatement(context) || construct == nullptr || OwnerOf(word) == construct->kind ||
+        word.isOneOf({TOKEN_ELSE, TOKEN_ELSIF, TOKEN_UNTIL})) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("the %1 of line %2 ends with %3, not with %4")
+                   .arg(Code(construct->kind))
+                   .arg(LineOf(context, construct->span))
+                   .arg(Code(EndOf(construct->kind)), Code(word)));
+}
+
+Maybe StrayEnd(const Context& context) {
+    const Token owner = OwnerOf(Near(context, 0));
+    if (!IsEndAtStatement(context) || owner == TOKEN_UNKNOWN || IsOpen(context, owner)) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("no %1 is open here that this %2 could belong to")
+                   .arg(Code(owner), Code(Near(context, 0))));
+}
+
+// The word that a compound statement asks for stands on the next line, or a wrong one here.
+Maybe MissingWord(const Context& context, Token word) {
+    const Piece found = Near(context, 0);
+    const StatementFact* const construct = OpenConstruct(context);
+    if (!Expects(context, word) || construct == nullptr) {
+        return std::nullopt;
+    }
+    if (found.isOneOf({TOKEN_THEN, TOKEN_DO, TOKEN_OF})) {
+        return Say(QStringLiteral("the head of %1 ends with %2, not with %3")
+                       .arg(Code(construct->kind), Code(word), Code(found)));
+    }
+    const bool canFollow = CanBeginStatement(found) || found.is(TOKEN_NUMBER);
+    if (!canFollow || !IsFirstOnLine(context, context.here) || !CanEndValue(Near(context, -1))) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("%1 is missing at the end of the head of %2")
+                   .arg(Code(word), Code(construct->kind)),
+               After(Near(context, -1)));
+}
+
+Maybe MissingThen(const Context& context) {
+    return MissingWord(context, TOKEN_THEN);
+}
+
+Maybe MissingDo(const Context& context) {
+    return MissingWord(context, TOKEN_DO);
+}
+
+Maybe MissingOf(const Context& context) {
+    return MissingWord(context, TOKEN_OF);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The missing ";"
+// ---------------------------------------------------------------------------------------------
+
+bool IsCompoundEnd(const Piece& piece) {
+    return piece.isOneOf(
+        {TOKEN_END_IF, TOKEN_END_FOR, TOKEN_END_WHILE, TOKEN_END_CASE, TOKEN_END_REPEAT});
+}
+
+bool CanEndStatement(const Piece& piece) {
+    return CanEndValue(piece) || IsCompoundEnd(piece) ||
+           piece.isOneOf({TOKEN_BREAK, TOKEN_CONTINUE, TOKEN_EXIT});
+}
+
+bool IsClosing(const Piece& piece) {
+    return OwnerOf(piece) != TOKEN_UNKNOWN || IsUnitEnd(piece) || piece.is(TOKEN_END_VAR);
+}
+
+// A name begins a statement or a declaration if what follows it does so too.
+bool BeginsNext(const Context& context) {
+    const Piece word = Near(context, 0);
+    const bool isNamed =
+        Near(context, 1)
+            .isOneOf({TOKEN_ASSIGN, TOKEN_COLON, TOKEN_EQUAL, TOKEN_LEFT_PARENTHESIS,
+                      TOKEN_SEMICOLON, TOKEN_LEFT_BRACKET, TOKEN_COMMA});
+    return word.is(TOKEN_IDENTIFIER) ? isNamed
+                                     : CanBeginStatement(word) || word.is(TOKEN_CONSTANT);
+}
+
+Maybe MissingSemicolon(const Context& context) {
+    const bool isNextLine = IsFirstOnLine(context, context.here) && BeginsNext(context);
+    const bool isAssignment = Near(context, 0).is(TOKEN_IDENTIFIER) &&
+                              Near(context, 1).is(TOKEN_ASSIGN) &&
+                              !TouchesPrevious(context, context.here);
+    const bool isNext = isNextLine || isAssignment || IsClosing(Near(context, 0));
+    if (!Expects(context, TOKEN_SEMICOLON) || !isNext || !CanEndStatement(Near(context, -1))) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("a `;` is missing after %1").arg(Code(Near(context, -1))),
+               After(Near(context, -1)));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Sections
+// ---------------------------------------------------------------------------------------------
+
+// The index of the word of the section that is open before a piece.
+int SectionBefore(const Context& context, int index) {
+    do {
+        --index;
+    } while (index >= 0 && !IsSection(PieceAt(context, index)));
+    return index;
+}
+
+// Whether END_VAR comes, after a piece, before the next section or the end of the unit.
+bool IsSectionEnded(const Context& context, int index) {
+    while (!PieceAt(context, index).span.isEmpty() && !IsUnitEnd(PieceAt(context, index)) &&
+           !IsSection(PieceAt(context, index))) {
+        if (PieceAt(context, index).is(TOKEN_END_VAR)) {
+            return true;
+        }
+        ++index;
+    }
+    return false;
+}
+
+// Whether what should be a declaration looks like something that stands after END_VAR.
+bool IsAfterSection(const Context& context) {
+    const Piece word = Near(context, 0);
+    if (IsErrorOneOf(context, {TXT_USING_RESERVED_WORD, TXT_USING_FUNCTION_NAME})) {
+        const bool canFollow = CanBeginStatement(word) || IsSection(word) || IsUnitEnd(word);
+        return canFollow && !Near(context, 1).is(TOKEN_COLON);
+    }
+    if (IsError(context, TXT_DUPLICATE_VARIABLE_NAME)) {
+        return Near(context, 1).isOneOf({TOKEN_ASSIGN, TOKEN_EQUAL, TOKEN_LEFT_BRACKET});
+    }
+    return Expects(context, TOKEN_COLON) && word.isOneOf({TOKEN_ASSIGN, TOKEN_LEFT_PARENTHESIS});
+}
+
+Maybe SectionWithoutEnd(const Context& context) {
+    const int section = SectionBefore(context, context.here);
+    if (!IsDeclaring(context) || !IsAfterSection(context) || section < 0 ||
+        IsSectionEnded(context, context.here)) {
+        return std::nullopt;
+    }
+    const Piece word = PieceAt(context, section);
+    return Say(QStringLiteral("the %1 of line %2 has no `END_VAR`")
+                   .arg(Code(word))
+                   .arg(LineOf(context, word.span)),
+               word.span);
+}
+
+// What stands for a section of other dialects, in a program and in a definition.
+struct ForeignSection {
+    QLatin1String word;
+    QLatin1String inProgram;
+    QLatin1String inDefinition;
+};
+
+constexpr ForeignSection FOREIGN_SECTIONS[] = {
+    {"VAR_TEMP"_L1, "`VAR`"_L1, "`VAR`"_L1},
+    {"VAR_STAT"_L1, "`VAR`"_L1, "`VAR`"_L1},
+    {"VAR_INST"_L1, "`VAR`"_L1, "`VAR`"_L1},
+    {"VAR_IN_OUT"_L1, "`VAR_INPUT` or `VAR_OUTPUT`"_L1, "`VAR_REF`"_L1},
+    {"VAR_EXTERNAL"_L1, "`VAR_GLOBAL`"_L1,
+     "`VAR_REF`, as a definition sees no variable of the program"_L1},
+    {"VAR_ACCESS"_L1, "`VAR_YXREGISTER`"_L1, "`VAR_REF`"_L1},
+    {"VAR_CONFIG"_L1, "`VAR_YXREGISTER`"_L1, "`VAR_REF`"_L1},
+};
+
+// The word where a section could stand: after the head of a unit, or as its first statement.
+Piece WordInPlaceOfSection(const Context& context) {
+    const std::optional<UnknownName> unknown = Unknown(context);
+    const bool isFirst = IsError(context, TXT_PROGRAM_MUST_START_WITH_DECLARATION_OF_VARIABLES);
+    return isFirst ? Near(context, 0) : unknown ? PieceAt(context, unknown->index) : Piece();
+}
+
+Maybe SectionOfOtherDialects(const Context& context) {
+    const Piece word = WordInPlaceOfSection(context);
+    for (const ForeignSection& section : FOREIGN_SECTIONS) {
+        if (word.isSpelled(section.word)) {
+            const bool isProgram = IsIn(context, TOKEN_PROGRAM);
+            return Say(QStringLiteral("there is no %1: use %2")
+                           .arg(Code(word))
+                           .arg(isProgram ? section.inProgram : section.inDefinition),
+                       word.span);
+        }
+    }
+    return std::nullopt;
+}
+
+Maybe SectionOfOtherUnit(const Context& context) {
+    if (!IsError(context, TXT_DECLARATION_CANNOT_BE_HERE)) {
+        return std::nullopt;
+    }
+    const Piece word = Near(context, 0);
+    if (IsIn(context, TOKEN_PROGRAM)) {
+        return Say(QStringLiteral("a program is called by nobody: use `VAR_INPUT` in place of %1")
+                       .arg(Code(word)));
+    }
+    if (word.is(TOKEN_VAR_INPUT)) {
+        return Say(QStringLiteral("parameters by value are declared in `VAR_ARG`"));
+    }
+    if (word.is(TOKEN_VAR_OUTPUT)) {
+        return Say(
+            QStringLiteral("what goes out of a definition is declared in `VAR_REF`, or is "
+                           "the `RESULT` of a function"));
+    }
+    return Say(QStringLiteral("%1 stands in the program alone: pass its variables to %2 in "
+                              "`VAR_ARG` or `VAR_REF`")
+                   .arg(Code(word), Code(NameOf(context, *OpenUnit(context)))));
+}
+
+Maybe SectionAfterStatements(const Context& context) {
+    if (!Expects(context, TOKEN_IDENTIFIER) || OpenStatement(context) == nullptr ||
+        !IsSection(Near(context, 0)) || OpenConstruct(context) != nullptr) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("all sections stand before the first statement of their unit"));
+}
+
+Maybe ArgumentsAfterVariables(const Context& context) {
+    const int section = SectionBefore(context, context.here);
+    if (!IsError(context, TXT_ARGUMENTS_MUST_BE_ON_TOP) || section < 0) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("move this %1 before the %2 of line %3")
+                   .arg(Code(Near(context, 0)), Code(PieceAt(context, section)))
+                   .arg(LineOf(context, PieceAt(context, section).span)));
+}
+
+Maybe QualifierOfSection(const Context& context) {
+    const Piece word = Near(context, -1);
+    if (!IsDeclaring(context) || !Expects(context, TOKEN_COLON) ||
+        !IsSection(Near(context, -2)) ||
+        !word.isSpelledOneOf({"RETAIN"_L1, "NON_RETAIN"_L1, "PERSISTENT"_L1, "PUBLIC"_L1,
+                              "PRIVATE"_L1, "PROTECTED"_L1, "INTERNAL"_L1})) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("there is no %1: a section is its keyword alone").arg(Code(word)),
+               word.span);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Units
+// ---------------------------------------------------------------------------------------------
+
+Help UnitWithoutEnd(const Context& context, const UnitFact& unit) {
+    return Say(QStringLiteral("the %1 %2 of line %3 has no %4")
+                   .arg(Code(unit.kind), Code(NameOf(context, unit)))
+                   .arg(LineOf(context, unit.span))
+                   .arg(Code(EndOf(unit.kind))),
+               PieceAt(context, IndexOf(context, unit.span.begin)).span);
+}
+
+Maybe MissingEndOfUnit(const Context& context) {
+    const UnitFact* const unit = OpenUnit(context);
+    const bool begins = IsUnitBegin(Near(context, 0)) && OpenStatement(context) != nullptr &&
+                        (Expects(context, TOKEN_IDENTIFIER) || Unknown(context));
+    if (unit == nullptr || unit->name == NONE || OpenConstruct(context) != nullptr ||
+        (!begins && !IsEndOfScript(context))) {
+        return std::nullopt;
+    }
+    return UnitWithoutEnd(context, *unit);
+}
+
+Maybe EndOfOtherUnit(const Context& context) {
+    const UnitFact* const unit = OpenUnit(context);
+    const Piece word = Near(context, 0);
+    if (unit == nullptr || !IsEndAtStatement(context) || !IsUnitEnd(word)) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("a %1 ends with %2, not with %3")
+                   .arg(Code(unit->kind), Code(EndOf(unit->kind)), Code(word)));
+}
+
+Maybe NoProgram(const Context& context) {
+    if (!IsEndOfScript(context) || OpenUnit(context) != nullptr) {
+        return std::nullopt;
+    }
+    return Say(
+        QStringLiteral("the script has no `PROGRAM`; one stands at its end, from `PROGRAM "
+                       "name` to `END_PROGRAM`"));
+}
+
+Maybe ProgramWithoutSection(const Context& context) {
+    if (!IsError(context, TXT_PROGRAM_MUST_START_WITH_DECLARATION_OF_VARIABLES)) {
+        return std::nullopt;
+    }
+    if (Near(context, 0).is(TOKEN_SEMICOLON)) {
+        return Say(QStringLiteral("no `;` follows the name of the program"));
+    }
+    return Say(
+        QStringLiteral("a program has a section before its statements, if only an empty "
+                       "one: write `VAR END_VAR`"));
+}
+
+Maybe BodyWithoutSection(const Context& context) {
+    const std::optional<UnknownName> unknown = Unknown(context);
+    if (!unknown || unknown->role != UnknownName::Role::Section || OpenUnit(context) == nullptr ||
+        !CanBeginStatement(Near(context, 0))) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("a section stands before the statements of %1, if only an empty "
+                              "one: write `VAR END_VAR`")
+                   .arg(Code(NameOf(context, *OpenUnit(context)))));
+}
+
+Maybe BlockWithType(const Context& context) {
+    const std::optional<UnknownName> unknown = Unknown(context);
+    if (!unknown || !Near(context, 0).is(TOKEN_COLON) || !IsIn(context, TOKEN_FUNCTION_BLOCK)) {
+        return std::nullopt;
+    }
+    return Say(
+        QStringLiteral("a function block has no result: write `FUNCTION %1 : %2`, or leave "
+                       "the type out")
+            .arg(NameOf(context, *OpenUnit(context)), Near(context, 1).text));
+}
+
+Maybe FunctionWithoutType(const Context& context) {
+    if (!IsIn(context, TOKEN_FUNCTION) || !Expects(context, TOKEN_COLON) ||
+        IsDeclaring(context) || OpenStatement(context) != nullptr) {
+        return std::nullopt;
+    }
+    const QStringView name = NameOf(context, *OpenUnit(context));
+    return Say(
+        QStringLiteral("a function has the type of its result, as in `FUNCTION %1 : REAL`; "
+                       "without a result it is a `FUNCTION_BLOCK`")
+            .arg(name),
+        After(Near(context, -1)));
+}
+
+Maybe SemicolonAfterUnit(const Context& context) {
+    if (!Expects(context, TOKEN_PROGRAM) || !Near(context, 0).is(TOKEN_SEMICOLON) ||
+        !IsUnitEnd(Near(context, -1))) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("no `;` follows %1").arg(Code(Near(context, -1))));
+}
+
+Maybe SectionOutside(const Context& context) {
+    if (!Expects(context, TOKEN_PROGRAM) || !IsSection(Near(context, 0))) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("a section stands within a program or definition: move this %1 "
+                              "after `PROGRAM` and its name")
+                   .arg(Code(Near(context, 0))));
+}
+
+Maybe UnitOfOtherDialects(const Context& context) {
+    const Piece word = Near(context, 0);
+    if (!Expects(context, TOKEN_PROGRAM) ||
+        !word.isSpelledOneOf({"TYPE"_L1, "CONFIGURATION"_L1, "RESOURCE"_L1, "TASK"_L1,
+                              "NAMESPACE"_L1, "CLASS"_L1, "INTERFACE"_L1, "METHOD"_L1,
+                              "LIBRARY"_L1, "USING"_L1, "ACTION"_L1})) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("there is no %1: a script is its functions and function blocks, "
+                              "then one program")
+                   .arg(Code(word)));
+}
+
+Maybe StatementOutside(const Context& context) {
+    const bool isStatement = Near(context, 0).is(TOKEN_IDENTIFIER)
+                                 ? Near(context, 1).is(TOKEN_ASSIGN)
+                                 : CanBeginStatement(Near(context, 0));
+    if (!Expects(context, TOKEN_PROGRAM) || !isStatement) {
+        return std::nullopt;
+    }
+    return Say(
+        QStringLiteral("statements stand within `PROGRAM name VAR END_VAR ... "
+                       "END_PROGRAM`"));
+}
+
+}  // namespace
+
+Rules RulesOfStructure() {
+    return {{"else-if"_L1, ElseIf},
+            {"else-after-else"_L1, ElseAfterElse},
+            {"repeat-without-until"_L1, RepeatWithoutUntil},
+            {"semicolon-before-end-repeat"_L1, SemicolonBeforeEndRepeat},
+            {"missing-end"_L1, MissingEnd},
+            {"wrong-end"_L1, WrongEnd},
+            {"stray-end"_L1, StrayEnd},
+            {"missing-then"_L1, MissingThen},
+            {"missing-do"_L1, MissingDo},
+            {"missing-of"_L1, MissingOf},
+            {"missing-semicolon"_L1, MissingSemicolon},
+            {"section-without-end"_L1, SectionWithoutEnd},
+            {"section-of-other-dialects"_L1, SectionOfOtherDialects},
+            {"section-of-other-unit"_L1, SectionOfOtherUnit},
+            {"section-after-statements"_L1, SectionAfterStatements},
+            {"arguments-after-variables"_L1, ArgumentsAfterVariables},
+            {"qualifier-of-section"_L1, QualifierOfSection},
+            {"missing-end-of-unit"_L1, MissingEndOfUnit},
+            {"end-of-other-unit"_L1, EndOfOtherUnit},
+            {"no-program"_L1, NoProgram},
+            {"program-without-section"_L1, ProgramWithoutSection},
+            {"body-without-section"_L1, BodyWithoutSection},
+            {"block-with-type"_L1, BlockWithType},
+            {"function-without-type"_L1, FunctionWithoutType},
+            {"semicolon-after-unit"_L1, SemicolonAfterUnit},
+            {"section-outside"_L1, SectionOutside},
+            {"unit-of-other-dialects"_L1, UnitOfOtherDialects},
+            {"statement-outside"_L1, StatementOutside}};
+}
