@@ -1,66 +1,122 @@
-// yxst check PATH...: all errors and warnings of scripts.
+// yxst check PATH...: all errors and warnings of scripts, with their reasons.
 
 #include "check/check_files.h"
 #include "facts/input.h"
+#include "reports/report.h"
 #include "subcommands.h"
 
 #include <QThread>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <map>
 
 namespace {
 
 struct CheckArguments {
     std::vector<std::string> paths;
+    std::vector<std::string> suffixes = {"st"};
     CheckOptions options = {QThread::idealThreadCount()};
+    ReportOptions report;
+    ColorWish color = ColorWish::Auto;
     bool isWarningError = false;
-    bool isQuiet = false;
 };
 
-Status RunCheck(const CheckArguments& arguments) {
-    QStringList paths;
-    for (const std::string& path : arguments.paths) {
-        paths.append(QString::fromLocal8Bit(path.c_str()));
+QStringList ListOf(const std::vector<std::string>& texts) {
+    QStringList list;
+    for (const std::string& text : texts) {
+        list.append(QString::fromLocal8Bit(text.c_str()));
     }
-    const FoundFiles found = FindFiles(paths, {QStringLiteral("st")});
-    Status status = STATUS_FINE;
-    for (const QString& failure : found.failures) {
-        Complain(failure);
-        status = STATUS_FAILED;
+    return list;
+}
+
+void MakeWarningsErrors(FileReport& report) {
+    for (Diagnostic& diagnostic : report.diagnostics) {
+        if (diagnostic.level == Level::Warning) {
+            diagnostic.level = Level::Error;
+        }
     }
-    CheckFiles(found.files, arguments.options, [&](const CheckedFile& file) {
+}
+
+// Reports the files as they are handed over, and keeps count.
+class Reporter {
+public:
+    explicit Reporter(const CheckArguments& arguments)
+        : isWarningError_(arguments.isWarningError), report_(MakeReport(arguments.report)) {
+        report_->begin();
+    }
+
+    void take(CheckedFile file) {
         if (!file.report) {
-            Complain(file.path + QStringLiteral(": ") + file.failure);
-            status = STATUS_FAILED;
+            fail(file.path + QStringLiteral(": ") + file.failure);
             return;
         }
-        for (const Diagnostic& d : file.report->diagnostics) {
-            const Place p = file.report->source.placeOf(d.span.begin);
-            Print(QStringLiteral("%1:%2:%3: %4: %5 [%6]\n")
-                      .arg(file.path)
-                      .arg(p.line)
-                      .arg(p.column)
-                      .arg(d.level == Level::Error     ? "error"
-                           : d.level == Level::Warning ? "warning"
-                                                       : "note")
-                      .arg(d.message, d.id));
-            if (d.level == Level::Error && status == STATUS_FINE) {
-                status = STATUS_NOT_FINE;
-            }
+        if (isWarningError_) {
+            MakeWarningsErrors(*file.report);
         }
-    });
-    return status;
+        report_->file(*file.report);
+        summary_.add(*file.report);
+    }
+
+    void fail(const QString& failure) {
+        Complain(failure);
+        hasFailed_ = true;
+    }
+
+    Status end() {
+        report_->end(summary_);
+        return hasFailed_ ? STATUS_FAILED : summary_.errors > 0 ? STATUS_NOT_FINE : STATUS_FINE;
+    }
+
+private:
+    bool isWarningError_;
+    std::unique_ptr<Report> report_;
+    Summary summary_;
+    bool hasFailed_ = false;
+};
+
+Status RunCheck(CheckArguments arguments) {
+    arguments.report.hasColors = HasColors(arguments.color, STDOUT_FILENO);
+    Reporter reporter(arguments);
+    const FoundFiles found = FindFiles(ListOf(arguments.paths), ListOf(arguments.suffixes));
+    for (const QString& failure : found.failures) {
+        reporter.fail(failure);
+    }
+    CheckFiles(found.files, arguments.options,
+               [&reporter](const CheckedFile& file) { reporter.take(file); });
+    return reporter.end();
 }
 
 }  // namespace
 
 Runner DeclareCheck(CLI::App& command) {
     const auto arguments = std::make_shared<CheckArguments>();
+    const std::map<std::string, ReportFormat> formats(std::begin(REPORT_FORMATS),
+                                                      std::end(REPORT_FORMATS));
     command
-        .add_option("PATH", arguments->paths,
-                    "Scripts, or folders with scripts; - is standard input")
+        .add_option("PATH", arguments->paths, "Scripts, or folders of them; - is standard input")
         ->required();
-    command.add_option("--max-errors", arguments->options.maxErrors, "Errors shown of a script")
-        ->check(CLI::PositiveNumber);
-    command.add_option("--jobs,-j", arguments->options.jobs, "Scripts checked at the same time")
-        ->check(CLI::PositiveNumber);
+    command
+        .add_option("--format", arguments->report.format,
+                    "How it is shown: human, gcc, json, sarif or github")
+        ->transform(CLI::CheckedTransformer(formats).description(""))
+        ->type_name("FORMAT");
+    command
+        .add_option("--max-errors", arguments->options.maxErrors, "Errors shown of a script, 20")
+        ->check(CLI::PositiveNumber.description(""))
+        ->type_name("N");
+    command.add_flag("--werror", arguments->isWarningError, "Warnings are errors");
+    command.add_flag("--quiet", arguments->report.isQuiet, "No summary");
+    command
+        .add_option("--jobs", arguments->options.jobs,
+                    "Scripts checked at the same time; as many as there are processors")
+        ->check(CLI::PositiveNumber.description(""))
+        ->type_name("N");
+    command
+        .add_option("--suffix", arguments->suffixes,
+                    "Files in folders that are scripts, st; may be given several times")
+        ->type_name("SUFFIX");
+    AddColorOption(command, arguments->color);
     return [arguments] { return RunCheck(*arguments); };
 }

@@ -33,6 +33,7 @@ COPIED = {
     "style.css": WEB / "style.css",
     "manual.js": WEB / "manual.js",
     "search.js": WEB / "search.js",
+    "scroll.js": WEB / "scroll.js",
     "lunr.min.js": SEARCH,
     "lunr.copyright": SEARCH_LICENCE,
 }
@@ -210,9 +211,12 @@ def neighbours(chapters, current):
 # ---------------------------------------------------------------------------------------------
 
 
+def read_web(name):
+    return (WEB / name).read_text(encoding="utf-8")
+
+
 def filled(template, **parts):
-    text = (WEB / template).read_text(encoding="utf-8")
-    return Template(text).substitute(parts, version=version())
+    return Template(read_web(template)).substitute(parts, version=version())
 
 
 def page(chapters, chapter):
@@ -260,7 +264,8 @@ def page_of_all(chapters):
     return filled(
         "all.html",
         title=escape(first.title),
-        style=(WEB / "style.css").read_text(encoding="utf-8"),
+        style=read_web("style.css"),
+        script=read_web("scroll.js"),
         first=chapter_in_all(first),
         contents=contents_of_all(others),
         others="\n".join(map(chapter_in_all, others)),
@@ -292,6 +297,11 @@ def files_of_manual(chapters):
     return files
 
 
+def missing_tools():
+    files = [str(path) for path in (SEARCH, SEARCH_LICENCE) if not path.exists()]
+    return files if shutil.which("pandoc") else ["pandoc", *files]
+
+
 def write_manual(folder):
     with ThreadPoolExecutor() as threads:
         chapters = list(threads.map(read_chapter, chapter_files()))
@@ -305,7 +315,10 @@ def write_manual(folder):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("folder", type=Path)
-    write_manual(parser.parse_args().folder)
+    folder = parser.parse_args().folder
+    if missing_tools():
+        sys.exit(f"manual: not installed: {', '.join(missing_tools())}")
+    write_manual(folder)
 
 
 if __name__ == "__main__":

@@ -1,5 +1,5 @@
-// What the pages of the manual do: search, contents that follow the reading, examples that are
-// scrolled with the keyboard. Without it the pages can be read all the same.
+// What the pages of the manual do: search, and contents that follow the reading. Without it the pages
+// can be read all the same.
 "use strict";
 
 const NARROW = window.matchMedia("(max-width: 56rem)");
@@ -87,10 +87,9 @@ function setUpSearch() {
         list.querySelector("a")?.click();
     });
     form.addEventListener("keydown", onKey);
-    panel.addEventListener("keydown", onKey);
     list.addEventListener("click", (event) => { if (event.target.closest("a")) close(); });
     document.addEventListener("click", (event) => {
-        if (!form.contains(event.target) && !panel.contains(event.target)) close();
+        if (!form.contains(event.target)) close();
     });
     document.addEventListener("keydown", (event) => {
         const isTyping = document.activeElement === input;
@@ -125,10 +124,16 @@ function setUpFollowing() {
     }));
     let current = null;
 
-    // The last heading in the upper part of the window, or, at the end of the page, its last one.
+    // A link to a heading brings it to the top, below the bar of a phone.
+    function lineOfReading() {
+        const { scrollPaddingTop } = getComputedStyle(document.documentElement);
+        return parseFloat(scrollPaddingTop) + 24;
+    }
+
+    // The last heading above the line or, at the end of the page, the last one in the window.
     function entryThatIsRead() {
         const isAtEnd = window.innerHeight + window.scrollY >= document.body.scrollHeight - 2;
-        const line = window.innerHeight * (isAtEnd ? 1 : 0.25);
+        const line = isAtEnd ? window.innerHeight : lineOfReading();
         return entries.findLast(({ heading }) => heading.getBoundingClientRect().top <= line);
     }
 
@@ -173,28 +178,12 @@ function setUpFollowing() {
         requestAnimationFrame(() => { isDue = false; follow(); });
     }
 
-    document.documentElement.classList.add("follows");
     follow();
     window.addEventListener("scroll", followSoon, { passive: true });
     window.addEventListener("resize", followSoon);
 }
 
-// ------------------------------------------------------------------------------------------------
-// Examples and tables
-// ------------------------------------------------------------------------------------------------
-
-// What is wider than the page can be reached, and so be scrolled, with the keyboard.
-function setUpScrolling() {
-    const observer = new ResizeObserver((entries) => {
-        for (const { target } of entries) {
-            if (target.scrollWidth > target.clientWidth) target.tabIndex = 0;
-            else target.removeAttribute("tabindex");
-        }
-    });
-    document.querySelectorAll("main pre, .table").forEach((box) => observer.observe(box));
-}
-
+document.documentElement.classList.add("scripted");
 setUpSearch();
 setUpFolding();
 setUpFollowing();
-setUpScrolling();
