@@ -1,5 +1,5 @@
-// What the pages of the manual do: search, and contents that follow the reading. Without it the pages
-// can be read all the same.
+// What the pages of the manual do: search, and contents that follow the reading. Without it the
+// pages can be read all the same.
 "use strict";
 
 const NARROW = window.matchMedia("(max-width: 56rem)");

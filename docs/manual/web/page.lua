@@ -1,5 +1,5 @@
--- Turns a page of the manual into the HTML of its text. A filter for pandoc, run by scripts/manual,
--- which writes the words after the backticks of a fence with "|" between them.
+-- Turns a page of the manual into the HTML of its text. A filter for pandoc, run by
+-- scripts/manual.py, which writes the words after the backticks of a fence with "|" between them.
 
 local LABELS = {
     st = "Script",
@@ -91,7 +91,8 @@ local function caption(label, state, name)
     local form = STATES[state] or { before = "", after = "" }
     local noun = form.before == "" and label or label:lower()
     local text = table.concat({ form.before, noun, name, form.after }, " ")
-    return "<figcaption>" .. text:gsub("^ +", ""):gsub(" +$", ""):gsub("  +", " ") .. "</figcaption>"
+    local trimmed = text:gsub("^ +", ""):gsub(" +$", ""):gsub("  +", " ")
+    return "<figcaption>" .. trimmed .. "</figcaption>"
 end
 
 -- The lines are numbered as the messages count them: statements stand in a frame.

@@ -1,5 +1,5 @@
-// The search over the sections of the manual: what is found for a text, and how it is shown. It knows
-// nothing of the page, and lunr does the ranking.
+// The search over the sections of the manual: what is found for a text, and how it is shown. It
+// knows nothing of the page, and lunr does the ranking.
 "use strict";
 
 const manualSearch = (() => {
