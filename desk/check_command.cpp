@@ -2,6 +2,7 @@
 
 #include "check/check_files.h"
 #include "facts/input.h"
+#include "options.h"
 #include "reports/report.h"
 #include "subcommands.h"
 
@@ -22,14 +23,6 @@ struct CheckArguments {
     ColorWish color = ColorWish::Auto;
     bool isWarningError = false;
 };
-
-QStringList ListOf(const std::vector<std::string>& texts) {
-    QStringList list;
-    for (const std::string& text : texts) {
-        list.append(QString::fromLocal8Bit(text.c_str()));
-    }
-    return list;
-}
 
 void MakeWarningsErrors(FileReport& report) {
     for (Diagnostic& diagnostic : report.diagnostics) {
@@ -100,23 +93,23 @@ Runner DeclareCheck(CLI::App& command) {
     command
         .add_option("--format", arguments->report.format,
                     "How it is shown: human, gcc, json, sarif or github")
-        ->transform(CLI::CheckedTransformer(formats).description(""))
-        ->type_name("FORMAT");
+        ->option_text("FORMAT")
+        ->transform(CLI::CheckedTransformer(formats));
     command
         .add_option("--max-errors", arguments->options.maxErrors, "Errors shown of a script, 20")
-        ->check(CLI::PositiveNumber.description(""))
-        ->type_name("N");
+        ->option_text("N")
+        ->check(CLI::PositiveNumber);
     command.add_flag("--werror", arguments->isWarningError, "Warnings are errors");
     command.add_flag("--quiet", arguments->report.isQuiet, "No summary");
     command
         .add_option("--jobs", arguments->options.jobs,
                     "Scripts checked at the same time; as many as there are processors")
-        ->check(CLI::PositiveNumber.description(""))
-        ->type_name("N");
+        ->option_text("N")
+        ->check(CLI::PositiveNumber);
     command
         .add_option("--suffix", arguments->suffixes,
                     "Files in folders that are scripts, st; may be given several times")
-        ->type_name("SUFFIX");
+        ->option_text("SUFFIX");
     AddColorOption(command, arguments->color);
     return [arguments] { return RunCheck(*arguments); };
 }

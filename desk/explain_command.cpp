@@ -2,6 +2,7 @@
 
 #include "explain/markdown.h"
 #include "explain/search.h"
+#include "options.h"
 #include "subcommands.h"
 
 #include <sys/ioctl.h>
@@ -17,13 +18,8 @@ const QString FRAME_NOTE =
 
 struct Arguments {
     std::vector<std::string> words;
-    std::string colors = "auto";
+    ColorWish color = ColorWish::Auto;
 };
-
-ColorWish WishOf(const std::string& word) {
-    const ColorWish forced = word == "always" ? ColorWish::Always : ColorWish::Never;
-    return word == "auto" ? ColorWish::Auto : forced;
-}
 
 // The width of the terminal that standard output is, else the usual one.
 int TextWidth() {
@@ -99,7 +95,7 @@ Status Answer(const std::vector<Entry>& entries, const QString& question, TextFo
 }
 
 Status RunExplain(const Arguments& arguments) {
-    const TextForm form{TextWidth(), HasColors(WishOf(arguments.colors), STDOUT_FILENO)};
+    const TextForm form{TextWidth(), HasColors(arguments.color, STDOUT_FILENO)};
     const std::vector<Entry> entries = EntriesOfManual();
     if (!arguments.words.empty()) {
         return Answer(entries, Joined(arguments.words), form);
@@ -116,8 +112,6 @@ Runner DeclareExplain(CLI::App& command) {
         .add_option("MESSAGE", arguments->words,
                     "The identifier, the text or a part of it; none lists all messages")
         ->option_text(" ");
-    command.add_option("--color", arguments->colors, "auto, always or never")
-        ->option_text("WHEN")
-        ->check(CLI::IsMember({"auto", "always", "never"}));
+    AddColorOption(command, arguments->color);
     return [arguments] { return RunExplain(*arguments); };
 }
