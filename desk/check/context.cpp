@@ -108,6 +108,13 @@ Piece Near(const Context& context, int distance) {
     return PieceAt(context, context.here + distance);
 }
 
+int IndexOf(const Context& context, int offset) {
+    const auto found =
+        std::lower_bound(context.pieces.begin(), context.pieces.end(), offset,
+                         [](const Piece& piece, int begin) { return piece.span.begin < begin; });
+    return static_cast<int>(found - context.pieces.begin());
+}
+
 bool IsFirstOnLine(const Context& context, int index) {
     const Piece previous = PieceAt(context, index - 1);
     return previous.span.isEmpty() ||

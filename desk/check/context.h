@@ -58,6 +58,9 @@ Piece PieceAt(const Context& context, int index);
 // The piece that many after the error, or before it for a negative number.
 Piece Near(const Context& context, int distance);
 
+// The index of the piece that begins at an offset of the source, or of the next one.
+int IndexOf(const Context& context, int offset);
+
 // Whether no piece stands before it on its line.
 bool IsFirstOnLine(const Context& context, int index);
 

@@ -366,7 +366,7 @@ Maybe StandardBlock(const Context& context) {
 Maybe InstanceOfBlock(const Context& context) {
     const Piece type = RefusedType(context);
     const std::optional<Callee> callee = CalleeNamed(context, type.text);
-    if (type.span.isEmpty() || !callee) {
+    if (type.span.isEmpty() || !callee || callee->isFunction) {
         return std::nullopt;
     }
     return Say(QStringLiteral("function blocks have no instances: leave this declaration out and "

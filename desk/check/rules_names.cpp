@@ -320,7 +320,8 @@ std::vector<QString> WordsThatFit(const Context& context) {
 Maybe MisspeltWord(const Context& context) {
     const Piece found = Near(context, 0);
     const QString word = MostLike(found.text, WordsThatFit(context));
-    if (!found.is(TOKEN_IDENTIFIER) || word.isEmpty()) {
+    if (!found.is(TOKEN_IDENTIFIER) || word.isEmpty() ||
+        VariableNamed(context, found.text) != nullptr) {
         return std::nullopt;
     }
     return Say(QStringLiteral("did you mean `%1`?").arg(word));
@@ -383,7 +384,7 @@ Maybe Undeclared(const Context& context) {
         IsCalled(context, name)
             ? QStringLiteral("no function or function block %1 is built in or defined above")
                   .arg(Code(name))
-            : QStringLiteral("%1 declares no variable %2; a declaration is `%3 : INT;`")
+            : QStringLiteral("%1 has no variable %2: declare it in a section, as in `%3 : INT;`")
                   .arg(unit, Code(name), name.text.toString()),
         name.span);
 }

@@ -25,7 +25,7 @@ Maybe SignPair(const Context& context) {
                         QStringLiteral("+-*/<>=").contains(pair.text.front()) &&
                         QStringLiteral("+-").contains(pair.text.back());
     if (!isPair || !CanBeginValue(Near(context, 1)) || !CanEndValue(Near(context, -1)) ||
-        OpenStatement(context) == nullptr) {
+        OpenStatement(context) == nullptr || Expects(context, TOKEN_ASSIGN)) {
         return std::nullopt;
     }
     return Say(QStringLiteral("two signs that touch are one token: write `%1 %2`")
@@ -48,7 +48,8 @@ QString ComparisonFor(const Context& context) {
 
 Maybe ForeignComparison(const Context& context) {
     const QString sign = ComparisonFor(context);
-    if (sign.isEmpty() || !CanEndValue(Near(context, -1)) || OpenStatement(context) == nullptr) {
+    if (sign.isEmpty() || !CanEndValue(Near(context, -1)) || OpenStatement(context) == nullptr ||
+        Expects(context, TOKEN_ASSIGN)) {
         return std::nullopt;
     }
     const bool isUnequal = Near(context, 0).text == QLatin1String("!");
@@ -85,7 +86,7 @@ Maybe ForeignLogic(const Context& context) {
 Maybe ForeignArithmetic(const Context& context) {
     const Piece sign = Near(context, 0);
     if (!CanEndValue(Near(context, -1)) || !CanBeginValue(Near(context, 1)) ||
-        OpenStatement(context) == nullptr) {
+        OpenStatement(context) == nullptr || Near(context, 1).text == QLatin1String(".")) {
         return std::nullopt;
     }
     if (sign.text == QLatin1String("%")) {
@@ -225,13 +226,22 @@ bool MayComeOfComparison(const Context& context) {
     return isSecond || isLeft || isMixed || isNot;
 }
 
+// The AND, OR or XOR that the error is about; at a ")" it stands before what that closes.
+int LogicAt(const Context& context) {
+    if (IsLogical(Near(context, 0))) {
+        return context.here;
+    }
+    const bool isClosing =
+        Near(context, 0).is(TOKEN_RIGHT_PARENTHESIS) && !CallAround(context, context.here);
+    const int opening = isClosing ? OpeningBefore(context, context.here) : NONE;
+    return LastInExpression(context, opening == NONE ? context.here : opening, IsLogical);
+}
+
 Maybe ComparisonBeforeLogic(const Context& context) {
     if (!MayComeOfComparison(context)) {
         return std::nullopt;
     }
-    const int logic = IsLogical(Near(context, 0))
-                          ? context.here
-                          : LastInExpression(context, context.here, IsLogical);
+    const int logic = LogicAt(context);
     const int comparison = logic == NONE ? NONE : LastInExpression(context, logic, IsComparison);
     if (comparison == NONE) {
         return std::nullopt;
@@ -285,13 +295,28 @@ Maybe NotAfterOperator(const Context& context) {
                    .arg(isPlain ? Near(context, 1).text.toString() : QStringLiteral("...")));
 }
 
+// Whether a ")" closes, within the statement, what is open at the error.
+bool IsClosedLater(const Context& context) {
+    int depth = 1;
+    for (int index = context.here; depth > 0; ++index) {
+        const Piece piece = PieceAt(context, index);
+        if (piece.span.isEmpty() || piece.is(TOKEN_SEMICOLON)) {
+            return false;
+        }
+        depth += piece.is(TOKEN_LEFT_PARENTHESIS) ? 1 : 0;
+        depth -= piece.is(TOKEN_RIGHT_PARENTHESIS) ? 1 : 0;
+    }
+    return true;
+}
+
 Maybe OpenParenthesis(const Context& context) {
     const int opening = OpeningBefore(context, context.here);
     const bool isEnd = Near(context, 0)
                            .isOneOf({TOKEN_SEMICOLON, TOKEN_THEN, TOKEN_DO, TOKEN_OF,
                                      TOKEN_END_REPEAT, TOKEN_TO, TOKEN_DOWNTO}) ||
                        IsFirstOnLine(context, context.here);
-    if (!Expects(context, TOKEN_RIGHT_PARENTHESIS) || !isEnd || opening == NONE) {
+    if (!Expects(context, TOKEN_RIGHT_PARENTHESIS) || !isEnd || opening == NONE ||
+        IsClosedLater(context)) {
         return std::nullopt;
     }
     return Say(QStringLiteral("this `(` has no `)`"), PieceAt(context, opening).span);
@@ -337,6 +362,9 @@ Maybe NumberAsTruth(const Context& context) {
                        .arg(Code(isTrue ? TOKEN_TRUE : TOKEN_FALSE)),
                    value.span);
     }
+    if (value.is(TOKEN_NUMBER)) {
+        return Say(QStringLiteral("a `BOOL` is `TRUE` or `FALSE`, and no number"), value.span);
+    }
     if (variable == nullptr || !IsNumberType(variable->type)) {
         return std::nullopt;
     }
@@ -373,7 +401,7 @@ Maybe TruthInArithmetic(const Context& context) {
     const bool isRefused =
         IsError(context, TXT_NOT_APPLICABLE_TO_THIS_OPERAND_TYPE) ||
         (IsError(context, TXT_INCOMPATIBLE_TYPES) && context.facts.error.current == TYP_BOOL);
-    if (!isRefused || !IsOperatorOfNumbers(sign)) {
+    if (!isRefused || !IsOperatorOfNumbers(sign) || Near(context, -1).is(TOKEN_STRING)) {
         return std::nullopt;
     }
     return Say(
@@ -413,7 +441,7 @@ Maybe NumberAsCondition(const Context& context) {
     }
     return Say(QStringLiteral("a condition is a `BOOL`: compare the value, as in `%1 <> 0`")
                    .arg(isPlain ? value.text.toString() : QStringLiteral("...")),
-               value.span);
+               isPlain ? value.span : Span());
 }
 
 Maybe RealForOperator(const Context& context) {
@@ -425,9 +453,12 @@ Maybe RealForOperator(const Context& context) {
         !isOperator) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("%1 takes no real number: assign it to an integer variable first, "
-                              "and use that")
-                   .arg(Code(sign)));
+    return Say(IsLogical(sign)
+                   ? QStringLiteral("%1 takes no real number: compare it first, in parentheses")
+                         .arg(Code(sign))
+                   : QStringLiteral("%1 takes no real number: assign it to an integer variable "
+                                    "first, and use that")
+                         .arg(Code(sign)));
 }
 
 }  // namespace

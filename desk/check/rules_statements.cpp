@@ -28,8 +28,10 @@ Maybe EqualsForAssign(const Context& context) {
 }
 
 bool IsInCondition(const Context& context) {
+    const StatementFact* const construct = OpenConstruct(context);
     return IsError(context, TXT_TYPE_OF_EXPRESSION_MUST_BE_BOOLEAN) ||
-           ExpectsOneOf(context, {TOKEN_THEN, TOKEN_DO, TOKEN_OF, TOKEN_END_REPEAT});
+           (ExpectsOneOf(context, {TOKEN_THEN, TOKEN_DO, TOKEN_END_REPEAT}) &&
+            construct->kind != TOKEN_FOR);
 }
 
 Maybe AssignForEquals(const Context& context) {
@@ -302,11 +304,12 @@ Maybe AssignedConstant(const Context& context) {
     if (!IsError(context, TXT_LEFT_SIDE_CANNOT_BE_ASSIGNED_TO) || variable == nullptr) {
         return std::nullopt;
     }
+    const Piece word = PieceAt(context, IndexOf(context, variable->span.begin) - 1);
     return Say(QStringLiteral("%1 is a constant: leave out the `CONSTANT` of line %2 if it is to "
                               "change")
                    .arg(Code(name))
-                   .arg(LineOf(context, variable->span)),
-               variable->span);
+                   .arg(LineOf(context, word.span)),
+               word.span);
 }
 
 // The operator of "++", "+=" and the like; empty for any other piece.
@@ -385,7 +388,9 @@ Maybe NamedParameter(const Context& context) {
         Near(context, 0).is(TOKEN_ASSIGN) || Near(context, 0).text == QLatin1String("=>");
     const bool isParameter = Near(context, -1).is(TOKEN_IDENTIFIER) &&
                              Near(context, -2).isOneOf({TOKEN_LEFT_PARENTHESIS, TOKEN_COMMA});
-    if (!isSign || !isParameter || !CallAround(context, context.here)) {
+    const bool isCompared = Near(context, 0).text == QLatin1String("=>") &&
+                            VariableNamed(context, Near(context, -1).text) != nullptr;
+    if (!isSign || !isParameter || isCompared || !CallAround(context, context.here)) {
         return std::nullopt;
     }
     return Say(QStringLiteral("parameters go by position: leave out `%1 %2`")

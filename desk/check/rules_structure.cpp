@@ -2,8 +2,6 @@
 
 #include "check/rules_table.h"
 
-#include <algorithm>
-
 namespace {
 
 using Maybe = std::optional<Help>;
@@ -46,14 +44,6 @@ bool IsEndAtStatement(const Context& context) {
 
 bool IsEndOfScript(const Context& context) {
     return IsError(context, TXT_UNEXPECTED_END_OF_INPUT_FILE) && !context.facts.open.inComment;
-}
-
-// The index of the piece that begins there, or of the next one.
-int IndexOf(const Context& context, int offset) {
-    const auto found =
-        std::lower_bound(context.pieces.begin(), context.pieces.end(), offset,
-                         [](const Piece& piece, int begin) { return piece.span.begin < begin; });
-    return static_cast<int>(found - context.pieces.begin());
 }
 
 // The ELSE that stands on the line of an IF, directly before it; an empty piece if none does.
@@ -176,6 +166,17 @@ Maybe StrayEnd(const Context& context) {
                    .arg(Code(owner), Code(Near(context, 0))));
 }
 
+// Whether the word stands after the error before a statement ends or a compound one begins.
+bool IsInStatement(const Context& context, Token word) {
+    int index = context.here;
+    while (!PieceAt(context, index).span.isEmpty() && !PieceAt(context, index).is(word) &&
+           !PieceAt(context, index)
+                .isOneOf({TOKEN_SEMICOLON, TOKEN_IF, TOKEN_FOR, TOKEN_WHILE, TOKEN_CASE})) {
+        ++index;
+    }
+    return PieceAt(context, index).is(word);
+}
+
 // The word that a compound statement asks for stands on the next line, or a wrong one here.
 Maybe MissingWord(const Context& context, Token word) {
     const Piece found = Near(context, 0);
@@ -188,7 +189,8 @@ Maybe MissingWord(const Context& context, Token word) {
                        .arg(Code(construct->kind), Code(word), Code(found)));
     }
     const bool canFollow = CanBeginStatement(found) || found.is(TOKEN_NUMBER);
-    if (!canFollow || !IsFirstOnLine(context, context.here) || !CanEndValue(Near(context, -1))) {
+    if (!canFollow || !IsFirstOnLine(context, context.here) || !CanEndValue(Near(context, -1)) ||
+        IsInStatement(context, word)) {
         return std::nullopt;
     }
     return Say(QStringLiteral("%1 is missing at the end of the head of %2")
@@ -403,15 +405,40 @@ Help UnitWithoutEnd(const Context& context, const UnitFact& unit) {
                PieceAt(context, IndexOf(context, unit.span.begin)).span);
 }
 
+// Whether a unit begins where a statement could.
+bool BeginsUnitAmongStatements(const Context& context) {
+    const StatementFact* const statement = OpenStatement(context);
+    return IsUnitBegin(Near(context, 0)) && statement != nullptr &&
+           statement->span.begin == Near(context, 0).span.begin;
+}
+
+// Whether the end of the program comes after the error: what begins there stands within it.
+bool EndsLater(const Context& context, Token unitKind) {
+    int index = context.here;
+    while (!PieceAt(context, index).span.isEmpty() &&
+           !PieceAt(context, index).is(EndOf(unitKind))) {
+        ++index;
+    }
+    return unitKind == TOKEN_PROGRAM && PieceAt(context, index).is(TOKEN_END_PROGRAM);
+}
+
 Maybe MissingEndOfUnit(const Context& context) {
     const UnitFact* const unit = OpenUnit(context);
-    const bool begins = IsUnitBegin(Near(context, 0)) && OpenStatement(context) != nullptr &&
-                        (Expects(context, TOKEN_IDENTIFIER) || Unknown(context));
-    if (unit == nullptr || unit->name == NONE || OpenConstruct(context) != nullptr ||
-        (!begins && !IsEndOfScript(context))) {
+    if (unit == nullptr || unit->name == NONE || OpenConstruct(context) != nullptr) {
         return std::nullopt;
     }
-    return UnitWithoutEnd(context, *unit);
+    const bool begins = BeginsUnitAmongStatements(context) && !EndsLater(context, unit->kind);
+    return begins || IsEndOfScript(context) ? Maybe(UnitWithoutEnd(context, *unit))
+                                            : std::nullopt;
+}
+
+Maybe DefinitionWithinProgram(const Context& context) {
+    if (!BeginsUnitAmongStatements(context) || !IsIn(context, TOKEN_PROGRAM) ||
+        OpenConstruct(context) != nullptr) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("definitions stand before the program: move this %1 there")
+                   .arg(Code(Near(context, 0))));
 }
 
 Maybe EndOfOtherUnit(const Context& context) {
@@ -543,6 +570,7 @@ Rules RulesOfStructure() {
             {"arguments-after-variables"_L1, ArgumentsAfterVariables},
             {"qualifier-of-section"_L1, QualifierOfSection},
             {"missing-end-of-unit"_L1, MissingEndOfUnit},
+            {"definition-within-program"_L1, DefinitionWithinProgram},
             {"end-of-other-unit"_L1, EndOfOtherUnit},
             {"no-program"_L1, NoProgram},
             {"program-without-section"_L1, ProgramWithoutSection},
