@@ -156,16 +156,6 @@ bool IsLogical(const Piece& piece) {
     return piece.isOneOf({TOKEN_AND, TOKEN_OR, TOKEN_XOR});
 }
 
-bool IsSection(const Piece& piece) {
-    return piece.isOneOf({TOKEN_VAR, TOKEN_VAR_INPUT, TOKEN_VAR_OUTPUT, TOKEN_VAR_GLOBAL,
-                          TOKEN_VAR_YXGLOBAL, TOKEN_VAR_YXREGISTER, TOKEN_VAR_ARG,
-                          TOKEN_VAR_REF});
-}
-
-bool IsUnitBegin(const Piece& piece) {
-    return piece.isOneOf({TOKEN_PROGRAM, TOKEN_FUNCTION, TOKEN_FUNCTION_BLOCK});
-}
-
 bool IsTypeName(const Piece& piece) {
     return std::any_of(std::begin(TypsTable), std::end(TypsTable),
                        [&](const typ& row) { return piece.isSpelled(row.name); });
@@ -222,10 +212,6 @@ const StatementFact* StatementOf(const Context& context, int index) {
     return index == NONE ? nullptr : &context.facts.statements[static_cast<std::size_t>(index)];
 }
 
-bool IsConstruct(Token kind) {
-    return EndOf(kind) != TOKEN_UNKNOWN && kind < TOKEN_FUNCTION && kind != TOKEN_PROGRAM;
-}
-
 }  // namespace
 
 const StatementFact* OpenStatement(const Context& context, int level) {
@@ -238,7 +224,7 @@ const StatementFact* OpenStatement(const Context& context, int level) {
 
 const StatementFact* OpenConstruct(const Context& context, int level) {
     const StatementFact* statement = OpenStatement(context);
-    while (statement != nullptr && (!IsConstruct(statement->kind) || level-- > 0)) {
+    while (statement != nullptr && (!IsCompoundBegin(statement->kind) || level-- > 0)) {
         statement = StatementOf(context, statement->parent);
     }
     return statement;
@@ -256,29 +242,6 @@ bool IsOpen(const Context& context, Token constructKind) {
 Span WordOf(const StatementFact& statement) {
     const int length = TokensTable[Lookup(statement.kind)].text.size();
     return {statement.span.begin, statement.span.begin + length};
-}
-
-Token EndOf(Token kind) {
-    switch (kind) {
-        case TOKEN_IF:
-            return TOKEN_END_IF;
-        case TOKEN_FOR:
-            return TOKEN_END_FOR;
-        case TOKEN_WHILE:
-            return TOKEN_END_WHILE;
-        case TOKEN_REPEAT:
-            return TOKEN_END_REPEAT;
-        case TOKEN_CASE:
-            return TOKEN_END_CASE;
-        case TOKEN_PROGRAM:
-            return TOKEN_END_PROGRAM;
-        case TOKEN_FUNCTION:
-            return TOKEN_END_FUNCTION;
-        case TOKEN_FUNCTION_BLOCK:
-            return TOKEN_END_FUNCTION_BLOCK;
-        default:
-            return TOKEN_UNKNOWN;
-    }
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 // identifier whatever it names.
 #pragma once
 
+#include "check/tokens.h"
 #include "facts/facts.h"
 
 #include <QLatin1String>
@@ -75,9 +76,8 @@ bool CanEndValue(const Piece& piece);
 bool CanBeginStatement(const Piece& piece);
 
 bool IsComparison(const Piece& piece);
-bool IsLogical(const Piece& piece);    // AND, OR, XOR
-bool IsSection(const Piece& piece);    // VAR and its relatives
-bool IsUnitBegin(const Piece& piece);  // the words PROGRAM, FUNCTION, FUNCTION_BLOCK
+bool IsLogical(const Piece& piece);  // AND, OR, XOR
+
 bool IsTypeName(const Piece& piece);
 
 // The place directly after a piece, one character.
@@ -115,9 +115,6 @@ bool IsOpen(const Context& context, Token constructKind);
 
 // The piece of the statement's first word.
 Span WordOf(const StatementFact& statement);
-
-// The word that ends a compound statement or a unit which begins with that one.
-Token EndOf(Token kind);
 
 // ---------------------------------------------------------------------------------------------
 // Names

@@ -145,7 +145,7 @@ Maybe ReservedName(const Context& context) {
         IsErrorOneOf(context, {TXT_USING_RESERVED_WORD, TXT_PROGRAMNAME_EXPECTED_BUT,
                                TXT_FUNCTIONNAME_EXPECTED_BUT, TXT_PROCEDURENAME_EXPECTED_BUT});
     const Piece name = Near(context, 0);
-    const bool isMissing = !IsDeclaring(context) && IsSection(name);
+    const bool isMissing = !IsDeclaring(context) && IsSectionBegin(name.code);
     const bool isDeclared = !IsDeclaring(context) || Near(context, 1).is(TOKEN_COLON);
     if (!isName || !IsName(name) || isMissing || !isDeclared) {
         return std::nullopt;
@@ -159,7 +159,7 @@ Maybe ReservedName(const Context& context) {
 Maybe MissingUnitName(const Context& context) {
     if (!IsErrorOneOf(context, {TXT_PROGRAMNAME_EXPECTED_BUT, TXT_FUNCTIONNAME_EXPECTED_BUT,
                                 TXT_PROCEDURENAME_EXPECTED_BUT}) ||
-        !IsSection(Near(context, 0))) {
+        !IsSectionBegin(Near(context, 0).code)) {
         return std::nullopt;
     }
     return Say(QStringLiteral("the name is missing after %1").arg(Code(Near(context, -1))),

@@ -214,10 +214,10 @@ std::optional<Elsewhere> VariableBelow(const Context& context, const Piece& name
     for (int index = context.here; !PieceAt(context, index).span.isEmpty(); ++index) {
         const Piece piece = PieceAt(context, index);
         const Piece next = PieceAt(context, index + 1);
-        if (IsUnitBegin(piece)) {
+        if (IsUnitBegin(piece.code)) {
             unit = next.text.toString();
         }
-        isSection = (isSection || IsSection(piece)) && !piece.is(TOKEN_END_VAR);
+        isSection = (isSection || IsSectionBegin(piece.code)) && !piece.is(TOKEN_END_VAR);
         if (isSection && !unit.isEmpty() && piece.isSpelled(name.text) && next.is(TOKEN_COLON)) {
             return Elsewhere{piece.span, unit};
         }

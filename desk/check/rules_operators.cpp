@@ -219,11 +219,12 @@ bool MayComeOfComparison(const Context& context) {
     const Piece found = Near(context, 0);
     const bool isSecond = IsComparison(found) && !context.facts.error.expected.empty();
     const bool isLeft = IsError(context, TXT_LEFT_OPERAND_HAS_TYPE) && IsLogical(found);
+    const bool isRight = IsError(context, TXT_RIGHT_OPERAND_HAS_TYPE);
     const bool isMixed = IsError(context, TXT_INCOMPATIBLE_TYPES) &&
                          IsTypOrdinal(context.facts.error.current) &&
                          context.facts.error.next == TYP_BOOL;
     const bool isNot = Expects(context, TOKEN_NUMBER) && found.is(TOKEN_NOT);
-    return isSecond || isLeft || isMixed || isNot;
+    return isSecond || isLeft || isRight || isMixed || isNot;
 }
 
 // The AND, OR or XOR that the error is about; at a ")" it stands before what that closes.

@@ -31,15 +31,11 @@ Token OwnerOf(const Piece& piece) {
     }
 }
 
-bool IsUnitEnd(const Piece& piece) {
-    return piece.isOneOf({TOKEN_END_PROGRAM, TOKEN_END_FUNCTION, TOKEN_END_FUNCTION_BLOCK});
-}
-
 // Whether a word that ends something stands where a statement could.
 bool IsEndAtStatement(const Context& context) {
     const Piece word = Near(context, 0);
     return OpenStatement(context) != nullptr && Expects(context, TOKEN_IDENTIFIER) &&
-           (OwnerOf(word) != TOKEN_UNKNOWN || IsUnitEnd(word) || word.is(TOKEN_PROGRAM));
+           (OwnerOf(word) != TOKEN_UNKNOWN || IsUnitEnd(word.code) || word.is(TOKEN_PROGRAM));
 }
 
 bool IsEndOfScript(const Context& context) {
@@ -214,18 +210,13 @@ Maybe MissingOf(const Context& context) {
 // The missing ";"
 // ---------------------------------------------------------------------------------------------
 
-bool IsCompoundEnd(const Piece& piece) {
-    return piece.isOneOf(
-        {TOKEN_END_IF, TOKEN_END_FOR, TOKEN_END_WHILE, TOKEN_END_CASE, TOKEN_END_REPEAT});
-}
-
 bool CanEndStatement(const Piece& piece) {
-    return CanEndValue(piece) || IsCompoundEnd(piece) ||
+    return CanEndValue(piece) || IsCompoundEnd(piece.code) ||
            piece.isOneOf({TOKEN_BREAK, TOKEN_CONTINUE, TOKEN_EXIT});
 }
 
 bool IsClosing(const Piece& piece) {
-    return OwnerOf(piece) != TOKEN_UNKNOWN || IsUnitEnd(piece) || piece.is(TOKEN_END_VAR);
+    return OwnerOf(piece) != TOKEN_UNKNOWN || IsUnitEnd(piece.code) || piece.is(TOKEN_END_VAR);
 }
 
 // A name begins a statement or a declaration if what follows it does so too.
@@ -260,14 +251,14 @@ Maybe MissingSemicolon(const Context& context) {
 int SectionBefore(const Context& context, int index) {
     do {
         --index;
-    } while (index >= 0 && !IsSection(PieceAt(context, index)));
+    } while (index >= 0 && !IsSectionBegin(PieceAt(context, index).code));
     return index;
 }
 
 // Whether END_VAR comes, after a piece, before the next section or the end of the unit.
 bool IsSectionEnded(const Context& context, int index) {
-    while (!PieceAt(context, index).span.isEmpty() && !IsUnitEnd(PieceAt(context, index)) &&
-           !IsSection(PieceAt(context, index))) {
+    while (!PieceAt(context, index).span.isEmpty() && !IsUnitEnd(PieceAt(context, index).code) &&
+           !IsSectionBegin(PieceAt(context, index).code)) {
         if (PieceAt(context, index).is(TOKEN_END_VAR)) {
             return true;
         }
@@ -280,7 +271,8 @@ bool IsSectionEnded(const Context& context, int index) {
 bool IsAfterSection(const Context& context) {
     const Piece word = Near(context, 0);
     if (IsErrorOneOf(context, {TXT_USING_RESERVED_WORD, TXT_USING_FUNCTION_NAME})) {
-        const bool canFollow = CanBeginStatement(word) || IsSection(word) || IsUnitEnd(word);
+        const bool canFollow =
+            CanBeginStatement(word) || IsSectionBegin(word.code) || IsUnitEnd(word.code);
         return canFollow && !Near(context, 1).is(TOKEN_COLON);
     }
     if (IsError(context, TXT_DUPLICATE_VARIABLE_NAME)) {
@@ -365,7 +357,7 @@ Maybe SectionOfOtherUnit(const Context& context) {
 
 Maybe SectionAfterStatements(const Context& context) {
     if (!Expects(context, TOKEN_IDENTIFIER) || OpenStatement(context) == nullptr ||
-        !IsSection(Near(context, 0)) || OpenConstruct(context) != nullptr) {
+        !IsSectionBegin(Near(context, 0).code) || OpenConstruct(context) != nullptr) {
         return std::nullopt;
     }
     return Say(QStringLiteral("all sections stand before the first statement of their unit"));
@@ -384,7 +376,7 @@ Maybe ArgumentsAfterVariables(const Context& context) {
 Maybe QualifierOfSection(const Context& context) {
     const Piece word = Near(context, -1);
     if (!IsDeclaring(context) || !Expects(context, TOKEN_COLON) ||
-        !IsSection(Near(context, -2)) ||
+        !IsSectionBegin(Near(context, -2).code) ||
         !word.isSpelledOneOf({"RETAIN"_L1, "NON_RETAIN"_L1, "PERSISTENT"_L1, "PUBLIC"_L1,
                               "PRIVATE"_L1, "PROTECTED"_L1, "INTERNAL"_L1})) {
         return std::nullopt;
@@ -408,7 +400,7 @@ Help UnitWithoutEnd(const Context& context, const UnitFact& unit) {
 // Whether a unit begins where a statement could.
 bool BeginsUnitAmongStatements(const Context& context) {
     const StatementFact* const statement = OpenStatement(context);
-    return IsUnitBegin(Near(context, 0)) && statement != nullptr &&
+    return IsUnitBegin(Near(context, 0).code) && statement != nullptr &&
            statement->span.begin == Near(context, 0).span.begin;
 }
 
@@ -444,7 +436,7 @@ Maybe DefinitionWithinProgram(const Context& context) {
 Maybe EndOfOtherUnit(const Context& context) {
     const UnitFact* const unit = OpenUnit(context);
     const Piece word = Near(context, 0);
-    if (unit == nullptr || !IsEndAtStatement(context) || !IsUnitEnd(word)) {
+    if (unit == nullptr || !IsEndAtStatement(context) || !IsUnitEnd(word.code)) {
         return std::nullopt;
     }
     return Say(QStringLiteral("a %1 ends with %2, not with %3")
@@ -509,14 +501,14 @@ Maybe FunctionWithoutType(const Context& context) {
 
 Maybe SemicolonAfterUnit(const Context& context) {
     if (!Expects(context, TOKEN_PROGRAM) || !Near(context, 0).is(TOKEN_SEMICOLON) ||
-        !IsUnitEnd(Near(context, -1))) {
+        !IsUnitEnd(Near(context, -1).code)) {
         return std::nullopt;
     }
     return Say(QStringLiteral("no `;` follows %1").arg(Code(Near(context, -1))));
 }
 
 Maybe SectionOutside(const Context& context) {
-    if (!Expects(context, TOKEN_PROGRAM) || !IsSection(Near(context, 0))) {
+    if (!Expects(context, TOKEN_PROGRAM) || !IsSectionBegin(Near(context, 0).code)) {
         return std::nullopt;
     }
     return Say(QStringLiteral("a section stands within a program or definition: move this %1 "
