@@ -5,7 +5,6 @@
 #include "qyx_types.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace {
 
@@ -269,9 +268,11 @@ void AddCallees(const Context& context, std::vector<QString>& names) {
     }
 }
 
-void AddWords(std::vector<QString>& names) {
+// Words that stand where a statement can begin.
+void AddWords(const Context& context, std::vector<QString>& names) {
     for (const token& row : TokensTable) {
-        if (std::isalpha(static_cast<unsigned char>(*row.text.data())) != 0) {
+        const bool isResult = row.code == TOKEN_RESULT && IsIn(context, TOKEN_FUNCTION);
+        if (IsBoundary(row.code) || row.code == TOKEN_TICK || isResult) {
             names.emplace_back(row.text);
         }
     }
@@ -288,7 +289,7 @@ Maybe Misspelt(const Context& context) {
     }
     AddCallees(context, names);
     if (BeginsOpenStatement(context, name)) {
-        AddWords(names);
+        AddWords(context, names);
     }
     const QString best = MostLike(name.text, names);
     if (best.isEmpty()) {
@@ -376,7 +377,7 @@ Maybe MissingLabel(const Context& context) {
 
 Maybe Undeclared(const Context& context) {
     const Piece name = UnknownWord(context);
-    if (!name.is(TOKEN_IDENTIFIER)) {
+    if (!name.is(TOKEN_IDENTIFIER) || IsTypeName(name)) {
         return std::nullopt;
     }
     const QString unit = Code(NameOf(context, *OpenUnit(context)));
