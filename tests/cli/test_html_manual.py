@@ -59,16 +59,14 @@ class Figure(NamedTuple):
     first_line: int
     code: str  # with its tags
 
-    @property
-    def text(self):
-        return plain(self.code) + "\n"
-
 
 FIGURE = re.compile(
     r'<figure class="script ?(\w*)"><figcaption>(.*?)</figcaption>'
     r".*?<code[^>]*?(?:source-line (\d+);\")?>(.*?)</code>.*?</figure>",
     re.DOTALL,
 )
+
+CODE = re.compile(r"<pre[^>]*><code[^>]*>(.*?)</code></pre>", re.DOTALL)
 
 
 def plain(html):
@@ -209,33 +207,37 @@ class Pages(PagesTestCase):
 
 class Examples(PagesTestCase):
     def examples(self):
+        """Each script with the figure that shows it and the state that it must have."""
+        found = []
         for name, source in self.sources.items():
             examples, figures = find_examples(source), figures_of(self.texts[name])
             self.assertEqual(len(figures), len(examples.scripts), name)
-            states = expected_states(examples)
-            for script, figure, state in zip(examples.scripts, figures, states):
-                with self.subTest(page=name, line=script.fence.line):
-                    yield script, figure, state
+            found += zip(examples.scripts, figures, expected_states(examples))
+        return found
 
-    def test_scripts_are_shown_as_they_are_written(self):
-        for script, figure, _ in self.examples():
-            self.assertEqual(figure.text, script.fence.text)
+    def in_place(self, script):
+        return self.subTest(page=script.fence.page, line=script.fence.line)
+
+    def test_examples_are_shown_as_they_are_written(self):
+        for name, source in self.sources.items():
+            shown = [plain(code) for code in CODE.findall(self.texts[name])]
+            with self.subTest(page=name):
+                self.assertEqual(shown, [fence.text.removesuffix("\n") for fence in source.fences])
 
     def test_wrong_and_mended_scripts_have_labels(self):
-        seen = set()
-        for _, figure, state in self.examples():
-            seen.add(state)
-            self.assertEqual(figure.state, state)
-            self.assertRegex(figure.caption, f"^{LABELS[state]}$")
-        self.assertEqual(seen, set(LABELS))
+        for script, figure, state in self.examples():
+            with self.in_place(script):
+                self.assertEqual(figure.state, state)
+                self.assertRegex(figure.caption, f"^{LABELS[state]}$")
+        self.assertEqual({state for _, _, state in self.examples()}, set(LABELS))
 
     def test_lines_are_numbered_as_messages_count_them(self):
-        numbers = set()
         for script, figure, _ in self.examples():
-            numbers.add(first_line(script))
-            self.assertEqual(figure.first_line, first_line(script))
-            self.assertEqual(figure.code.count('<span id="lines-'), figure.text.count("\n"))
-        self.assertGreater(len(numbers), 1)
+            with self.in_place(script):
+                self.assertEqual(figure.first_line, first_line(script))
+                lines = figure.code.count('<span id="lines-')
+                self.assertEqual(lines, script.fence.text.count("\n"))
+        self.assertGreater(len({first_line(script) for script, _, _ in self.examples()}), 1)
 
     def test_reserved_words_are_coloured_and_names_are_not(self):
         coloured, bare = set(), set()
