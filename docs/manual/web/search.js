@@ -36,18 +36,9 @@ const manualSearch = (() => {
         return new Map(found.map((each) => [Number(each.ref), each.score]));
     }
 
-    // How near the section comes to the text as it was typed; signs count here.
-    function nearness(section, typed) {
-        if (section.plainTitle === typed) return 3;
-        if (section.plainTitle.includes(typed)) return 2;
-        return section.plainText.includes(typed) ? 1 : 0;
-    }
-
     function open(sections) {
         const index = indexOf(sections);
-        const known = sections.map((section) => ({
-            ...section, plainTitle: plain(section.title), plainText: plain(section.text),
-        }));
+        const texts = sections.map(({ title, text }) => plain(`${title} ${text}`));
 
         function scoresOf(stems) {
             if (stems.length === 0) return new Map();
@@ -55,16 +46,17 @@ const manualSearch = (() => {
             return scores.size ? scores : ranked(index, stems, lunr.Query.presence.OPTIONAL);
         }
 
-        // The sections for a text, the best first.
+        // The sections for a text, the best first: those that hold it as it was typed, signs
+        // included, come before those that hold its words.
         return (text) => {
             const typed = plain(text);
             if (typed === "") return [];
             const scores = scoresOf(wordsOf(typed).map(stem));
-            const found = known.map((section, at) => ({
-                section, score: scores.get(at) ?? 0, near: nearness(section, typed),
+            const found = sections.map((section, at) => ({
+                section, score: scores.get(at) ?? 0, holds: texts[at].includes(typed),
             }));
-            return found.filter((each) => each.score > 0 || each.near > 0)
-                .sort((a, b) => b.near - a.near || b.score - a.score)
+            return found.filter((each) => each.score > 0 || each.holds)
+                .sort((a, b) => b.holds - a.holds || b.score - a.score)
                 .map((each) => each.section);
         };
     }
