@@ -200,6 +200,10 @@ class Pages(PagesTestCase):
                 self.assertEqual([each for each in listed if each[0] == "#"], sections)
                 self.assertLessEqual(set(self.sources), set(listed))
 
+    def test_dark_colours_are_for_screens_alone(self):
+        conditions = re.findall("@media ([^{]*dark[^{]*)", (self.folder / "style.css").read_text())
+        self.assertEqual(conditions, ["screen and (prefers-color-scheme: dark) "])
+
     def test_licence_is_where_the_code_is(self):
         self.assertIn("Permission is hereby granted", (self.folder / "lunr.copyright").read_text())
         self.assertIn("MIT", (self.folder / "lunr.min.js").read_text()[:300])
