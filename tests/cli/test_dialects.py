@@ -1,8 +1,12 @@
-"""The tables of docs/manual/dialects.md say what the compiler does.
+"""What the manual says to those who write Structured Text elsewhere is what the compiler does.
 
-Each row has a form of another dialect and one of this language, which stand in the latest frame
-above the table, and what the compiler says to the first: its message, with a link to the entry of
-that message, or that it is accepted, with the same code or with other code than the second form.
+Each row of the tables of docs/manual/dialects.md has a form of another dialect and one of this
+language, which stand in the latest frame above the table, and what the compiler says to the first:
+its message, with a link to the entry of that message, or that it is accepted, with the same code or
+with other code than the second form.
+
+What is written in the habits of other dialects has an example in docs/manual/diagnostics.md, in the
+entry of the message that it gives.
 """
 
 import re
@@ -141,6 +145,101 @@ class Tables(unittest.TestCase):
         named = {word for row in self.rows for word in code_in(row.what).split()}
         self.assertEqual(set(CONSTRUCTS) - named, set())
 
+
+# What is written elsewhere, as it stands in a script, with the identifiers of the messages that it
+# gives; in some places it gives more than one.
+HABITS = {
+    r"Twice := 2 \* x": {"not-enough-actual-parameters"},
+    r"Five := 5;": {"expected-but"},
+    r"VAR RETAIN": {"expected-but"},
+    r"> 0(?:\.0)? AND": {"expected-but", "left-operand-has-type", "incompatible-types"},
+    r"> 0 AND level > 0\.5": {"right-operand-has-type"},
+    r"==": {"expected-but", "incompatible-types", "type-of-expression-must-be-boolean"},
+    r"!=": {"type-of-expression-must-be-boolean"},
+    r"=<": {"type-of-expression-must-be-boolean"},
+    r"IF \w+ := ": {"expected-but", "type-of-expression-must-be-boolean"},
+    r"^ +\w+ : 5;": {"duplicate-variable-name", "expected-but"},
+    r"automatic: lamp": {"duplicate-variable-name", "ordinal-type-required"},
+    r"VAR_TEMP": {"program-must-start-with-declaration-of-variables", "unrecognized-keyword"},
+    r"ELSE IF": {"expected-but"},
+    r"WHILE count < 5 DO(?![^#]*END_WHILE)": {"expected-but"},
+    r"\(base := level": {"unrecognized-keyword"},
+    r"1_000": {"expected-but"},
+    r"1e-3": {"expected-but"},
+    r"\(\*[^)]*\(\*": {"expected-but"},
+    r"\{": {"expected-but"},
+    r"^TYPE": {"expected-but"},
+    r"^VAR_GLOBAL.*^PROGRAM": {"expected-but"},
+    r"END_FUNCTION;": {"expected-but"},
+    r"a, b : REAL": {"expected-but"},
+    r" AT %": {"expected-but"},
+    r": TIME\b": {"unrecognized-keyword"},
+    r"T#5s": {"unrecognized-keyword"},
+    r"RETURN;": {"unrecognized-keyword"},
+    r"ABS\(": {"unrecognized-keyword"},
+}
+
+ID = re.compile(r"^<!-- id: (.+) -->$")
+
+
+def ids_of_sections(page):
+    """Index of a heading -> the identifiers in the line below it."""
+    found, section = {}, -1
+    for line in page.prose.splitlines():
+        if section + 1 < len(page.headings) and line.endswith(page.headings[section + 1].text):
+            section += 1
+        if match := ID.match(line):
+            found[section] = set(match[1].split(", "))
+    return found
+
+
+def is_of_message(script, page):
+    """Whether the message of a script is the one that its section is about."""
+    heading = page.headings[script.fence.section].text
+    return bool(texts_in_heading(heading) & texts_in_diagnostics(script.diagnostics))
+
+
+def ids_with_example(page, habit):
+    """The identifiers of the entries with a wrong script that is written in that habit."""
+    ids = ids_of_sections(page)
+    pattern = re.compile(habit, re.MULTILINE | re.DOTALL)
+    return {
+        name
+        for script in find_examples(page).scripts
+        if script.is_wrong and pattern.search(script.source) and is_of_message(script, page)
+        for name in ids.get(script.fence.section, ())
+    }
+
+
+class Habits(unittest.TestCase):
+    def test_each_has_an_example_in_the_entry_of_its_message(self):
+        for habit, ids in HABITS.items():
+            with self.subTest(habit=habit):
+                self.assertEqual(ids - ids_with_example(ENTRIES, habit), set())
+
+    def test_an_example_elsewhere_does_not_count(self):
+        for heading, expected in ((ENTRY, {"expected-but"}), ("### `Array type required`", set())):
+            page = read_page("page.md", f"{heading}\n\n<!-- id: expected-but -->\n\n{EXAMPLE}")
+            with self.subTest(heading=heading):
+                self.assertEqual(ids_with_example(page, "1_0"), expected)
+                self.assertEqual(ids_with_example(page, "1_1"), set())
+
+    def test_nothing_is_mended_with_exit_but_return(self):
+        mended = [one for one in find_examples(ENTRIES).scripts if not one.is_wrong]
+        sections = [one.fence.section for one in mended if "EXIT;" in one.source]
+        headings = [ENTRIES.headings[section].text for section in sections]
+        self.assertEqual(headings, ['`An unrecognized keyword "X"`'])
+
+
+ENTRY = '### `"X" expected but "Y" found`'
+EXAMPLE = """\
+```st
+PROGRAM p VAR x : INT; END_VAR x := 1_0; END_PROGRAM
+```
+```message
+Error: Line 1, Column 38: ";" expected but "_0" found
+```
+"""
 
 FRAME = "PROGRAM p\nVAR\n x : INT := 1;\nEND_VAR\n(* statements *)\nEND_PROGRAM"
 UNKNOWN = '[`An unrecognized keyword "y"`](diagnostics.md#an-unrecognized-keyword-x)'
