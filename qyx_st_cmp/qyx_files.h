@@ -265,6 +265,11 @@ inline char* PutPart(char* to, QLatin1String part) {
 std::size_t PartSize(QStringView part);
 char* PutPart(char* to, QStringView part);
 
+// Whether anything beside the code file takes the items.
+inline bool AreItemsTaken() {
+    return flag_ShowOnScreen || flag_SaveListFile || g_Observer != nullptr;
+}
+
 // Writes one item of target code.
 //
 // QUIRK(one-line-code): the code file is one single line: every item is followed by one blank
@@ -274,7 +279,7 @@ Q_ALWAYS_INLINE void WriteItem(const Parts&... parts) {
     char* const begin = ReserveCode((PartSize(parts) + ...) + 1);
     char* end = begin;
     ((end = PutPart(end, parts)), ...);
-    if (flag_ShowOnScreen || flag_SaveListFile || g_Observer != nullptr) {
+    if (AreItemsTaken()) {
         ListItem({begin, static_cast<std::size_t>(end - begin)});
     }
     ++g_OutputCodeFileCurrentLineCount;
