@@ -44,6 +44,7 @@ constexpr int WITHOUT_MEMORY = 3;
 // Reads what the compiler has not: from where it stopped, token by token.
 void ReadOn(Collector& collector) {
     collector.readOn();
+    SkipWhite();
     while (!IsEndOfInput(Look)) {
         const int line = g_InputCodeFileCurrentLineCount;
         const int column = g_InputCodeFileCurrentPosCount;

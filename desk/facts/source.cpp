@@ -26,11 +26,14 @@ Place Source::placeOf(int offset) const {
 }
 
 int Source::offsetOf(Place place) const {
+    if (place.line < 1) {
+        return 0;
+    }
     if (place.line > lineCount()) {
         return size();
     }
     const Span line = lineAt(place.line);
-    return std::min(line.begin + place.column - 1, line.end);
+    return std::clamp(line.begin + place.column - 1, 0, line.end);
 }
 
 Span Source::lineAt(int line) const {

@@ -36,7 +36,8 @@ public:
     int size() const { return text_.size(); }
 
     // The place of an offset from 0 to the size of the text, and back. A place beyond the text or
-    // its line is taken for the end of either; column 0 is the line feed before the line.
+    // its line is taken for the end of either, one before the text for its begin; column 0 is the
+    // line feed before the line.
     Place placeOf(int offset) const;
     int offsetOf(Place place) const;
 

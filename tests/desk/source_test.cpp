@@ -18,6 +18,13 @@ TEST(Source, PlacesCountLinesAndUnits) {
     }
 }
 
+TEST(Source, PlacesBeforeTheTextAreItsBegin) {
+    const Source source(QStringLiteral("name"), QStringLiteral("ab\ncde"));
+    EXPECT_EQ(source.offsetOf({0, 0}), 0);
+    EXPECT_EQ(source.offsetOf({0, 9}), 0);
+    EXPECT_EQ(source.offsetOf({1, 0}), 0);
+}
+
 TEST(Source, PlacesBeyondTheTextAreItsEnd) {
     const Source source(QStringLiteral("name"), QStringLiteral("ab\ncde"));
     EXPECT_EQ(source.offsetOf({1, 9}), 2);

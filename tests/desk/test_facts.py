@@ -1,5 +1,9 @@
-"""What `yxst facts` tells agrees with the compiler, over all golden cases and examples."""
+"""What `yxst facts` tells agrees with the compiler, over all golden cases, examples and what the
+fuzzer has kept.
+"""
 
+import json
+import sys
 import unittest
 from typing import NamedTuple
 
@@ -75,6 +79,8 @@ def all_scripts():
     scripts = {case.name: case.data for case in all_cases()}
     for path in sorted((ROOT / "examples").glob("*.st")):
         scripts[f"examples/{path.stem}"] = path.read_bytes()
+    for path in sorted((ROOT / "tests/fuzz/corpus").iterdir()):
+        scripts[f"corpus/{path.name}"] = path.read_bytes()
     return scripts
 
 
@@ -105,8 +111,10 @@ def wrong_items(subject):
 
 
 def place_of_message(subject, message):
-    """As the compiler gives it: the end of a line may be column 0 of the next."""
+    """As the compiler gives it: it counts line feeds as column 0, and has a line 0."""
     line, column = message["begin"]
+    if "Line 0, Column 0:" in subject.diagnostics[-1] and subject.begin(message) == 0:
+        return 0, 0
     if f"Line {line + 1}, Column 0:" in subject.diagnostics[-1]:
         return line + 1, 0
     return line, column
@@ -138,6 +146,14 @@ def wrong_order(subject):
         for (begin, end), (following, _) in zip(spans, [*spans[1:], (len(subject.source),) * 2]):
             if begin > end or end > following:
                 yield f"{kind}: {begin} to {end}, then {following}"
+
+
+def wrong_begins(subject):
+    """Records stand in the order of the script."""
+    for kind in ("units", "uses", "declarations", "statements"):
+        begins = [subject.begin(fact) for fact in subject.facts[kind]]
+        if begins != sorted(begins):
+            yield f"{kind} begin at {begins}"
 
 
 def left_out(subject):
@@ -256,8 +272,9 @@ def wrong_codes(subject):
 
 CLASSES = ("identifier", "function", "functionBlock", "number", "string", "unknown")
 CHECKS = [
-    wrong_end, wrong_items, wrong_messages, wrong_texts, wrong_order, wrong_cover, wrong_statements,
-    wrong_units, wrong_declarations, wrong_names, wrong_uses, wrong_places, wrong_codes,
+    wrong_end, wrong_items, wrong_messages, wrong_texts, wrong_order, wrong_begins, wrong_cover,
+    wrong_statements, wrong_units, wrong_declarations, wrong_names, wrong_uses, wrong_places,
+    wrong_codes,
 ]  # fmt: skip
 
 
@@ -268,6 +285,127 @@ class EveryScript(unittest.TestCase):
             for subject in subjects:
                 with self.subTest(check=check.__name__, script=subject.name):
                     self.assertEqual(list(check(subject)), [])
+
+
+SAMPLE = b"""PROGRAM P
+VAR
+    a : INT := 0;  // of no use
+    b : INT := 1;
+END_VAR
+    IF a = b THEN
+        b := a;;
+    END_IF;
+END_PROGRAM
+"""
+SPAN = {"begin": [1, 1], "end": [1, 2]}
+
+
+def change(kind, index, **members):
+    return lambda facts: facts[kind][index].update(members)
+
+
+# What each check must notice in the facts about the sample.
+NOTICED = [
+    (wrong_end, lambda facts: facts.update(compiled=False)),
+    (wrong_items, change("items", -1, item="NOP")),
+    (wrong_items, lambda facts: facts["items"].pop()),
+    (wrong_messages, lambda facts: facts["messages"].append(
+        {"severity": "error", "text": "none", **SPAN})),
+    (wrong_texts, change("tokens", 0, text="program")),
+    (wrong_texts, change("comments", 0, text="of no use")),
+    (wrong_order, lambda facts: facts["tokens"].reverse()),
+    (wrong_order, change("tokens", 0, end=[2, 2])),
+    (wrong_begins, lambda facts: facts["uses"].reverse()),
+    (wrong_cover, lambda facts: facts["tokens"].pop(5)),
+    (wrong_cover, lambda facts: facts["tokens"].pop()),
+    (wrong_cover, lambda facts: facts["comments"].pop()),
+    (wrong_statements, change("statements", 1, end=[9, 1])),
+    (wrong_statements, change("statements", 1, begin=[5, 1])),
+    (wrong_statements, change("statements", 1, parent=1)),
+    (wrong_statements, change("statements", 1, ended=False)),
+    (wrong_units, change("units", 0, end=[6, 1])),
+    (wrong_units, change("units", 0, ended=False)),
+    (wrong_declarations, change("declarations", 0, name=2)),
+    (wrong_declarations, change("declarations", 1, name=1)),
+    (wrong_names, change("names", 1, begin=[4, 5], end=[4, 6])),
+    (wrong_names, change("uses", 0, name=2)),
+    (wrong_uses, lambda facts: facts["uses"].pop()),
+    (wrong_uses, lambda facts: facts["uses"].append(facts["uses"][0])),
+    (wrong_places, change("items", -2, at=[9, 1], statement=0)),
+    (wrong_codes, change("tokens", 0, code="identifier")),
+    (wrong_codes, change("tokens", 1, code="P")),
+]  # fmt: skip
+
+
+class Checks(unittest.TestCase):
+    """The checks themselves: they accept what is right and notice what is not."""
+
+    def test_what_is_wrong_is_noticed(self):
+        for check, damage in NOTICED:
+            subject = subject_of("sample", SAMPLE)
+            with self.subTest(check=check.__name__, line=damage.__code__.co_firstlineno):
+                self.assertEqual(list(check(subject)), [])
+                damage(subject.facts)
+                self.assertNotEqual(list(check(subject)), [])
+
+    def test_every_check_is_tried(self):
+        self.assertEqual({check for check, _ in NOTICED}, set(CHECKS))
+
+
+# ---------------------------------------------------------------------------------------------
+# The schema
+# ---------------------------------------------------------------------------------------------
+
+DEBIAN_MODULES = "/usr/lib/python3/dist-packages"  # also for another Python than Debian's
+
+
+def schema_validator():
+    """The function that refuses what does not keep to the schema, None without the tool."""
+    sys.path.append(DEBIAN_MODULES)
+    try:
+        import fastjsonschema
+    except ImportError:
+        return None
+    finally:
+        sys.path.remove(DEBIAN_MODULES)
+    schema = ROOT / "tests/desk/facts.schema.json"
+    return fastjsonschema.compile(json.loads(schema.read_text(encoding="utf-8")))
+
+
+validate = schema_validator()
+
+DAMAGES = [
+    ("version", lambda facts: facts.update(version=2)),
+    ("other member", lambda facts: facts.update(other=1)),
+    ("missing list", lambda facts: facts.pop("tokens")),
+    ("place from 0", lambda facts: facts["tokens"][0].update(begin=[1, 0])),
+    ("place of three", lambda facts: facts["tokens"][0].update(begin=[1, 1, 1])),
+    ("reference below 0", lambda facts: facts["uses"][0].update(name=-1)),
+    ("text for a reference", lambda facts: facts["statements"][0].update(unit="Pump")),
+    ("unknown type", lambda facts: facts["names"][1].update(type="TIME")),
+    ("variable without a unit", lambda facts: facts["names"][1].pop("unit")),
+    ("label with a section", lambda facts: facts["names"][0].update(section="VAR")),
+    ("code with a blank", lambda facts: facts["tokens"][0].update(code="END VAR")),
+    ("other severity", lambda facts: facts["messages"][0].update(severity="hint")),
+    ("id in capitals", lambda facts: facts["messages"][0].update(id="TXT_COMMA")),
+]
+WITH_WARNING = b"PROGRAM P VAR a : INT; b : INT; END_VAR b := 1; END_PROGRAM"
+
+
+@unittest.skipUnless(validate, "fastjsonschema is not installed")
+class Schema(unittest.TestCase):
+    def test_all(self):
+        for subject in subjects:
+            with self.subTest(script=subject.name):
+                validate(subject.facts)
+
+    def test_damaged_facts_are_refused(self):
+        for name, damage in DAMAGES:
+            facts, _ = facts_of(WITH_WARNING)
+            validate(facts)
+            damage(facts)
+            with self.subTest(damage=name), self.assertRaises(ValueError):
+                validate(facts)
 
 
 if __name__ == "__main__":
