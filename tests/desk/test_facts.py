@@ -10,7 +10,7 @@ from typing import NamedTuple
 from support_desk import FINE, NOT_FINE, ROOT, facts_of
 
 from cases import all_cases  # isort: skip: found by support_desk
-from support import compile_source, diagnostics_in, side_by_side  # isort: skip
+from support import compile_source, diagnostics_in, side_by_side, words  # isort: skip
 
 WHITE = " \t\n"
 END_OF_INPUT = "\uffff"  # counts as such wherever it stands
@@ -113,9 +113,10 @@ def wrong_items(subject):
 def place_of_message(subject, message):
     """As the compiler gives it: it counts line feeds as column 0, and has a line 0."""
     line, column = message["begin"]
-    if "Line 0, Column 0:" in subject.diagnostics[-1] and subject.begin(message) == 0:
+    last = "".join(subject.diagnostics[-1:])
+    if "Line 0, Column 0:" in last and subject.begin(message) == 0:
         return 0, 0
-    if f"Line {line + 1}, Column 0:" in subject.diagnostics[-1]:
+    if f"Line {line + 1}, Column 0:" in last:
         return line + 1, 0
     return line, column
 
@@ -130,6 +131,14 @@ def wrong_messages(subject):
     messages = [line_of(subject, message) for message in subject.facts["messages"]]
     if messages != subject.diagnostics:
         yield f"{messages} and not {subject.diagnostics}"
+
+
+def wrong_ids(subject):
+    """An id is that of a constant whose text is in the message."""
+    for message in subject.facts["messages"]:
+        constant = "TXT_" + message["id"].upper().replace("-", "_")
+        if words.messages().get(constant, message["id"]) not in message["text"]:
+            yield f"{message}"
 
 
 def wrong_texts(subject):
@@ -263,18 +272,23 @@ def wrong_places(subject):
 
 
 def wrong_codes(subject):
-    """A reserved word has its own text for its code, and nothing else has."""
+    """A reserved word and a sign have their own text for their code, all else a class.
+
+    A dot by itself is a sign after a number that can have no fraction, else a number.
+    """
+    known = set(words.tokens())
     for token in subject.facts["tokens"]:
-        is_own = token["code"] == token["text"].upper()
-        if is_own == (token["code"] in CLASSES):
+        text = token["text"].upper()
+        expected = (text,) if text in known else CLASSES
+        if token["code"] not in expected and text != ".":
             yield f"{token}"
 
 
 CLASSES = ("identifier", "function", "functionBlock", "number", "string", "unknown")
 CHECKS = [
-    wrong_end, wrong_items, wrong_messages, wrong_texts, wrong_order, wrong_begins, wrong_cover,
-    wrong_statements, wrong_units, wrong_declarations, wrong_names, wrong_uses, wrong_places,
-    wrong_codes,
+    wrong_end, wrong_items, wrong_messages, wrong_ids, wrong_texts, wrong_order, wrong_begins,
+    wrong_cover, wrong_statements, wrong_units, wrong_declarations, wrong_names, wrong_uses,
+    wrong_places, wrong_codes,
 ]  # fmt: skip
 
 
@@ -311,6 +325,8 @@ NOTICED = [
     (wrong_items, lambda facts: facts["items"].pop()),
     (wrong_messages, lambda facts: facts["messages"].append(
         {"severity": "error", "text": "none", **SPAN})),
+    (wrong_ids, lambda facts: facts["messages"].append({"id": "comma", "text": "none"})),
+    (wrong_ids, lambda facts: facts["messages"].append({"id": "none", "text": "no"})),
     (wrong_texts, change("tokens", 0, text="program")),
     (wrong_texts, change("comments", 0, text="of no use")),
     (wrong_order, lambda facts: facts["tokens"].reverse()),
