@@ -36,7 +36,7 @@ constexpr const char* WARNED =
     "  (* all *) b := F(a); IF a = 1 THEN GOTO l; END_IF; l: b := 2;\n"
     "END_PROGRAM\n";
 constexpr const char* FINE = "PROGRAM P VAR a : INT := 1; END_VAR a := a; END_PROGRAM";
-constexpr const char* WRONG = "PROGRAM P VAR a : INT; END_VAR IF a := TRUE; END_IF; END_PROGRAM";
+constexpr const char* WRONG = "PROGRAM P VAR a : BOOL := TRUE; END_VAR IF a; END_IF; END_PROGRAM";
 
 // ---------------------------------------------------------------------------------------------
 // The compile
@@ -53,8 +53,8 @@ TEST(Compile, NamesTellWhatTheyAre) {
         EXPECT_EQ(facts.names[index].kind, kinds[index]) << index;
     }
     EXPECT_EQ(facts.names[0].type, TYP_INT);
-    EXPECT_EQ(facts.names[1].section, TOKEN_RESULT);
-    EXPECT_EQ(facts.names[2].section, TOKEN_VAR_ARG);
+    EXPECT_EQ(facts.names[1].section, TOKEN_VAR_ARG);
+    EXPECT_EQ(facts.names[2].section, TOKEN_RESULT);
     EXPECT_EQ(facts.names[2].unit, 0);
     EXPECT_EQ(facts.names[4].unit, 1);
     EXPECT_EQ(facts.names[6].unit, NONE);
@@ -63,7 +63,7 @@ TEST(Compile, NamesTellWhatTheyAre) {
 TEST(Compile, UsesReferToNames) {
     const Facts facts = FactsAbout(SourceOf(WARNED));
     const std::pair<UseKind, int> uses[] = {
-        {UseKind::Write, 1}, {UseKind::Read, 2}, {UseKind::Write, 5}, {UseKind::Call, 0},
+        {UseKind::Write, 2}, {UseKind::Read, 1}, {UseKind::Write, 5}, {UseKind::Call, 0},
         {UseKind::Read, 4},  {UseKind::Read, 4}, {UseKind::Goto, 6},  {UseKind::Write, 5}};
     ASSERT_EQ(facts.uses.size(), std::size(uses));
     for (std::size_t index = 0; index < std::size(uses); ++index) {
@@ -89,7 +89,7 @@ TEST(Compile, AnErrorTellsWhatWasGoingOn) {
     const Source source = SourceOf(WRONG);
     const Facts facts = FactsAbout(source);
     ASSERT_FALSE(facts.isCompiled());
-    EXPECT_EQ(source.text(facts.error.token).toString(), QStringLiteral(":="));
+    EXPECT_EQ(source.text(facts.error.token).toString(), QStringLiteral(";"));
     ASSERT_EQ(facts.error.expected.size(), 1U);
     EXPECT_EQ(facts.error.expected.front(), TOKEN_THEN);
     EXPECT_EQ(facts.open.unit, 0);
@@ -125,7 +125,7 @@ TEST(Compile, MessagesHaveTheSpanOfTheirToken) {
     const Source source = SourceOf(WRONG);
     const Facts facts = FactsAbout(source);
     const Span span = SpanOfMessage(facts, facts.messages.back());
-    EXPECT_EQ(source.text(span).toString(), QStringLiteral(":="));
+    EXPECT_EQ(source.text(span).toString(), QStringLiteral(";"));
     EXPECT_TRUE(TokenAt(facts, source.size()).isEmpty());
     EXPECT_TRUE(TokenAt(facts, 1).isEmpty());
 }
