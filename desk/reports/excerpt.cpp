@@ -12,7 +12,7 @@ namespace {
 constexpr int ROOM = 100;        // columns of an excerpt
 constexpr int REACH = 2 * ROOM;  // characters on each side of a mark that may be seen
 constexpr int TAB = 4;           // columns between the stops
-constexpr char32_t ELLIPSIS = 0x2026;
+constexpr Cell ELLIPSIS = {0x2026, 1};
 
 // Characters side by side, tabs expanded.
 struct Row {
@@ -67,9 +67,11 @@ void AppendVisible(QString& text, Cell cell, int column, Columns inside) {
     }
 }
 
-QString VisibleText(const Row& row, Columns window, bool isCutBefore, bool isCutAfter) {
+QString VisibleText(const Row& row, Columns window) {
+    const bool isCutBefore = window.from > 0;
+    const bool isCutAfter = window.to < row.width;
     const Columns inside = {window.from + isCutBefore, window.to - isCutAfter};
-    const QString ellipsis = QString::fromUcs4(&ELLIPSIS, 1);
+    const QString ellipsis = QString::fromUcs4(&ELLIPSIS.shown, 1);
     QString text = isCutBefore ? ellipsis : QString();
     int column = 0;
     for (const Cell cell : row.cells) {
@@ -105,26 +107,38 @@ Span PieceOfLine(const Source& source, Span line, Span piece) {
     return WholeCharacters(source, {begin, std::clamp(piece.end, begin, line.end)});
 }
 
+// A row with the columns of its mark.
+struct MarkedRow {
+    Row row;
+    Columns mark;
+};
+
+// What of a line may be seen around a piece of it.
+MarkedRow RowAround(const Source& source, Span line, Span piece) {
+    const int begin = std::max(line.begin, piece.begin - REACH);
+    const int end = std::min(line.end, piece.begin + REACH);
+    const int pieceEnd = std::min(piece.end, end);
+    Row row;
+    if (begin > line.begin) {
+        row.append(ELLIPSIS);
+    }
+    row.append(source.text({begin, piece.begin}));
+    const int from = row.width;
+    row.append(source.text({piece.begin, pieceEnd}));
+    const int to = std::max(row.width, from + 1);
+    row.append(source.text({pieceEnd, end}));
+    if (end < line.end) {
+        row.append(ELLIPSIS);
+    }
+    return {row, {from, to}};
+}
+
 }  // namespace
 
 Excerpt ExcerptOf(const Source& source, Span piece) {
     const int number = source.placeOf(piece.begin).line;
     const Span line = TextOfLine(source, number);
-    const Span marked = PieceOfLine(source, line, piece);
-    const Span seen = {std::max(line.begin, marked.begin - REACH),
-                       std::min(line.end, marked.begin + REACH)};
-    const int markedEnd = std::min(marked.end, seen.end);
-
-    Row row;
-    row.append(source.text({seen.begin, marked.begin}));
-    const int markBegin = row.width;
-    row.append(source.text({marked.begin, markedEnd}));
-    const Columns mark = {markBegin, std::max(row.width, markBegin + 1)};
-    row.append(source.text({markedEnd, seen.end}));
-
-    const int width = std::max(row.width, mark.to);
-    const Columns window = WindowOf(width, mark);
-    const bool isCutBefore = window.from > 0 || seen.begin > line.begin;
-    const bool isCutAfter = window.to < width || seen.end < line.end;
-    return {number, VisibleText(row, window, isCutBefore, isCutAfter), MarkText(mark, window)};
+    const auto [row, mark] = RowAround(source, line, PieceOfLine(source, line, piece));
+    const Columns window = WindowOf(std::max(row.width, mark.to), mark);
+    return {number, VisibleText(row, window), MarkText(mark, window)};
 }

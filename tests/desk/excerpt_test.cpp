@@ -141,6 +141,14 @@ TEST(LongLines, CutNeverSplitsACharacter) {
     }
 }
 
+TEST(LongLines, CutWithoutWidthShows) {
+    const QString combining = QString(QChar(0x301)).repeated(300);
+    const std::string seen = QString(QChar(0x301)).repeated(200).toStdString();
+    EXPECT_EQ(Marked("a" + combining + "x", "x"), "…" + seen + "x\n ^");
+    EXPECT_EQ(Marked("x" + combining + "a", "x"),
+              "x" + QString(QChar(0x301)).repeated(199).toStdString() + "…\n^");
+}
+
 // Wherever the mark stands in whatever line, the character over it is the piece's first.
 TEST(LongLines, MarkIsUnderItsPieceEverywhere) {
     const QString unit = QStringLiteral("a\tя漢😀e\u0301\x1b");

@@ -55,7 +55,8 @@ class Vim(EditorTestCase):
     def found(self, *commands):
         (self.folder / "script").write_text(VIM_SCRIPT)
         options = [part for command in commands for part in ("-c", command)]
-        return self.run_editor("vim", "-es", "-u", "DEFAULTS", "-i", "NONE", *options, "-S", "script")
+        quietly = ("-es", "-u", "DEFAULTS", "-i", "NONE")
+        return self.run_editor("vim", *quietly, *options, "-S", "script")
 
     def test_default_errorformat(self):
         expected = [
