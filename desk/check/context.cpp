@@ -1,5 +1,6 @@
 #include "check/context.h"
 
+#include "explain/distance.h"
 #include "facts/catalogue.h"
 
 #include "qyx_functions.h"
@@ -396,28 +397,17 @@ std::optional<Call> CallAround(const Context& context, int index) {
 
 namespace {
 
-// Inserted, left out, changed and exchanged letters count one each.
-int DistanceBetween(const QString& a, const QString& b) {
-    const int width = b.size() + 1;
-    std::vector<int> cells(static_cast<std::size_t>((a.size() + 1) * width));
-    const auto cell = [&](int i, int j) -> int& {
-        return cells[static_cast<std::size_t>(i * width + j)];
-    };
-    for (int i = 0; i <= a.size(); ++i) {
-        for (int j = 0; j <= b.size(); ++j) {
-            if (i == 0 || j == 0) {
-                cell(i, j) = i + j;
-                continue;
-            }
-            const int change = a[i - 1] == b[j - 1] ? 0 : 1;
-            cell(i, j) =
-                std::min({cell(i - 1, j) + 1, cell(i, j - 1) + 1, cell(i - 1, j - 1) + change});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
-                cell(i, j) = std::min(cell(i, j), cell(i - 2, j - 2) + 1);
-            }
-        }
-    }
-    return cells.back();
+// Whether two neighbouring letters change places, and that is all.
+bool IsOneExchange(const QString& one, const QString& other) {
+    const auto [first, second] =
+        std::mismatch(one.begin(), one.end(), other.begin(), other.end());
+    const bool hasTwo = one.end() - first >= 2 && other.end() - second >= 2;
+    return one.size() == other.size() && hasTwo && first[0] == second[1] &&
+           first[1] == second[0] && std::equal(first + 2, one.end(), second + 2);
+}
+
+int DistanceBetween(const QString& one, const QString& other) {
+    return IsOneExchange(one, other) ? 1 : EditDistance(one, other);
 }
 
 // How much two names may differ: short ones are soon like any other.
