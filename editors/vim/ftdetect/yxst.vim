@@ -1,2 +1,8 @@
-" Scripts are recognised by their suffix; a file type that is set already stays.
-autocmd BufRead,BufNewFile *.st setfiletype yxst
+" Scripts are recognised by their suffix. Vim's own rule, which comes first, takes them for
+" Smalltalk; any other file type that is set already stays. Who has .st files of another kind says so:
+"
+"     let g:filetype_st = 'st'
+autocmd BufRead,BufNewFile *.st
+      \ if index(['', 'st'], &filetype) >= 0 |
+      \   let &l:filetype = get(g:, 'filetype_st', 'yxst') |
+      \ endif

@@ -13,6 +13,10 @@ setlocal comments=s1:(*,mb:*,ex:*),://
 setlocal formatoptions-=t formatoptions+=croql
 setlocal suffixesadd=.st
 
+if get(g:, 'yxst_recommended_style', 1)
+  setlocal expandtab shiftwidth=4 softtabstop=4
+endif
+
 " The pairs between which % jumps where the plug-in matchit is loaded.
 let b:match_ignorecase = 1
 let b:match_words = join([
@@ -28,6 +32,7 @@ let b:match_words = join([
       \ ], ',')
 
 let b:undo_ftplugin = 'setlocal commentstring< comments< formatoptions< suffixesadd<'
+      \ . ' expandtab< shiftwidth< softtabstop<'
       \ . ' | unlet! b:match_ignorecase b:match_words'
 
 let &cpoptions = s:saved_cpoptions
