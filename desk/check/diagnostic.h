@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 enum class Level : unsigned char { Note, Warning, Error };
@@ -23,6 +24,13 @@ struct Diagnostic {
     QString message;  // as the compiler words it
     Span span;        // empty where there is no token, as at the end of the script
     std::vector<Help> helps;
+    // Where the message stands, if that is not where the span begins: the compiler's place before
+    // the first line or column, where no character is.
+    std::optional<Place> ownPlace = std::nullopt;
+
+    Place placeIn(const Source& source) const {
+        return ownPlace ? *ownPlace : source.placeOf(span.begin);
+    }
 };
 
 // A script and all that is to be said about it, in the order of the script.

@@ -39,7 +39,9 @@ bool FileCheck::take(const Facts& facts) {
     if (!isConsequence(facts)) {
         reportError(facts);
     }
-    if (errors_ == maxErrors_) {
+    const bool isAllRead =
+        IsKind(ErrorOf(facts), TXT_UNEXPECTED_END_OF_INPUT_FILE) && !facts.open.inComment;
+    if (errors_ == maxErrors_ || isAllRead) {
         return false;
     }
     --roundsLeft_;
@@ -51,11 +53,15 @@ bool FileCheck::take(const Facts& facts) {
 // ---------------------------------------------------------------------------------------------
 
 Diagnostic FileCheck::diagnosticOf(const Facts& facts, const MessageFact& message) const {
-    return {message.isError ? Level::Error : Level::Warning,
-            QString(IdOf(message.constant)),
-            facts.textOf(message.text).toString(),
-            edits_.original(SpanOfMessage(facts, message)),
-            {}};
+    Diagnostic diagnostic;
+    diagnostic.level = message.isError ? Level::Error : Level::Warning;
+    diagnostic.id = QString(IdOf(message.constant));
+    diagnostic.message = facts.textOf(message.text).toString();
+    diagnostic.span = edits_.original(SpanOfMessage(facts, message));
+    if (message.given.line == 0 || message.given.column == 0) {
+        diagnostic.ownPlace = message.given;
+    }
+    return diagnostic;
 }
 
 void FileCheck::reportError(const Facts& facts) {
@@ -113,8 +119,12 @@ FileReport FileCheck::report() const {
 }
 
 void FileCheck::stop(const Facts& facts, const QString& why) {
-    const Span span = edits_.original(facts.error.token);
-    found_.push_back({Level::Note, QStringLiteral("stopped-here"), why, span, {}});
+    Diagnostic note;
+    note.level = Level::Note;
+    note.id = QStringLiteral("stopped-here");
+    note.message = why;
+    note.span = edits_.original(facts.error.token);
+    found_.push_back(std::move(note));
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -254,8 +254,11 @@ void Collector::messageGiven(const Message& message) {
     if (isReadingOn_) {
         throw CompileStopped();
     }
-    facts_.messages.push_back({message.isError, ConstantOf(message.constant),
-                               offsetOf(message.pos), addText(message.text)});
+    facts_.messages.push_back({message.isError,
+                               ConstantOf(message.constant),
+                               offsetOf(message.pos),
+                               {message.pos.line + 1, message.pos.column + 1},
+                               addText(message.text)});
     if (message.isError) {
         facts_.error.token = currentSpan();
         facts_.open.part = currentPart();

@@ -86,6 +86,7 @@ struct MessageFact {
     bool isError;
     int constant;  // in the catalogue
     int place;     // where the message stands
+    Place given;   // the same as the compiler says it; part of it is 0 where no character stands
     Span text;     // in `texts`
 };
 

@@ -24,4 +24,4 @@ bool HasOwnPlace(const Help& help, const Diagnostic& diagnostic);
 Span SpanOf(const Help& help, const Diagnostic& diagnostic);
 
 // "path:line:column:", which editors read.
-QString PlaceText(const Source& source, Span span);
+QString PlaceText(const Source& source, Place place);

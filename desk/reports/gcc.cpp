@@ -6,9 +6,9 @@
 
 namespace {
 
-void PrintLine(const Source& source, Span span, Level level, const QString& text) {
+void PrintLine(const Source& source, Place place, Level level, const QString& text) {
     const std::string_view name = NameOf(level);
-    Print(PlaceText(source, span) + u' ');
+    Print(PlaceText(source, place) + u' ');
     Print(name);
     Print(QStringLiteral(": ") + Harmless(text) + u'\n');
 }
@@ -24,9 +24,10 @@ public:
 private:
     static void diagnostic(const Source& source, const Diagnostic& diagnostic) {
         const QString text = diagnostic.message + QStringLiteral(" [") + diagnostic.id + u']';
-        PrintLine(source, diagnostic.span, diagnostic.level, text);
+        PrintLine(source, diagnostic.placeIn(source), diagnostic.level, text);
         for (const Help& help : diagnostic.helps) {
-            PrintLine(source, SpanOf(help, diagnostic), Level::Note, help.text);
+            PrintLine(source, source.placeOf(SpanOf(help, diagnostic).begin), Level::Note,
+                      help.text);
         }
     }
 };

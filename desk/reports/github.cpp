@@ -53,7 +53,7 @@ QString MessageOf(const Diagnostic& diagnostic) {
 void PrintCommand(const Source& source, const Diagnostic& diagnostic) {
     const Span span = diagnostic.span;
     QStringList properties = {Property("file", source.name())};
-    properties << PlaceProperties(source.placeOf(span.begin), source.placeOf(span.end))
+    properties << PlaceProperties(diagnostic.placeIn(source), source.placeOf(span.end))
                << Property("title", diagnostic.id);
     Print(QStringLiteral("::") + CommandOf(diagnostic.level) + u' ' + properties.join(u',') +
           QStringLiteral("::") + EscapedData(MessageOf(diagnostic)) + u'\n');

@@ -108,7 +108,7 @@ void HumanReport::diagnostic(const Source& source, const Diagnostic& diagnostic)
 
 void HumanReport::heading(const Source& source, const Diagnostic& diagnostic) const {
     const QStringList parts = {
-        painted(BOLD, PlaceText(source, diagnostic.span)),
+        painted(BOLD, PlaceText(source, diagnostic.placeIn(source))),
         painted(PaintOf(diagnostic.level), TextOf(NameOf(diagnostic.level)) + u':'),
         painted(BOLD, Harmless(diagnostic.message)),
         u'[' + diagnostic.id + u']',

@@ -15,7 +15,7 @@ private:
     JsonWriter json_{1};
 
     void diagnostic(const Source& source, const Diagnostic& diagnostic);
-    void place(const Source& source, Span span);
+    void place(Place begin, Place end);
     void helps(const Source& source, const Diagnostic& diagnostic);
     void help(const Source& source, const Diagnostic& diagnostic, const Help& help);
 };
@@ -29,7 +29,7 @@ void JsonReport::file(const FileReport& report) {
 void JsonReport::diagnostic(const Source& source, const Diagnostic& diagnostic) {
     json_.beginObject();
     json_.member("file", source.name());
-    place(source, diagnostic.span);
+    place(diagnostic.placeIn(source), source.placeOf(diagnostic.span.end));
     json_.member("severity", NameOf(diagnostic.level));
     json_.member("id", diagnostic.id);
     json_.member("message", diagnostic.message);
@@ -40,9 +40,7 @@ void JsonReport::diagnostic(const Source& source, const Diagnostic& diagnostic) 
     json_.endObject();
 }
 
-void JsonReport::place(const Source& source, Span span) {
-    const Place begin = source.placeOf(span.begin);
-    const Place end = source.placeOf(span.end);
+void JsonReport::place(Place begin, Place end) {
     json_.member("line", begin.line);
     json_.member("column", begin.column);
     json_.member("endLine", end.line);
@@ -62,7 +60,8 @@ void JsonReport::help(const Source& source, const Diagnostic& diagnostic, const 
     json_.beginObject();
     json_.member("id", help.id);
     json_.member("text", help.text);
-    place(source, SpanOf(help, diagnostic));
+    const Span span = SpanOf(help, diagnostic);
+    place(source.placeOf(span.begin), source.placeOf(span.end));
     json_.endObject();
 }
 

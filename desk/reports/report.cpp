@@ -56,8 +56,7 @@ Span SpanOf(const Help& help, const Diagnostic& diagnostic) {
     return HasOwnPlace(help, diagnostic) ? help.span : diagnostic.span;
 }
 
-QString PlaceText(const Source& source, Span span) {
-    const Place place = source.placeOf(span.begin);
+QString PlaceText(const Source& source, Place place) {
     return QStringLiteral("%1:%2:%3:")
         .arg(Harmless(source.name()), QString::number(place.line), QString::number(place.column));
 }
