@@ -383,12 +383,12 @@ int CommasBetween(const Context& context, int opening, int index) {
 
 }  // namespace
 
-std::optional<Call> CallAround(const Context& context, int index) {
+std::optional<CallPlace> CallAround(const Context& context, int index) {
     const int opening = OpeningBefore(context, index);
     if (opening == NONE || !PieceAt(context, opening - 1).is(TOKEN_IDENTIFIER)) {
         return std::nullopt;
     }
-    return Call{opening - 1, CommasBetween(context, opening, index)};
+    return CallPlace{opening - 1, CommasBetween(context, opening, index)};
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -150,11 +150,11 @@ const std::vector<Callee>& BuiltIns();
 std::optional<Callee> CalleeNamed(const Context& context, QStringView name);
 
 // The call in whose parentheses a piece stands.
-struct Call {
+struct CallPlace {
     int name;       // index of the callee's name
     int parameter;  // which one the piece stands in, from 0
 };
-std::optional<Call> CallAround(const Context& context, int index);
+std::optional<CallPlace> CallAround(const Context& context, int index);
 
 // The index of the parenthesis that opens what is closed before `index` or still open there;
 // NONE if there is none in the statement.

@@ -435,7 +435,7 @@ EndedCall CallBefore(const Context& context) {
     }
     const int opening = OpeningBefore(context, last);
     const bool isEmpty = opening == last - 1;
-    const std::optional<Call> call = CallAround(context, last);
+    const std::optional<CallPlace> call = CallAround(context, last);
     return {opening - 1, isEmpty || !call ? 0 : call->parameter + 1};
 }
 
@@ -464,7 +464,7 @@ struct Passed {
 };
 
 std::optional<Passed> PassedAt(const Context& context, int index) {
-    const std::optional<Call> call = CallAround(context, index);
+    const std::optional<CallPlace> call = CallAround(context, index);
     const std::optional<Callee> callee =
         call ? CalleeNamed(context, PieceAt(context, call->name).text) : std::nullopt;
     if (!callee || call->parameter >= static_cast<int>(callee->formals.size())) {

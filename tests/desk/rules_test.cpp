@@ -5,6 +5,7 @@
 
 #include "facts/compile.h"
 #include "rule_cases.h"
+#include "rule_slips.h"
 
 #include <gmock/gmock.h>
 
@@ -14,6 +15,7 @@
 #include <QStringList>
 
 #include <ostream>
+#include <stdexcept>
 
 using testing::IsEmpty;
 using testing::UnorderedElementsAreArray;
@@ -63,6 +65,26 @@ TEST(Rules, EachFiresOnItsSlip) {
         EXPECT_EQ(help.id, QLatin1String(each.id));
         EXPECT_EQ(help.text, QString::fromUtf8(each.help));
         EXPECT_EQ(source.text(help.span).toString(), QString::fromUtf8(each.marked)) << each.id;
+    }
+}
+
+TEST(Rules, SlipsHaveOtherForms) {
+    for (const Slip& each : OtherSlips()) {
+        const Source source = SourceOf(each.script);
+        const Outcome outcome = OutcomeOf(source);
+        ASSERT_EQ(outcome.helps.size(), 1U) << each.help;
+        const Help& help = outcome.helps.front();
+        EXPECT_EQ(help.id, QLatin1String(each.id)) << each.help;
+        EXPECT_EQ(help.text, QString::fromUtf8(each.help));
+        EXPECT_EQ(source.text(help.span).toString(), QString::fromUtf8(each.marked)) << each.help;
+    }
+}
+
+TEST(Rules, NoneFiresWithoutAReason) {
+    for (const QString& script : ScriptsWithoutReason()) {
+        const Outcome outcome = OutcomeOf(SourceOf(script));
+        EXPECT_FALSE(outcome.isCompiled) << script.toStdString();
+        EXPECT_THAT(outcome.helps, IsEmpty()) << script.toStdString();
     }
 }
 
