@@ -3,7 +3,7 @@
 #include "check/check_files.h"
 #include "facts/input.h"
 #include "options.h"
-#include "reports/report.h"
+#include "reports/make_report.h"
 #include "subcommands.h"
 
 #include <QThread>

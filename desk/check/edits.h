@@ -3,6 +3,8 @@
 
 #include "facts/source.h"
 
+#include <QStringList>
+
 #include <vector>
 
 // A piece of the script and what stands in its place.
@@ -14,6 +16,16 @@ struct Edit {
 // A text of the same extent as a piece: the neutral text, then blanks, with the line feeds of the
 // piece where they are. It is longer where the neutral text has no room on the first line.
 QString NeutralText(QStringView piece, const QString& neutral);
+
+// What is proposed to get past an error: edits, none if there is no way past.
+struct Repair {
+    std::vector<Edit> edits;  // in the text that was compiled
+    // Names about which nothing is known for certain any more: a message about a piece that has
+    // one of them may follow from the error. The first are those of the open unit, the others
+    // are seen by all units.
+    QStringList doubtfulNames;
+    QStringList doubtfulDefinitions;
+};
 
 // Edits of one script, in the order of the script, none within another.
 class Edits {

@@ -12,8 +12,6 @@
 #include <QPair>
 #include <QSet>
 
-struct Repair;
-
 class FileCheck {
     // A name that means nothing certain: the unit that has it, by its begin, NONE for all units,
     // and its folded text.

@@ -10,19 +10,6 @@
 #include "check/edits.h"
 #include "facts/facts.h"
 
-#include <QStringList>
-
-#include <vector>
-
-struct Repair {
-    std::vector<Edit> edits;  // in the text that was compiled; none if there is no way past
-    // Names about which nothing is known for certain any more: a message about a piece that has
-    // one of them may follow from the error. The first are those of the open unit, the others
-    // are seen by all units.
-    QStringList doubtfulNames;
-    QStringList doubtfulDefinitions;
-};
-
 // The smallest repair for the error that ended the compile.
 Repair FindRepair(const Source& source, const Facts& facts);
 

@@ -1,7 +1,7 @@
 // The place of an error and what surrounds it.
 #pragma once
 
-#include "check/repair.h"
+#include "check/edits.h"
 #include "check/tokens.h"
 
 #include <QLatin1String>

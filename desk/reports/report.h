@@ -4,24 +4,6 @@
 
 #include "check/diagnostic.h"
 
-#include <memory>
-#include <utility>
-
-enum class ReportFormat : unsigned char { Human, Gcc, Json, Sarif, Github };
-
-// The formats by the names that the user knows them by.
-inline constexpr std::pair<const char*, ReportFormat> REPORT_FORMATS[] = {
-    {"human", ReportFormat::Human},   {"gcc", ReportFormat::Gcc},
-    {"json", ReportFormat::Json},     {"sarif", ReportFormat::Sarif},
-    {"github", ReportFormat::Github},
-};
-
-struct ReportOptions {
-    ReportFormat format = ReportFormat::Human;
-    bool hasColors = false;  // for the format that knows any, Human
-    bool isQuiet = false;    // no summary
-};
-
 // What was found in all files. Notes do not count.
 struct Summary {
     int errors = 0;
@@ -44,5 +26,3 @@ public:
     virtual void file(const FileReport& report) = 0;
     virtual void end(const Summary&) {}
 };
-
-std::unique_ptr<Report> MakeReport(const ReportOptions& options);

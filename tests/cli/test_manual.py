@@ -54,7 +54,9 @@ from support import (
 from test_catalogue import CATALOGUE, NOT_RAISED, SOURCES, texts_in, texts_in_diagnostics
 
 MANUAL = ROOT / "docs" / "manual"
-PAGES_WITH_EXAMPLES = "tutorial language target-code diagnostics surprises dialects facts".split()
+PAGES_WITH_EXAMPLES = (
+    "tutorial language target-code diagnostics reasons surprises dialects facts"
+).split()
 
 STATEMENTS_MARK = "(* statements *)"
 RESULT_KINDS = {"listing", "items", "code", "message"}

@@ -3,7 +3,7 @@
 //     yxst_report_sample FORMAT [colors] [quiet]
 
 #include "reports/output.h"
-#include "reports/report.h"
+#include "reports/make_report.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,7 +1,7 @@
 // The formats of reports, byte for byte: what each makes of places, levels, helps and of
 // characters that mean something to it.
 
-#include "reports/report.h"
+#include "reports/make_report.h"
 
 #include <gtest/gtest.h>
 
