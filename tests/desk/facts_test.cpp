@@ -96,7 +96,7 @@ TEST(Compile, AnErrorTellsWhatWasGoingOn) {
     EXPECT_EQ(facts.open.declaration, NONE);
     EXPECT_EQ(facts.open.statement, 0);
     EXPECT_EQ(source.text({facts.open.part, facts.open.part + 1}).toString(),
-              QStringLiteral("a"));
+              QStringLiteral("I"));
     EXPECT_FALSE(facts.open.inComment);
     EXPECT_EQ(source.text(facts.tokens.back().span).toString(), QStringLiteral("END_PROGRAM"));
 }
