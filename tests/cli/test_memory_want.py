@@ -7,7 +7,7 @@ import subprocess
 import unittest
 
 import want
-from limits import IS_MEASURE, KIB, MIB
+from limits import IS_MEASURE, IS_SANITIZED, KIB, MIB, STACK_SIZE, limit_stack
 from preloads import needs_c_compiler, preload_for
 from workplace import (
     SMALL_SOURCE,
@@ -16,6 +16,11 @@ from workplace import (
     assert_none,
     finish_shown,
 )
+
+
+def limit_space(limit):
+    limit_stack(STACK_SIZE)
+    resource.setrlimit(resource.RLIMIT_AS, limit)
 
 
 @needs_c_compiler
@@ -38,7 +43,7 @@ class FailingAllocation(unittest.TestCase):
         assert_none(self, *want.check(self.library, wants))
 
 
-@unittest.skipUnless(IS_MEASURE, "the memory of this build is no measure")
+@unittest.skipIf(IS_SANITIZED, "a sanitizer does not work with limited memory")
 class SmallAddressSpace(unittest.TestCase):
     """The stack grows when it is used, and finds no room."""
 
@@ -55,9 +60,7 @@ class SmallAddressSpace(unittest.TestCase):
             with Workplace(source) as place:
                 limit = (size, size)
                 pipes = {"stdout": subprocess.PIPE, "stderr": subprocess.DEVNULL}
-                process = place.start(
-                    preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, limit), **pipes
-                )
+                process = place.start(preexec_fn=lambda: limit_space(limit), **pipes)
                 status, shown = finish_shown(process, TIMEOUT_SECONDS)
                 ends.add(status)
                 self.assertEqual(place.strays(), [])
