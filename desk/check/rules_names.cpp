@@ -101,6 +101,12 @@ bool IsCalled(const Context& context, const Piece& word) {
            Near(context, -1).span.begin == word.span.begin;
 }
 
+// Whether a value is to be stored under that name.
+bool IsTarget(const Context& context, const Piece& word) {
+    return Near(context, 0).is(TOKEN_ASSIGN) &&
+           Near(context, -1).span.begin == word.span.begin;
+}
+
 // ---------------------------------------------------------------------------------------------
 // Names declared elsewhere
 // ---------------------------------------------------------------------------------------------
@@ -287,8 +293,10 @@ Maybe Misspelt(const Context& context) {
     if (!IsCalled(context, name)) {
         AddVariables(context, names);
     }
-    AddCallees(context, names);
-    if (BeginsOpenStatement(context, name)) {
+    if (!IsTarget(context, name)) {
+        AddCallees(context, names);
+    }
+    if (BeginsOpenStatement(context, name) && !IsTarget(context, name)) {
         AddWords(context, names);
     }
     const QString best = MostLike(name.text, names);

@@ -241,6 +241,10 @@ END_PROGRAM
 )"),
          "the `IF` of line 14 ends with `END_IF;`", "END"},
         {"undeclared-name", Lines(R"(
+    foo := 7;
+)"),
+         "`Demo` has no variable `foo`: declare it in a section, as in `foo : INT;`", "foo"},
+        {"undeclared-name", Lines(R"(
     zebra := 1;
 )"),
          "`Demo` has no variable `zebra`: declare it in a section, as in `zebra : INT;`",
