@@ -27,12 +27,14 @@ constexpr Subcommand SUBCOMMANDS[] = {
     {"explain", "Explain a message", DeclareExplain},
 };
 
-// The language has a version, which the banner tells, and the programs have theirs.
+// The programs have the version of the package, the language has one of its own, which the
+// compiler's first line tells.
 std::string Version() {
     const std::string commit =
 #include "commit.inc"
         ;
-    return "yxst " YXST_VERSION " (commit " + commit + ", Qt " + qVersion() + ")\n" +
+    return "yxst and yxstcmp " YXST_VERSION " (commit " + commit + ", Qt " + qVersion() +
+           ")\nThe compiler's first line has the version of the language: " +
            TXT_TRADEMARK.data();
 }
 

@@ -22,7 +22,11 @@ endif()
 run(${source}/scripts/manual ${docs}/html)
 run(python3 -B ${source}/packaging/changelog.py ${CPACK_PACKAGE_VERSION}
     ${CPACK_PACKAGE_CONTACT} ${docs}/changelog)
-run(gzip -9n ${docs}/changelog ${tree}/usr/share/man/man1/yxstcmp.1)
+file(GLOB manual_pages ${tree}/usr/share/man/man1/*.1)
+run(gzip -9n ${docs}/changelog ${manual_pages})
+file(MAKE_DIRECTORY ${tree}/usr/share/yxstcmp ${tree}/usr/share/doc-base)
+run(python3 -B ${source}/packaging/vsix.py ${tree}/usr/share/yxstcmp/yxst.vsix)
+file(COPY_FILE ${source}/packaging/doc-base ${tree}/usr/share/doc-base/yxstcmp)
 file(MAKE_DIRECTORY ${tree}/usr/share/lintian/overrides)
 file(COPY_FILE ${source}/packaging/lintian-overrides ${tree}/usr/share/lintian/overrides/yxstcmp)
 

@@ -8,7 +8,11 @@ _yxstcmp() {
             mapfile -t COMPREPLY < <(compgen -d -- "$word"; compgen -f -X '!*.[sS][tT]' -- "$word")
             ;;
         2)
-            mapfile -t COMPREPLY < <(compgen -f -- "$word")
+            # A script is no output: it would be lost.
+            mapfile -t COMPREPLY < <({
+                compgen -d -- "$word"
+                compgen -f -X '*.[sS][tT]' -- "$word"
+            } | sort -u)
             ;;
         *)
             given=" ${COMP_WORDS[*]:3:COMP_CWORD-3} "

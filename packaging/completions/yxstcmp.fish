@@ -10,9 +10,15 @@ function __yxstcmp_option --argument-names option description
         -n "__yxstcmp_has_words 3; and not contains -- $option (commandline -opc)[4..]"
 end
 
+# A script is no output: it would be lost.
+function __yxstcmp_outputs
+    __fish_complete_path (commandline -ct) | string match -riv '\.st(\t|$)'
+end
+
 complete -c yxstcmp -f
 complete -c yxstcmp -n "not __yxstcmp_has_words 2" -a "(__fish_complete_suffix .st)"
-complete -c yxstcmp -n "__yxstcmp_has_words 2; and not __yxstcmp_has_words 3" -F
+complete -c yxstcmp -n "__yxstcmp_has_words 2; and not __yxstcmp_has_words 3" \
+    -a "(__yxstcmp_outputs)"
 
 __yxstcmp_option -l "write the listing"
 __yxstcmp_option -s "show the code and all messages on standard output"

@@ -1,4 +1,4 @@
-"""The completions of the shells and the manual page know the options of the compiler.
+"""The completions of the shells and the manual pages know the options of the programs.
 
 The completion for bash is run; those for zsh and fish are run where these shells are installed,
 and only read elsewhere.
@@ -11,11 +11,12 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from support import BINARY, ROOT, TIMEOUT_SECONDS, words
+from support import BINARY, DESK, ROOT, TIMEOUT_SECONDS, words
 
 PACKAGING = ROOT / "packaging"
 COMPLETIONS = PACKAGING / "completions"
 MANUAL_PAGE = PACKAGING / "yxstcmp.1"
+DESK_MANUAL_PAGE = PACKAGING / "yxst.1"
 
 OPTIONS = set(words.driver_options(BINARY))
 
@@ -27,7 +28,7 @@ FOLDER = "plant"
 BASH = """
 source "$0"
 COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
-_yxstcmp
+_$1
 (( ${#COMPREPLY[@]} == 0 )) || printf '%s\\n' "${COMPREPLY[@]}"
 """
 
@@ -38,6 +39,7 @@ completion=$1
 words=("${@:2}") CURRENT=$(($# - 1))
 _files() { print -r -- "files ${@[-1]}" }
 _describe() { print -rl -- ${(P)${@[-1]}%%:*} }
+compset() { : }
 complete_word() { source $completion }
 complete_word
 """
@@ -64,7 +66,11 @@ class Completion(unittest.TestCase):
         output = subprocess.run(
             command,
             cwd=self.folder,
-            env={"PATH": "/usr/bin:/bin", "HOME": str(self.folder), "LANG": "C.UTF-8"},
+            env={
+                "PATH": f"{DESK.parent}:/usr/bin:/bin",
+                "HOME": str(self.folder),
+                "LANG": "C.UTF-8",
+            },
             stdin=subprocess.DEVNULL,
             capture_output=True,
             encoding="utf-8",
@@ -99,9 +105,10 @@ class Bash(Completion):
         self.assertEqual(self.offered("a"), ["a tank.st"])
         self.assertEqual(self.offered("n"), [])
 
-    def test_the_code_file_is_completed_to_any_file(self):
-        self.assertCountEqual(self.offered("in.st", ""), [*FILES, FOLDER])
+    def test_the_code_file_is_completed_to_what_is_no_script(self):
+        self.assertCountEqual(self.offered("in.st", ""), ["notes.txt", FOLDER])
         self.assertEqual(self.offered("in.st", "n"), ["notes.txt"])
+        self.assertEqual(self.offered("in.st", "a"), [])
 
     def test_it_is_the_completion_of_the_compiler(self):
         command = 'source "$0" && complete -p yxstcmp'
@@ -126,7 +133,7 @@ class Zsh(Completion):
         # Which options begin with the word is found by _describe.
         self.check_options(lambda *words: list(filter(None, offered(*words))))
         self.assertEqual(offered(""), ["files *.(st|ST)"])
-        self.assertEqual(offered("in.st", ""), ["files "])
+        self.assertEqual(offered("in.st", ""), ["files ^*.(st|ST)"])
 
 
 class Fish(Completion):
@@ -148,6 +155,86 @@ class Fish(Completion):
         self.assertEqual(offered("in.st", "out", "-l"), ["-l"])
         self.assertEqual(offered("a"), ["a tank.st"])
         self.assertEqual(offered("in.st", "n"), ["notes.txt"])
+        self.assertCountEqual(offered("in.st", ""), ["notes.txt", f"{FOLDER}/"])
+        self.assertEqual(offered("in.st", "a"), [])
+
+
+def help_of(*subcommand):
+    command = [DESK, *subcommand, "--help"]
+    return subprocess.run(command, capture_output=True, encoding="utf-8", check=True).stdout
+
+
+def subcommands():
+    return re.findall(r"^  ([a-z]\S*) ", help_of().partition("Subcommands:")[2], re.MULTILINE)
+
+
+def long_options(*subcommand):
+    return re.findall(r"^  (?:-\w,)?(--[\w-]+)", help_of(*subcommand), re.MULTILINE)
+
+
+class DeskCompletion(Completion):
+    """What each shell offers for yxst; offered() is the shell's."""
+
+    def check(self, with_equals):
+        names = subcommands()
+        self.assertGreater(len(names), 2)
+        self.assertCountEqual(self.offered(""), names)
+        self.assertCountEqual(self.offered("-"), long_options())
+        for name in names:
+            with self.subTest(subcommand=name):
+                self.assertCountEqual(self.offered(name, "-"), long_options(name))
+        formats = ["human", "gcc", "json", "sarif", "github"]
+        self.assertCountEqual(self.offered("check", "--format", ""), formats)
+        self.assertCountEqual(self.offered(*with_equals), formats)
+        self.assertCountEqual(self.offered("explain", "--color", ""), ["auto", "always", "never"])
+        self.assertIn("incompatible-types", self.offered("explain", ""))
+
+
+class DeskBash(DeskCompletion):
+    def offered(self, *words):
+        return self.lines(["bash", "-c", BASH, COMPLETIONS / "yxst.bash", "yxst", *words])
+
+    def test_what_is_offered(self):
+        self.check(["check", "--format", "=", ""])
+        self.assertEqual(self.offered("ch"), ["check"])
+        self.assertEqual(self.offered("check", "--format", "=", "gi"), ["github"])
+
+    def test_files(self):
+        scripts = [name for name in FILES if name.lower().endswith(".st")]
+        self.assertCountEqual(self.offered("check", ""), [*scripts, FOLDER])
+        self.assertCountEqual(self.offered("check", "--quiet", "a"), ["a tank.st"])
+        self.assertCountEqual(self.offered("other", ""), [*FILES, FOLDER])
+
+    def test_it_is_the_completion_of_yxst(self):
+        command = 'source "$0" && complete -p yxst'
+        lines = self.lines(["bash", "-c", command, COMPLETIONS / "yxst.bash"])
+        self.assertEqual(lines, ["complete -o filenames -F _yxst yxst"])
+
+
+@unittest.skipUnless(shutil.which("zsh"), "zsh is not installed")
+class DeskZsh(DeskCompletion):
+    def offered(self, *words):
+        return self.lines(
+            ["zsh", "-f", "-c", ZSH, "zsh", COMPLETIONS / "_yxst", "yxst", *words]
+        )
+
+    def test_what_is_offered(self):
+        self.check(["check", "--format="])
+        self.assertEqual(self.offered("check", ""), ["files *.(st|ST)"])
+        self.assertEqual(self.offered("other", ""), ["files "])
+
+
+@unittest.skipUnless(shutil.which("fish"), "fish is not installed")
+class DeskFish(DeskCompletion):
+    def offered(self, *words):
+        file = COMPLETIONS / "yxst.fish"
+        lines = self.lines(["fish", "--no-config", "-c", FISH, file, "yxst", *words])
+        return [line.split("\t")[0].removeprefix("--format=") for line in lines]
+
+    def test_what_is_offered(self):
+        self.check(["check", "--format="])
+        self.assertEqual(self.offered("check", "a"), ["a tank.st"])
+        self.assertEqual(self.offered("other", "n"), ["notes.txt"])
 
 
 class ManualPage(unittest.TestCase):
@@ -167,9 +254,47 @@ class ManualPage(unittest.TestCase):
 
     @unittest.skipUnless(shutil.which("mandoc"), "mandoc is not installed")
     def test_it_is_well_formed(self):
-        command = ["mandoc", "-T", "lint", "-W", "style", MANUAL_PAGE]
-        process = subprocess.run(command, stdout=subprocess.PIPE, encoding="utf-8", check=False)
-        self.assertEqual((process.stdout, process.returncode), ("", 0))
+        assert_well_formed(self, MANUAL_PAGE)
+
+
+# The two pages name each other; neither is installed here.
+ABSENT = "STYLE: referenced manual not found: Xr yxst"
+
+
+def assert_well_formed(test, page):
+    command = ["mandoc", "-T", "lint", "-W", "style", page]
+    process = subprocess.run(command, stdout=subprocess.PIPE, encoding="utf-8", check=False)
+    test.assertEqual([line for line in process.stdout.splitlines() if ABSENT not in line], [])
+
+
+class DeskManualPage(unittest.TestCase):
+    def setUp(self):
+        text = DESK_MANUAL_PAGE.read_text(encoding="utf-8")
+        synopsis, description = text.split(".Sh DESCRIPTION")
+        self.synopses = synopsis.partition(".Sh SYNOPSIS")[2].split(".Nm\n")[1:]
+        self.description = description
+
+    def test_each_subcommand_has_a_synopsis_with_its_options(self):
+        found = {}
+        for synopsis in self.synopses:
+            if command := re.match(r"\.Cm (\S+)\n", synopsis):
+                found[command[1]] = re.findall(r"^\.Op Fl -(\S+)", synopsis, re.MULTILINE)
+        self.assertCountEqual(found, subcommands())
+        for name, options in found.items():
+            with self.subTest(subcommand=name):
+                expected = [option for option in long_options(name) if option != "--help"]
+                self.assertCountEqual([f"--{option}" for option in options], expected)
+
+    def test_everything_is_described(self):
+        described = re.findall(r"^\.It Cm (\S+)\n[A-Z]", self.description, re.MULTILINE)
+        self.assertCountEqual(described, subcommands())
+        described = re.findall(r"^\.It Fl -(\S+)", self.description, re.MULTILINE)
+        options = {option for name in subcommands() for option in long_options(name)}
+        self.assertCountEqual([f"--{name}" for name in described], options | set(long_options()))
+
+    @unittest.skipUnless(shutil.which("mandoc"), "mandoc is not installed")
+    def test_it_is_well_formed(self):
+        assert_well_formed(self, DESK_MANUAL_PAGE)
 
 
 class Options(unittest.TestCase):

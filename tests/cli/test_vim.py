@@ -5,18 +5,16 @@ off and none are made.
 """
 
 import json
-import os
 import shutil
 import subprocess
 import tempfile
 import unittest
 from pathlib import Path
 
-from support import ROOT, TIMEOUT_SECONDS
+from support import DESK, ROOT, TIMEOUT_SECONDS
 
 PLUGIN = ROOT / "editors" / "vim"
 EXAMPLES = sorted((ROOT / "examples").glob("*.st"))
-YXST = Path(os.environ.get("YXST", ROOT / "build" / "yxst")).resolve()
 
 SCRIPT = """\
 PROGRAM Demo
@@ -139,7 +137,7 @@ class EditorTests:
             cwd=self.folder,
             env={
                 "HOME": str(self.home),
-                "PATH": f"{YXST.parent}:/usr/local/bin:/usr/bin:/bin",
+                "PATH": f"{DESK.parent}:/usr/local/bin:/usr/bin:/bin",
                 "TERM": "xterm",
                 "LC_ALL": "C.UTF-8",
             },
