@@ -132,7 +132,14 @@ void FileCheck::stop(const Facts& facts, const QString& why) {
 // ---------------------------------------------------------------------------------------------
 
 bool FileCheck::isConsequence(const Facts& facts) const {
-    return !edits_.all().empty() && (isAtEdit(facts) || isDoubtful(facts));
+    return !edits_.all().empty() &&
+           (isEndAfterEdit(facts) || isAtEdit(facts) || isDoubtful(facts));
+}
+
+// Whether the script has ended where its rest was taken out. The place is the last token.
+bool FileCheck::isEndAfterEdit(const Facts& facts) const {
+    return IsKind(ErrorOf(facts), TXT_UNEXPECTED_END_OF_INPUT_FILE) &&
+           edits_.all().back().span.end > edits_.originalBegin(ErrorOf(facts).place);
 }
 
 // Whether the error is in a text that replaced another, or at the first token after it: then the

@@ -44,6 +44,7 @@ private:
     void takeWarnings(const Facts& facts);
     bool dependsOnEdits(const Facts& facts, const MessageFact& message) const;
     bool isConsequence(const Facts& facts) const;
+    bool isEndAfterEdit(const Facts& facts) const;
     bool isAtEdit(const Facts& facts) const;
     bool isDoubtful(const Facts& facts) const;
     bool isDoubtfulName(int unit, const QString& name) const;

@@ -131,8 +131,8 @@ Repair DeclareName(const Scene& scene, int name) {
     }
     const QString text = scene.tokens.text(name).toString();
     Repair repair =
-        PutIn(scene.tokens.span(sectionEnd).end,
-              QStringLiteral(" VAR %1:%2; END_VAR").arg(text, NameOf(LikelyType(scene, name))));
+        PutIn(scene, scene.tokens.span(sectionEnd).end,
+              QStringLiteral("VAR %1:%2; END_VAR").arg(text, NameOf(LikelyType(scene, name))));
     repair.doubtfulNames.append(text);
     return repair;
 }
@@ -247,7 +247,7 @@ Repair DropDeclaration(const Scene& scene, int first, Span span) {
 Repair RepairDeclaration(const Scene& scene, const DeclarationFact& declaration) {
     const int first = scene.tokens.at(declaration.span.begin);
     if (IsAfterSection(scene, first)) {
-        return PutIn(declaration.span.begin, QStringLiteral("END_VAR "));
+        return PutIn(scene, declaration.span.begin, QStringLiteral("END_VAR"));
     }
     const int last = LastOfPiece(scene, first, SeemsToBeginDeclaration);
     const Span span = {declaration.span.begin, EndOfPiece(scene, last)};
@@ -280,13 +280,13 @@ Repair RepairHeadPart(const Scene& scene, const HeadPart& part) {
     const int begin = scene.tokens.span(part.before).end;
     const int end = scene.findInStatement(first, part.ends);
     if (end == first) {
-        return PutIn(begin, u' ' + part.neutral + u' ');
+        return PutIn(scene, begin, part.neutral);
     }
     if (end != NONE) {
         return TakeOut(scene, SpanOver(scene, first, end - 1), part.neutral);
     }
     const QString text = part.neutral + u' ' + part.missingEnd;
-    return scene.error <= first ? PutIn(begin, u' ' + text + u' ')
+    return scene.error <= first ? PutIn(scene, begin, text)
                                 : TakeOut(scene, SpanOver(scene, first, scene.error - 1), text);
 }
 
@@ -384,7 +384,7 @@ Repair RepairHead(const Scene& scene, const StatementFact& statement) {
     const int begin = scene.tokens.at(statement.span.begin);
     const int part = scene.tokens.at(scene.facts.open.part);
     if (IsCompoundEnd(scene.tokens.code(scene.error - 1)) && scene.isExpected(TOKEN_SEMICOLON)) {
-        return PutIn(scene.tokens.span(scene.error - 1).end, QStringLiteral(";"));
+        return PutIn(scene, scene.tokens.span(scene.error - 1).end, QStringLiteral(";"));
     }
     switch (statement.kind) {
         case TOKEN_FOR:
@@ -413,8 +413,8 @@ bool BelongsTo(Token word, Token kind) {
 // What ends a compound statement that has no end.
 Repair CloseStatement(const Scene& scene, Token kind) {
     const QString condition = kind == TOKEN_REPEAT ? QStringLiteral("UNTIL TRUE ") : QString();
-    return PutIn(scene.tokens.span(scene.error).begin,
-                 condition + TextOf(EndOf(kind)) + QStringLiteral("; "));
+    return PutIn(scene, scene.tokens.span(scene.error).begin,
+                 condition + TextOf(EndOf(kind)) + u';');
 }
 
 // Takes out a word that nothing before it asks for, with what belongs to it.
@@ -447,7 +447,7 @@ Repair TakeOutSection(const Scene& scene, int word) {
 Repair CloseUnit(const Scene& scene, int word) {
     const QString end = TextOf(EndOf(scene.unit().kind));
     return IsUnitEnd(scene.tokens.code(word)) ? TakeOut(scene, scene.tokens.span(word), end)
-                                              : PutIn(scene.tokens.span(word).begin, end + u' ');
+                                              : PutIn(scene, scene.tokens.span(word).begin, end);
 }
 
 // A word of the structure where a statement should begin: the end of an open statement is
@@ -578,7 +578,7 @@ Repair RepairUnit(const Scene& scene) {
     const bool isHeadRead = scene.isError(TXT_UNRECOGNIZED_KEYWORD) ||
                             scene.isError(TXT_PROGRAM_MUST_START_WITH_DECLARATION_OF_VARIABLES);
     if (isHeadRead && sectionEnd == NONE) {
-        return PutIn(scene.tokens.span(scene.error).begin, QStringLiteral("VAR END_VAR "));
+        return PutIn(scene, scene.tokens.span(scene.error).begin, QStringLiteral("VAR END_VAR"));
     }
     return sectionEnd == NONE ? RepairUnitHead(scene) : Repair();
 }

@@ -68,21 +68,23 @@ bool IsSetApart(const Source& source, int offset) {
     return offset < 0 || offset >= source.size() || source.text().at(offset).isSpace();
 }
 
+// The text with a blank where it would touch what stands beside the span.
+QString SetApart(const Source& source, Span span, const QString& text) {
+    const QString before = IsSetApart(source, span.begin - 1) ? QString() : QStringLiteral(" ");
+    const QString after = IsSetApart(source, span.end) ? QString() : QStringLiteral(" ");
+    return text.isEmpty() ? text : before + text + after;
+}
+
 }  // namespace
 
 Repair TakeOut(const Scene& scene, Span span, const QString& neutral) {
-    QString text = neutral;
-    if (!neutral.isEmpty() && !IsSetApart(scene.source, span.begin - 1)) {
-        text.prepend(u' ');
-    }
-    if (!neutral.isEmpty() && !IsSetApart(scene.source, span.end)) {
-        text.append(u' ');
-    }
+    const QString text = SetApart(scene.source, span, neutral);
     return {{{span, NeutralText(scene.source.text(span), text)}}, {}, {}};
 }
 
-Repair PutIn(int offset, const QString& text) {
-    return {{{{offset, offset}, text}}, {}, {}};
+Repair PutIn(const Scene& scene, int offset, const QString& text) {
+    const Span span = {offset, offset};
+    return {{{span, SetApart(scene.source, span, text)}}, {}, {}};
 }
 
 Span SpanOver(const Scene& scene, int first, int last) {

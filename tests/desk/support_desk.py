@@ -4,6 +4,7 @@ import json
 import subprocess
 import sys
 import tempfile
+import time
 from pathlib import Path
 from typing import NamedTuple
 
@@ -13,6 +14,14 @@ sys.path[:0] = [str(ROOT / "tests/cli"), str(ROOT / "tests/golden")]
 from support import DESK, TIMEOUT_SECONDS  # noqa: E402
 
 FINE, NOT_FINE, FAILED = 0, 1, 2
+
+SCRIPT = b"""PROGRAM P
+VAR
+    a : INT;
+END_VAR
+    a := 1;
+END_PROGRAM
+"""
 
 
 class Run(NamedTuple):
@@ -39,3 +48,32 @@ def facts_of(data):
     if run.stderr or run.status not in (FINE, NOT_FINE):
         raise AssertionError(f"status {run.status}, {run.stderr!r}")
     return json.loads(run.stdout), run.status
+
+
+def large_script(lines):
+    statements = b"a := a + 1 * (2 - a);\n" * lines
+    return SCRIPT.replace(b"    a := 1;\n", b"    a := 1;\n" + statements)
+
+
+def child_of(pid):
+    """The process that it has started, None as long as there is none."""
+    children = Path(f"/proc/{pid}/task/{pid}/children").read_text().split()
+    return int(children[0]) if children else None
+
+
+def is_running(pid):
+    try:
+        state = Path(f"/proc/{pid}/stat").read_text().rpartition(") ")[2][0]
+    except FileNotFoundError:
+        return False
+    return state not in "ZX"
+
+
+def wait_for(condition):
+    """What the condition gives as soon as it holds."""
+    end = time.monotonic() + TIMEOUT_SECONDS
+    while not (found := condition()):
+        if time.monotonic() > end:
+            raise AssertionError("waited in vain")
+        time.sleep(0.001)
+    return found

@@ -6,21 +6,25 @@ import resource
 import signal
 import subprocess
 import tempfile
-import time
 import unittest
 from pathlib import Path
 
-from support_desk import DESK, FAILED, FINE, NOT_FINE, TIMEOUT_SECONDS, facts_of, run_yxst
+from support_desk import (
+    DESK,
+    FAILED,
+    FINE,
+    NOT_FINE,
+    SCRIPT,
+    TIMEOUT_SECONDS,
+    child_of,
+    facts_of,
+    is_running,
+    large_script,
+    run_yxst,
+    wait_for,
+)
 
 from limits import IS_SANITIZED  # isort: skip: found by support_desk
-
-SCRIPT = b"""PROGRAM P
-VAR
-    a : INT;
-END_VAR
-    a := 1;
-END_PROGRAM
-"""
 
 
 def texts(facts, kind="tokens"):
@@ -216,35 +220,6 @@ class Streams(unittest.TestCase):
 # ---------------------------------------------------------------------------------------------
 # The process of the compile
 # ---------------------------------------------------------------------------------------------
-
-
-def large_script(lines):
-    statements = b"a := a + 1 * (2 - a);\n" * lines
-    return SCRIPT.replace(b"    a := 1;\n", b"    a := 1;\n" + statements)
-
-
-def child_of(pid):
-    """The process that it has started, None as long as there is none."""
-    children = Path(f"/proc/{pid}/task/{pid}/children").read_text().split()
-    return int(children[0]) if children else None
-
-
-def is_running(pid):
-    try:
-        state = Path(f"/proc/{pid}/stat").read_text().rpartition(") ")[2][0]
-    except FileNotFoundError:
-        return False
-    return state not in "ZX"
-
-
-def wait_for(condition):
-    """What the condition gives as soon as it holds."""
-    end = time.monotonic() + TIMEOUT_SECONDS
-    while not (found := condition()):
-        if time.monotonic() > end:
-            raise AssertionError("waited in vain")
-        time.sleep(0.001)
-    return found
 
 
 class Child(unittest.TestCase):
