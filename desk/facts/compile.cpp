@@ -17,8 +17,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #ifdef YXST_COVERAGE
@@ -30,6 +32,8 @@ namespace {
 // ---------------------------------------------------------------------------------------------
 // The child
 // ---------------------------------------------------------------------------------------------
+
+constexpr std::size_t PIPE_CAPACITY = std::size_t{64} * 1024;
 
 constexpr int SUCCESS = 0;  // the statuses of a child
 constexpr int WITHOUT_MEMORY = 3;
@@ -74,16 +78,27 @@ Facts CompileHere(const Source& source) {
     return collector.take();
 }
 
-void WriteAll(int file, const QByteArray& bytes) {
-    int written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count = write(file, bytes.constData() + written,
-                                    static_cast<std::size_t>(bytes.size() - written));
+void WriteAll(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(file, bytes.data(), bytes.size());
         if (count < 0 && errno != EINTR) {
             return;
         }
-        written += static_cast<int>(std::max<ssize_t>(count, 0));
+        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
+}
+
+// Who waits for them takes no more than a QByteArray can hold.
+void WriteFacts(int file, const Facts& facts) {
+    constexpr std::size_t limit = std::numeric_limits<int>::max() - PIPE_CAPACITY;
+    std::size_t total = 0;
+    PassBytes(facts, [file, &total](std::string_view bytes) {
+        total += bytes.size();
+        if (total > limit) {
+            throw std::length_error("facts");
+        }
+        WriteAll(file, bytes);
+    });
 }
 
 // A child does not outlive who waits for it, not even one that has ended before it could ask.
@@ -97,8 +112,10 @@ void EndWithParent(pid_t parent) {
 [[noreturn]] void RunChild(const Source& source, Detail detail, int file) {
     try {
         Facts facts = CompileHere(source);
-        const bool isWanted = detail == Detail::All || !facts.messages.empty();
-        WriteAll(file, BytesOf(isWanted ? facts : Facts()));
+        if (detail == Detail::IfMessages && facts.messages.empty()) {
+            facts = Facts();
+        }
+        WriteFacts(file, facts);
     } catch (const std::bad_alloc&) {
         LeaveChild(WITHOUT_MEMORY);
     } catch (const std::length_error&) {
@@ -110,8 +127,6 @@ void EndWithParent(pid_t parent) {
 // ---------------------------------------------------------------------------------------------
 // The parent
 // ---------------------------------------------------------------------------------------------
-
-constexpr std::size_t PIPE_CAPACITY = std::size_t{64} * 1024;
 
 QString FailureOf(int status) {
     if (WIFSIGNALED(status)) {

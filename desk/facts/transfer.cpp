@@ -1,13 +1,9 @@
 #include "facts/transfer.h"
 
 #include <cstring>
-#include <limits>
-#include <stdexcept>
 #include <type_traits>
 
 namespace {
-
-constexpr int HEADER_SIZE = 64;  // what Qt takes of the size of a text for itself, and more
 
 // Both directions go through the same list of fields, so they cannot differ.
 template <typename Archive, typename AnyFacts>
@@ -32,12 +28,12 @@ void Pass(Archive& archive, AnyFacts& facts) {
 
 class Writer {
 public:
-    QByteArray bytes;
+    explicit Writer(const std::function<void(std::string_view)>& take) : take_(take) {}
 
     template <typename Value>
     void pass(const Value& value) {
         static_assert(std::is_trivially_copyable_v<Value>);
-        append(&value, 1);
+        hand(&value, 1);
     }
     template <typename Element>
     void pass(const std::vector<Element>& elements) {
@@ -47,19 +43,18 @@ public:
     void pass(const QByteArray& text) { passAll(text.constData(), text.size()); }
 
 private:
+    const std::function<void(std::string_view)>& take_;
+
     template <typename Element>
     void passAll(const Element* elements, int count) {
         static_assert(std::is_trivially_copyable_v<Element>);
-        append(&count, 1);
-        append(elements, count);
+        hand(&count, 1);
+        hand(elements, count);
     }
     template <typename Element>
-    void append(const Element* elements, int count) {
-        const qint64 size = qint64{count} * qint64{sizeof(Element)};
-        if (bytes.size() + size > std::numeric_limits<int>::max() - HEADER_SIZE) {
-            throw std::length_error("facts");
-        }
-        bytes.append(reinterpret_cast<const char*>(elements), static_cast<int>(size));
+    void hand(const Element* elements, int count) {
+        take_({reinterpret_cast<const char*>(elements),
+               static_cast<std::size_t>(count) * sizeof(Element)});
     }
 };
 
@@ -115,10 +110,9 @@ private:
 
 }  // namespace
 
-QByteArray BytesOf(const Facts& facts) {
-    Writer writer;
+void PassBytes(const Facts& facts, const std::function<void(std::string_view)>& take) {
+    Writer writer(take);
     Pass(writer, facts);
-    return writer.bytes;
 }
 
 std::optional<Facts> FactsOf(const QByteArray& bytes) {

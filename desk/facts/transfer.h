@@ -5,10 +5,12 @@
 
 #include <QByteArray>
 
+#include <functional>
 #include <optional>
+#include <string_view>
 
-// Throws std::length_error where facts are more than a QByteArray can hold.
-QByteArray BytesOf(const Facts& facts);
+// Hands the bytes of facts to whoever takes them, piece by piece.
+void PassBytes(const Facts& facts, const std::function<void(std::string_view)>& take);
 
 // The facts again; nothing if the bytes are not those of whole facts.
 std::optional<Facts> FactsOf(const QByteArray& bytes);

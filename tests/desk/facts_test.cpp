@@ -178,6 +178,14 @@ TEST(CompileProcess, IsEndedWhenItIsNotWanted) {
 // Facts as bytes
 // ---------------------------------------------------------------------------------------------
 
+QByteArray BytesOf(const Facts& facts) {
+    QByteArray all;
+    PassBytes(facts, [&all](std::string_view bytes) {
+        all.append(bytes.data(), static_cast<int>(bytes.size()));
+    });
+    return all;
+}
+
 TEST(Transfer, FactsComeBack) {
     for (const char* const text : {FINE, WARNED, WRONG, ""}) {
         const QByteArray bytes = BytesOf(FactsAbout(SourceOf(text)));
