@@ -8,108 +8,105 @@ alone is what check is to say of that one among the others, place and text.
 """
 
 import argparse
-import os
+import json
 import re
-import subprocess
 import sys
 import tempfile
+from collections import Counter
 from pathlib import Path
 from random import Random
 from typing import NamedTuple
+from zlib import crc32
 
-ROOT = Path(__file__).resolve().parents[2]
+from support_desk import ROOT, run_yxst
+
 sys.path.insert(0, str(ROOT / "bench"))
 from generate import generate  # noqa: E402
 
-YXST = os.environ.get("YXST", str(ROOT / "build/yxst"))
 LINES = 300
 ERRORS = 5
 DISTANCE = 3  # lines between two errors, at least
 VARIABLES = 40
-GCC_LINE = re.compile(r"[^:]*:(\d+):(\d+): error: (.*) \[([a-z-]+)\]")
 
 # ---------------------------------------------------------------------------------------------
-# Errors to plant: each takes a line and a source of chance, and gives the line with its error,
-# or None where it does not fit
+# Errors to plant: each takes a line and gives it with its error, or None where it does not fit
 # ---------------------------------------------------------------------------------------------
 
 
-def missing_semicolon(line, _):
+def missing_semicolon(line):
     return line.rstrip()[:-1] if line.rstrip().endswith(";") else None
 
 
-def unknown_name(line, chance):
-    names = list(re.finditer(r"\b[a-z]+[A-Z]\w*\d\b", line.partition(":=")[2]))
-    if not names or "(" in line:
+def unknown_name(line):
+    name = re.search(r":=.*\b[a-z]+[A-Z]\w*\d\b", line)
+    if name is None or "(" in line:
         return None
-    name = chance.choice(names)
-    at = line.index(":=") + 2 + name.end()
-    return f"{line[:at]}x{chance.randrange(10**6)}{line[at:]}"
+    return f"{line[: name.end()]}x{crc32(line.encode())}{line[name.end() :]}"
 
 
-def equals_for_assignment(line, _):
+def equals_for_assignment(line):
     is_assignment = re.match(r" *\w+ := ", line)
     return line.replace(":=", "=", 1) if is_assignment else None
 
 
-def assignment_for_equals(line, _):
+def assignment_for_equals(line):
     is_condition = re.match(r" *(IF|WHILE|ELSIF)\b.* <", line)
     return re.sub(" <=? ", " := ", line, count=1) if is_condition else None
 
 
-def missing_then(line, _):
+def missing_then(line):
     return re.sub(r"\bTHEN\b", "", line) if re.search(r"\bTHEN$", line) else None
 
 
-def missing_do(line, _):
+def missing_do(line):
     return re.sub(r"\bDO\b", "", line) if re.search(r"\bDO$", line) else None
 
 
-def missing_parenthesis(line, _):
+def missing_parenthesis(line):
     at = line.rfind(")")
     return line[:at] + line[at + 1 :] if at > 0 and "(*" not in line else None
 
 
-def unknown_type(line, _):
+def unknown_type(line):
     declaration = re.match(r"( +\w+ : )\w+( := .*;)$", line)
     return f"{declaration[1]}WORD{declaration[2]}" if declaration else None
 
 
-def missing_colon(line, _):
+def missing_colon(line):
     return line.replace(" : ", " ", 1) if re.match(r" +\w+ : \w+ := ", line) else None
 
 
-def unfinished_expression(line, _):
+def unfinished_expression(line):
     return line.replace(";", " + ;") if re.match(r" +\w+ := [^(]*;$", line) else None
 
 
-def two_operators(line, _):
+def two_operators(line):
     return re.sub(r" \+ ", " + * ", line, count=1) if re.match(r" +\w+ := .* \+ ", line) else None
 
 
-def string_for_number(line, _):
+def string_for_number(line):
     return re.sub(r":= .*;", ":= 'text';", line) if re.match(r" +\w+ := [^(]*;$", line) else None
 
 
-def open_string(line, _):
+def open_string(line):
     return re.sub(r":= ", ":= 'open ", line) if re.match(r" +\w+ := [^(]*;$", line) else None
 
 
-def jump_outside(line, _):
+def jump_outside(line):
     return re.sub(r"\S.*", "CONTINUE;", line) if re.match(r" {4}\w+ := [^(]*;$", line) else None
 
 
-def bad_number(line, _):
+def bad_number(line):
     return re.sub(r"\b\d\d\b", "7#12", line, count=1) if re.match(r" +\w+ := .*\d", line) else None
 
 
-def misspelt_keyword(line, _):
+def misspelt_keyword(line):
     if not re.match(r" *ELSIF\b", line):
         return None
     return line.replace("ELSIF", "ELSEIF")
 
 
-def missing_end(line, _):
+def missing_end(line):
     return "" if re.match(r" +END_(IF|WHILE|FOR|CASE);$", line) else None
 
 
@@ -133,6 +130,9 @@ PLANTS = [
     missing_end,
 ]
 
+# Those of which two in a program may have to do with each other wherever they are.
+ONCE = (missing_end.__name__, unknown_type.__name__)
+
 # ---------------------------------------------------------------------------------------------
 # What is said
 # ---------------------------------------------------------------------------------------------
@@ -147,15 +147,18 @@ class Message(NamedTuple):
 def messages_of(lines, folder, max_errors):
     path = folder / "planted.st"
     path.write_text("\n".join(lines) + "\n", encoding="utf-8")
-    command = [YXST, "check", "--format=gcc", f"--max-errors={max_errors}", "--quiet", path]
-    done = subprocess.run(command, capture_output=True, text=True, cwd=folder, check=False)
-    found = (GCC_LINE.match(line) for line in done.stdout.splitlines())
-    return [Message(int(each[1]), int(each[2]), each[3]) for each in found if each]
+    run = run_yxst("check", "--format=json", f"--max-errors={max_errors}", path)
+    return [
+        Message(each["line"], each["column"], each["message"])
+        for each in json.loads(run.stdout)
+        if each["severity"] == "error"
+    ]
 
 
 class Planted(NamedTuple):
     kind: str
-    at: int
+    at: int  # index of the line
+    line: str  # with the error
     message: Message
 
 
@@ -163,55 +166,41 @@ def names_in(line):
     return set(re.findall(r"[a-z]+[A-Z]\w*", line))
 
 
-def try_to_plant(lines, at, plant, chance, folder):
-    """The line with the error and what the compiler says of it alone, or None."""
-    line = plant(lines[at], chance)
+def try_to_plant(lines, at, plant, folder):
+    """The error, with what the compiler says of it alone, or None."""
+    line = plant(lines[at])
     if line is None or line == lines[at]:
         return None
     found = messages_of([*lines[:at], line, *lines[at + 1 :]], folder, 1)
-    if not found:
-        return None
-    return line, Planted(plant.__name__, at, found[0])
+    return Planted(plant.__name__, at, line, found[0]) if found else None
 
 
-def is_independent(at, lines, planted, declared):
-    """No other error is near, and none has a name whose declaration is broken."""
-    if any(abs(at - other.at) <= DISTANCE for other in planted):
+def are_independent(one, other, lines):
+    """They are not near each other, and neither is about a name that the other leaves in doubt."""
+    if abs(one.at - other.at) <= DISTANCE or one.kind == other.kind and one.kind in ONCE:
         return False
-    return not (names_in(lines[at]) & declared)
+    if unknown_type.__name__ in (one.kind, other.kind):
+        return not names_in(lines[one.at]) & names_in(lines[other.at])
+    return one.message.text != other.message.text or one.kind != unknown_name.__name__
 
 
 def plant_errors(lines, chance, folder):
     """A copy of the lines with errors, and the errors."""
-    planted, changed, declared = [], list(lines), set()
-    kinds = set()
+    planted = []
     while len(planted) < ERRORS:
-        plant = chance.choice(PLANTS)
         at = chance.randrange(len(lines))
-        if plant in (missing_end, unknown_type) and plant in kinds:
-            continue
-        if not is_independent(at, lines, planted, declared):
-            continue
-        result = try_to_plant(lines, at, plant, chance, folder)
-        if result is None:
-            continue
-        changes_type = plant is unknown_type
-        if changes_type and any(names_in(lines[at]) & names_in(lines[p.at]) for p in planted):
-            continue
-        if any(result[1].message == other.message for other in planted):
-            continue
-        changed[at] = result[0]
-        planted.append(result[1])
-        kinds.add(plant)
-        if changes_type:
-            declared |= names_in(lines[at])
-    return changed, planted
+        new = try_to_plant(lines, at, chance.choice(PLANTS), folder)
+        if new and all(are_independent(new, other, lines) for other in planted):
+            planted.append(new)
+    line_at = {each.at: each.line for each in planted}
+    return [line_at.get(at, line) for at, line in enumerate(lines)], planted
 
 
 class Tally:
     def __init__(self):
         self.planted = self.reported = self.right = 0
-        self.missed = {}
+        self.kinds = Counter()
+        self.missed = Counter()
 
     def add(self, planted, reported):
         expected = {each.message for each in planted}
@@ -219,9 +208,8 @@ class Tally:
         self.planted += len(planted)
         self.reported += len(reported)
         self.right += len(right)
-        for each in planted:
-            if each.message not in right:
-                self.missed[each.kind] = self.missed.get(each.kind, 0) + 1
+        self.kinds.update(each.kind for each in planted)
+        self.missed.update(each.kind for each in planted if each.message not in right)
 
     def recall(self):
         return self.right / self.planted

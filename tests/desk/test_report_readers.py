@@ -7,12 +7,12 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from samples import TIMEOUT_SECONDS, diagnostics, shown
+from samples import REPORTS, TIMEOUT_SECONDS, diagnostics
 
 
-def messages():
+def messages(shown):
     """File, line, column, level and text of each line that is to be found."""
-    for each in diagnostics():
+    for each in diagnostics(shown):
         text = f"{each['message']} [{each['id']}]".replace("\r", "␍").replace("\n", "␊")
         yield each["file"], each["line"], each["column"], each["severity"], text
         for note in each.get("helps", ()):
@@ -20,13 +20,19 @@ def messages():
 
 
 class EditorTestCase(unittest.TestCase):
-    """A folder of its own, with the lines in a file."""
+    """A folder of its own."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
-        (self.folder / "lines").write_text(shown("gcc"), encoding="utf-8")
+
+    def each_report(self):
+        """Puts the lines of each into a file, and gives the messages in them."""
+        for name, shown in REPORTS.items():
+            (self.folder / "lines").write_text(shown("gcc"), encoding="utf-8")
+            with self.subTest(name):
+                yield list(messages(shown))
 
     def run_editor(self, *command):
         subprocess.run(
@@ -59,21 +65,27 @@ class Vim(EditorTestCase):
         return self.run_editor("vim", *quietly, *options, "-S", "script")
 
     def test_default_errorformat(self):
-        expected = [
-            [file, line, column, "", f"{level}: {text}"]
-            for file, line, column, level, text in messages()
-        ]
-        self.assertEqual(self.found(), expected)
+        for expected in self.each_report():
+            self.assertEqual(
+                self.found(),
+                [
+                    [file, line, column, "", f"{level}: {text}"]
+                    for file, line, column, level, text in expected
+                ],
+            )
 
     def test_errorformat_of_gcc(self):
         """It finds errors and warnings as such."""
-        expected = [
-            [file, line, column, "", f"note: {text}"]
-            if level == "note"
-            else [file, line, column, level[0], text]
-            for file, line, column, level, text in messages()
-        ]
-        self.assertEqual(self.found("compiler gcc"), expected)
+        for expected in self.each_report():
+            self.assertEqual(
+                self.found("compiler gcc"),
+                [
+                    [file, line, column, "", f"note: {text}"]
+                    if level == "note"
+                    else [file, line, column, level[0], text]
+                    for file, line, column, level, text in expected
+                ],
+            )
 
 
 EMACS_SCRIPT = """
@@ -103,11 +115,14 @@ class Emacs(EditorTestCase):
     def test_compilation_mode(self):
         (self.folder / "script.el").write_text(EMACS_SCRIPT)
         number_of = {"note": 0, "warning": 1, "error": 2}
-        expected = [
-            [file, line, column, number_of[level]] for file, line, column, level, _ in messages()
-        ]
-        found = self.run_editor("emacs", "-Q", "--batch", "-l", "script.el")
-        self.assertEqual(found, expected)
+        for expected in self.each_report():
+            self.assertEqual(
+                self.run_editor("emacs", "-Q", "--batch", "-l", "script.el"),
+                [
+                    [file, line, column, number_of[level]]
+                    for file, line, column, level, _ in expected
+                ],
+            )
 
 
 if __name__ == "__main__":

@@ -14,7 +14,8 @@ import unittest
 from pathlib import Path
 from urllib.parse import unquote
 
-from samples import ROOT, TIMEOUT_SECONDS, diagnostics, shown
+from samples import REPORTS, diagnostics, shown_of_samples
+from support_desk import ROOT, TIMEOUT_SECONDS
 
 FOLDER = Path(__file__).resolve().parent
 TOOLS = Path(os.environ.get("YXST_TOOLS", ROOT / "build" / "tests" / "desk_tools")).resolve()
@@ -43,47 +44,56 @@ def location_of(result):
     return result["locations"][0]["physicalLocation"]
 
 
-class Sarif(unittest.TestCase):
-    def setUp(self):
-        self.log = json.loads(shown("sarif"))
-        self.run_ = self.log["runs"][0]
+def damaged(log):
+    for damage in (
+        lambda run, result: run.pop("tool"),
+        lambda run, result: run["tool"]["driver"].pop("name"),
+        lambda run, result: result.update(level="fatal"),
+        lambda run, result: result.update(unknown=1),
+        lambda run, result: location_of(result)["region"].update(startLine=0),
+        lambda run, result: location_of(result)["artifactLocation"].update(uri="a b"),
+    ):
+        copied = copy.deepcopy(log)
+        damage(copied["runs"][0], copied["runs"][0]["results"][0])
+        yield copied
 
-    def test_schema_accepts_the_report(self):
-        self.assertEqual(faults_of([self.log]), [None])
+
+class Sarif(unittest.TestCase):
+    def each_report(self):
+        """The log, its run, and the objects of the JSON format."""
+        for name, shown in REPORTS.items():
+            log = json.loads(shown("sarif"))
+            with self.subTest(name):
+                yield log, log["runs"][0], diagnostics(shown)
+
+    def test_schema_accepts_the_reports(self):
+        for log, _, _ in self.each_report():
+            self.assertEqual(faults_of([log]), [None])
 
     def test_schema_refuses_damaged_reports(self):
-        logs = []
-        for damage in (
-            lambda run, result: run.pop("tool"),
-            lambda run, result: run["tool"]["driver"].pop("name"),
-            lambda run, result: result.update(level="fatal"),
-            lambda run, result: result.update(unknown=1),
-            lambda run, result: location_of(result)["region"].update(startLine=0),
-            lambda run, result: location_of(result)["artifactLocation"].update(uri="a b"),
-        ):
-            log = copy.deepcopy(self.log)
-            damage(log["runs"][0], log["runs"][0]["results"][0])
-            logs.append(log)
-        self.assertNotIn(None, faults_of(logs))
+        log = json.loads(shown_of_samples("sarif"))
+        self.assertNotIn(None, faults_of(list(damaged(log))))
 
     def test_results_refer_to_their_rules(self):
-        rules = self.run_["tool"]["driver"]["rules"]
-        for result in self.run_["results"]:
-            self.assertEqual(rules[result["ruleIndex"]]["id"], result["ruleId"])
+        for _, run, _ in self.each_report():
+            rules = run["tool"]["driver"]["rules"]
+            for result in run["results"]:
+                self.assertEqual(rules[result["ruleIndex"]]["id"], result["ruleId"])
 
     def test_uris_name_the_files(self):
-        uris = [location_of(result)["artifactLocation"]["uri"] for result in self.run_["results"]]
-        files = [each["file"] for each in diagnostics()]
-        self.assertEqual([unquote(uri) for uri in uris], files)
+        for _, run, found in self.each_report():
+            uris = [location_of(each)["artifactLocation"]["uri"] for each in run["results"]]
+            self.assertEqual([unquote(uri) for uri in uris], [each["file"] for each in found])
 
     def test_helps_are_related_locations(self):
-        related = [
-            location["message"]["text"]
-            for result in self.run_["results"]
-            for location in result.get("relatedLocations", ())
-        ]
-        helps = [each["text"] for entry in diagnostics() for each in entry.get("helps", ())]
-        self.assertEqual(related, helps)
+        for _, run, found in self.each_report():
+            related = [
+                location["message"]["text"]
+                for result in run["results"]
+                for location in result.get("relatedLocations", ())
+            ]
+            helps = [each["text"] for entry in found for each in entry.get("helps", ())]
+            self.assertEqual(related, helps)
 
 
 if __name__ == "__main__":
