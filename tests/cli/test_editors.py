@@ -305,23 +305,6 @@ class Vim(Colours, unittest.TestCase):
             },
         )
 
-    def test_scripts_are_recognised_and_commented(self):
-        probe = "call writefile([&filetype, &commentstring, b:match_words], 'options')"
-        with tempfile.TemporaryDirectory() as name:
-            folder = Path(name)
-            (folder / "a.st").write_text(PROGRAM, encoding="utf-8")
-            plugin = EDITORS / "vim"
-            self.run_vim(
-                folder,
-                f"source {plugin}/ftdetect/yxst.vim",
-                "edit a.st",
-                f"source {plugin}/ftplugin/yxst.vim",
-                probe,
-            )
-            filetype, comment, pairs = (folder / "options").read_text().splitlines()
-        self.assertEqual((filetype, comment), ("yxst", "// %s"))
-        self.assertIn(r"\<\%(IF\)\>:\<\%(ELSIF\)\>:\<\%(ELSE\)\>:\<\%(END_IF\)\>", pairs)
-
 
 class VimFile(unittest.TestCase):
     def test_lists_are_those_of_the_tables(self):

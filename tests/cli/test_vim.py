@@ -161,6 +161,11 @@ class EditorTests:
         self.assertEqual(self.file_type(commands=["edit a.st"]), self.IS_SCRIPT)
         self.assertEqual(self.file_type("-o", "a.st", "new.st"), self.IS_SCRIPT)
 
+    def test_the_words_between_which_percent_jumps(self):
+        self.write("a.st", SCRIPT)
+        pairs = self.run_editor("a.st", result="b:match_words")
+        self.assertIn(r"\<\%(IF\)\>:\<\%(ELSIF\)\>:\<\%(ELSE\)\>:\<\%(END_IF\)\>", pairs)
+
     def test_other_files_stay_what_they_are(self):
         self.write("a.c", "int a;\n")
         self.assertEqual(self.file_type("a.c")[:2], ["c", "c"])

@@ -11,7 +11,7 @@ import unittest
 from pathlib import Path
 from typing import List, NamedTuple
 
-from support_desk import FAILED, FINE, ROOT, YXST, facts_of, run_yxst
+from support_desk import DESK, FAILED, FINE, ROOT, facts_of, run_yxst
 from cases import all_cases
 from support import TIMEOUT_SECONDS, diagnostics_in, side_by_side, words
 from test_catalogue import EXPECTED_SUFFIXES, GOLDEN, NOT_RAISED, SOURCES
@@ -264,7 +264,7 @@ def in_terminal(width, *arguments, **environment):
     fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 24, width, 0, 0))
     variables = {name: value for name, value in os.environ.items() if name != "NO_COLOR"}
     process = subprocess.Popen(
-        [YXST, "explain", *arguments],
+        [DESK, "explain", *arguments],
         stdin=subprocess.DEVNULL,
         stdout=terminal,
         env={**variables, **environment},
@@ -406,12 +406,12 @@ class Failures(unittest.TestCase):
 
     def test_output_that_cannot_be_written(self):
         with open("/dev/full", "wb") as full:
-            run = subprocess.run([YXST, "explain"], stdout=full, stderr=subprocess.PIPE)
+            run = subprocess.run([DESK, "explain"], stdout=full, stderr=subprocess.PIPE)
         self.assertEqual(run.returncode, FAILED)
         self.assertEqual(run.stderr, b"yxst: standard output cannot be written.\n")
 
     def test_no_page_is_named_that_could_be_read(self):
-        self.assertNotIn(b"docs/manual", YXST.read_bytes())
+        self.assertNotIn(b"docs/manual", DESK.read_bytes())
 
 
 if __name__ == "__main__":
