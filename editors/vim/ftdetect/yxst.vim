@@ -2,7 +2,10 @@
 " Smalltalk; any other file type that is set already stays. Who has .st files of another kind says so:
 "
 "     let g:filetype_st = 'st'
-autocmd BufRead,BufNewFile *.st
-      \ if index(['', 'st'], &filetype) >= 0 |
-      \   let &l:filetype = get(g:, 'filetype_st', 'yxst') |
-      \ endif
+function! s:detect() abort
+  if index(['', 'st'], &filetype) >= 0
+    let &l:filetype = get(g:, 'filetype_st', 'yxst')
+  endif
+endfunction
+
+autocmd BufRead,BufNewFile *.st call s:detect()
