@@ -53,7 +53,7 @@ private:
     // Takes a heading or the line with the identifiers; false for any other line.
     bool takeMark(const QString& line) {
         static const QRegularExpression heading(QStringLiteral("^#{1,6} +(.*)$"));
-        static const QRegularExpression ids(QStringLiteral("^<!-- id: (.*) -->$"));
+        static const QRegularExpression ids(QStringLiteral("^<!-- (id|reason): (.*) -->$"));
         if (const auto match = heading.match(line); match.hasMatch()) {
             heading_ = match.captured(1);
             isInEntry_ = false;
@@ -61,7 +61,9 @@ private:
         }
         const auto match = ids.match(line);
         if (match.hasMatch()) {
-            entries_.push_back({match.captured(1).split(QStringLiteral(", ")), heading_, {}, {}});
+            const bool isMessage = match.captured(1) == QLatin1String("id");
+            entries_.push_back(
+                {match.captured(2).split(QStringLiteral(", ")), isMessage, heading_, {}, {}});
             isInEntry_ = true;
         }
         return match.hasMatch();

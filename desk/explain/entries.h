@@ -2,8 +2,8 @@
 //
 // An entry is a heading of a page with a line "<!-- id: ID, ID... -->" below it, and all that
 // stands between that line and the next heading. The heading is the text of a message, in which a
-// single capital letter other than "A" stands for what varies, or the title of something else
-// that has an identifier. Several entries may have one identifier.
+// single capital letter other than "A" stands for what varies. Several entries may have one
+// identifier. With "reason" in place of "id" it is the entry of a help and its heading a title.
 #pragma once
 
 #include <QString>
@@ -13,6 +13,7 @@
 
 struct Entry {
     QStringList ids;
+    bool isMessage;     // of the compiler, else a reason
     QString title;      // Markdown
     QStringList body;   // Markdown
     QStringList frame;  // the script that its statements stand in; empty if it has none alone

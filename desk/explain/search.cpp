@@ -124,15 +124,24 @@ int ByPiece(const Entry& entry, const Question& question) {
     return title.contains(question.text, Qt::CaseInsensitive) ? 1 : NOT_AT_ALL;
 }
 
-// What comes first counts, if it finds anything.
-constexpr Score SCORES[] = {ById, ByText, ByWords, ByPiece};
+// What comes first counts, if it finds anything: a part of a text is that of a message before it
+// is that of the title of a reason.
+struct Search {
+    Score score;
+    bool amongMessages;
+};
+constexpr Search SEARCHES[] = {
+    {ById, true},    {ById, false},   {ByText, true},   {ByText, false},
+    {ByWords, true}, {ByPiece, true}, {ByWords, false}, {ByPiece, false},
+};
 
 std::vector<Entry> BestOf(const std::vector<Entry>& entries, const Question& question,
-                          Score score) {
+                          const Search& search) {
     std::vector<Entry> found;
     int best = NOT_AT_ALL + 1;
     for (const Entry& entry : entries) {
-        const int current = score(entry, question);
+        const bool isAmong = entry.isMessage == search.amongMessages;
+        const int current = isAmong ? search.score(entry, question) : NOT_AT_ALL;
         if (current > best) {
             found.clear();
             best = current;
@@ -178,9 +187,9 @@ QString TitleOf(const Entry& entry) {
 std::vector<Entry> FindEntries(const std::vector<Entry>& entries, const QString& question) {
     const Question asked = QuestionOf(question);
     std::vector<Entry> found;
-    for (const Score score : SCORES) {
+    for (const Search& search : SEARCHES) {
         if (found.empty() && !asked.text.isEmpty()) {
-            found = BestOf(entries, asked, score);
+            found = BestOf(entries, asked, search);
         }
     }
     return found;

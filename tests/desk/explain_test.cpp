@@ -41,7 +41,7 @@ const QStringList PAGES = {
 std::vector<Entry> Titled(const QStringList& titles) {
     std::vector<Entry> entries;
     for (const QString& title : titles) {
-        entries.push_back({{title.toLower().replace(' ', '-')}, title, {}, {}});
+        entries.push_back({{title.toLower().replace(' ', '-')}, true, title, {}, {}});
     }
     return entries;
 }

@@ -149,7 +149,7 @@ QString SlipIn(const QString& section, const QString& frame) {
 
 std::vector<Entry> EntriesOf(const QString& page) {
     const QString frame = FenceIn(page, QStringLiteral("st frame"));
-    QStringList sections = page.split(QStringLiteral("<!-- id: "));
+    QStringList sections = page.split(QStringLiteral("<!-- reason: "));
     sections.removeFirst();
     std::vector<Entry> entries;
     for (const QString& section : sections) {
