@@ -131,7 +131,7 @@ Repair DeclareName(const Scene& scene, int name) {
     }
     const QString text = scene.tokens.text(name).toString();
     Repair repair =
-        PutIn(scene, scene.tokens.span(sectionEnd).end,
+        PutIn(scene.tokens.span(sectionEnd).end,
               QStringLiteral("VAR %1:%2; END_VAR").arg(text, NameOf(LikelyType(scene, name))));
     repair.doubtfulNames.append(text);
     return repair;
@@ -247,7 +247,7 @@ Repair DropDeclaration(const Scene& scene, int first, Span span) {
 Repair RepairDeclaration(const Scene& scene, const DeclarationFact& declaration) {
     const int first = scene.tokens.at(declaration.span.begin);
     if (IsAfterSection(scene, first)) {
-        return PutIn(scene, declaration.span.begin, QStringLiteral("END_VAR"));
+        return PutIn(declaration.span.begin, QStringLiteral("END_VAR"));
     }
     const int last = LastOfPiece(scene, first, SeemsToBeginDeclaration);
     const Span span = {declaration.span.begin, EndOfPiece(scene, last)};
@@ -275,18 +275,26 @@ struct HeadPart {
     QString missingEnd;  // what is put in for the missing word
 };
 
+// The word that ends the part, which a `;` may stand before; NONE if there is none.
+int EndOfHeadPart(const Scene& scene, const HeadPart& part) {
+    const bool isAfterSemicolon = scene.tokens.is(scene.error, TOKEN_SEMICOLON) &&
+                                  scene.tokens.isOneOf(scene.error + 1, part.ends);
+    return isAfterSemicolon ? scene.error + 1
+                            : scene.findInStatement(part.before + 1, part.ends);
+}
+
 Repair RepairHeadPart(const Scene& scene, const HeadPart& part) {
     const int first = part.before + 1;
     const int begin = scene.tokens.span(part.before).end;
-    const int end = scene.findInStatement(first, part.ends);
+    const int end = EndOfHeadPart(scene, part);
     if (end == first) {
-        return PutIn(scene, begin, part.neutral);
+        return PutIn(begin, part.neutral);
     }
     if (end != NONE) {
         return TakeOut(scene, SpanOver(scene, first, end - 1), part.neutral);
     }
     const QString text = part.neutral + u' ' + part.missingEnd;
-    return scene.error <= first ? PutIn(scene, begin, text)
+    return scene.error <= first ? PutIn(begin, text)
                                 : TakeOut(scene, SpanOver(scene, first, scene.error - 1), text);
 }
 
@@ -340,10 +348,10 @@ Repair RepairForHead(const Scene& scene, int begin, int part) {
                      scene, {assign, {TOKEN_DO}, QStringLiteral("0 TO 0"), QStringLiteral("DO")});
 }
 
-// A label that no other CASE label is.
+// A label that most likely no other CASE label is.
 QString UniqueCaseLabel(const Scene& scene) {
-    constexpr qint64 firstUnique = 5'000'000'000;
-    return QString::number(firstUnique + scene.facts.error.token.begin);
+    constexpr qint64 greatest = 4'294'967'295;
+    return QString::number(greatest - scene.facts.error.token.begin);
 }
 
 Repair RepairCaseHead(const Scene& scene, int part) {
@@ -384,7 +392,7 @@ Repair RepairHead(const Scene& scene, const StatementFact& statement) {
     const int begin = scene.tokens.at(statement.span.begin);
     const int part = scene.tokens.at(scene.facts.open.part);
     if (IsCompoundEnd(scene.tokens.code(scene.error - 1)) && scene.isExpected(TOKEN_SEMICOLON)) {
-        return PutIn(scene, scene.tokens.span(scene.error - 1).end, QStringLiteral(";"));
+        return PutIn(scene.tokens.span(scene.error - 1).end, QStringLiteral(";"));
     }
     switch (statement.kind) {
         case TOKEN_FOR:
@@ -413,18 +421,25 @@ bool BelongsTo(Token word, Token kind) {
 // What ends a compound statement that has no end.
 Repair CloseStatement(const Scene& scene, Token kind) {
     const QString condition = kind == TOKEN_REPEAT ? QStringLiteral("UNTIL TRUE ") : QString();
-    return PutIn(scene, scene.tokens.span(scene.error).begin,
+    return PutIn(scene.tokens.span(scene.error).begin,
                  condition + TextOf(EndOf(kind)) + u';');
+}
+
+// The last token of what belongs to a word that ends, or goes on with, a statement.
+int LastOfWord(const Scene& scene, int word) {
+    int last = NONE;
+    if (scene.tokens.is(word, TOKEN_ELSIF)) {
+        last = scene.findInStatement(word + 1, {TOKEN_THEN});
+    } else if (scene.tokens.is(word, TOKEN_UNTIL)) {
+        last = scene.findInStatement(word + 1, {TOKEN_END_REPEAT, TOKEN_SEMICOLON});
+    }
+    last = std::max(last, word);
+    return scene.tokens.is(last + 1, TOKEN_SEMICOLON) ? last + 1 : last;
 }
 
 // Takes out a word that nothing before it asks for, with what belongs to it.
 Repair TakeOutStray(const Scene& scene, int word) {
-    const int then =
-        scene.tokens.is(word, TOKEN_ELSIF) ? scene.findInStatement(word + 1, {TOKEN_THEN}) : NONE;
-    const int last = then != NONE                                 ? then
-                     : scene.tokens.is(word + 1, TOKEN_SEMICOLON) ? word + 1
-                                                                  : word;
-    return TakeOut(scene, SpanOver(scene, word, last));
+    return TakeOut(scene, SpanOver(scene, word, LastOfWord(scene, word)));
 }
 
 // A section among the statements, up to its END_VAR.
@@ -447,7 +462,7 @@ Repair TakeOutSection(const Scene& scene, int word) {
 Repair CloseUnit(const Scene& scene, int word) {
     const QString end = TextOf(EndOf(scene.unit().kind));
     return IsUnitEnd(scene.tokens.code(word)) ? TakeOut(scene, scene.tokens.span(word), end)
-                                              : PutIn(scene, scene.tokens.span(word).begin, end);
+                                              : PutIn(scene.tokens.span(word).begin, end);
 }
 
 // A word of the structure where a statement should begin: the end of an open statement is
@@ -459,6 +474,9 @@ Repair RepairStructure(const Scene& scene, int word, const StatementFact* parent
     }
     if (IsUnitBegin(code) || IsUnitEnd(code)) {
         return parent != nullptr ? CloseStatement(scene, parent->kind) : CloseUnit(scene, word);
+    }
+    if (code == TOKEN_END_REPEAT && parent != nullptr && parent->kind == TOKEN_REPEAT) {
+        return PutIn(scene.tokens.span(word).begin, QStringLiteral("UNTIL TRUE"));
     }
     const StatementFact* owner = parent;
     while (owner != nullptr && !BelongsTo(code, owner->kind)) {
@@ -531,6 +549,7 @@ Repair RepairUnitHead(const Scene& scene) {
     Repair repair = TakeOut(scene, SpanOver(scene, first, last),
                             TextOf(scene.unit().kind) + u' ' + name + result);
     repair.doubtfulDefinitions.append(scene.tokens.text(first + 1).toString());
+    repair.doubtfulNames.append(TextOf(TOKEN_RESULT));
     return repair;
 }
 
@@ -565,6 +584,14 @@ Repair TakeOutJumps(const Scene& scene) {
     return repair;
 }
 
+// Whether the compiler has read the head of the unit: its name, and the type of a function.
+bool IsHeadRead(const Scene& scene) {
+    const int name = scene.tokens.at(scene.unit().span.begin) + 1;
+    const int last = scene.unit().kind == TOKEN_FUNCTION ? name + 2 : name;
+    const bool isWhole = last == name || scene.tokens.typeNamed(last) != TYP_NONE;
+    return isWhole && scene.error > last;
+}
+
 Repair RepairUnit(const Scene& scene) {
     if (scene.isError(TXT_LABEL_REFERENCED_BUT_NOT_SET)) {
         return TakeOutJumps(scene);
@@ -575,10 +602,8 @@ Repair RepairUnit(const Scene& scene) {
         return RepairSectionKeyword(scene);
     }
     const int sectionEnd = LastSectionEnd(scene);
-    const bool isHeadRead = scene.isError(TXT_UNRECOGNIZED_KEYWORD) ||
-                            scene.isError(TXT_PROGRAM_MUST_START_WITH_DECLARATION_OF_VARIABLES);
-    if (isHeadRead && sectionEnd == NONE) {
-        return PutIn(scene, scene.tokens.span(scene.error).begin, QStringLiteral("VAR END_VAR"));
+    if (IsHeadRead(scene) && sectionEnd == NONE) {
+        return PutIn(scene.tokens.span(scene.error).begin, QStringLiteral("VAR END_VAR"));
     }
     return sectionEnd == NONE ? RepairUnitHead(scene) : Repair();
 }

@@ -82,9 +82,8 @@ Repair TakeOut(const Scene& scene, Span span, const QString& neutral) {
     return {{{span, NeutralText(scene.source.text(span), text)}}, {}, {}};
 }
 
-Repair PutIn(const Scene& scene, int offset, const QString& text) {
-    const Span span = {offset, offset};
-    return {{{span, SetApart(scene.source, span, text)}}, {}, {}};
+Repair PutIn(int offset, const QString& text) {
+    return {{{{offset, offset}, u' ' + text + u' '}}, {}, {}};
 }
 
 Span SpanOver(const Scene& scene, int first, int last) {

@@ -35,7 +35,7 @@ struct Scene {
 
 // Repairs made of one edit. Its text is set apart from what stands beside it.
 Repair TakeOut(const Scene& scene, Span span, const QString& neutral = QString());
-Repair PutIn(const Scene& scene, int offset, const QString& text);
+Repair PutIn(int offset, const QString& text);
 
 // The span from one token to another, both included.
 Span SpanOver(const Scene& scene, int first, int last);
