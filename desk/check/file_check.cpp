@@ -91,9 +91,19 @@ void FileCheck::takeWarnings(const Facts& facts) {
     }
 }
 
-// Whether a warning is about a name that is doubtful or that a piece mentions which was taken
-// out, or about the result of a unit that lacks a piece. The place of the warning about a value
-// is the token after the name.
+// Whether a help proposes to write the name.
+bool FileCheck::isProposed(const QString& name) const {
+    const QString code = u'`' + name + u'`';
+    return std::any_of(found_.begin(), found_.end(), [&code](const Diagnostic& error) {
+        return std::any_of(error.helps.begin(), error.helps.end(), [&code](const Help& help) {
+            return help.text.contains(code, Qt::CaseInsensitive);
+        });
+    });
+}
+
+// Whether a warning is about a name that is doubtful, that a piece mentions which was taken out or
+// that a help proposes, or about the result of a unit that lacks a piece. The place of the warning
+// about a value is the token after the name.
 bool FileCheck::dependsOnEdits(const Facts& facts, const MessageFact& message) const {
     const Tokens tokens(edited_, facts);
     const bool isAfterName = IsKind(message, TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED);
@@ -105,7 +115,7 @@ bool FileCheck::dependsOnEdits(const Facts& facts, const MessageFact& message) c
                         : source_.text(edit.span).contains(name, Qt::CaseInsensitive);
     };
     const std::vector<Edit>& all = edits_.all();
-    return isDoubtfulName(unitAt(facts, message.place), name) ||
+    return isDoubtfulName(unitAt(facts, message.place), name) || isProposed(name) ||
            std::any_of(all.begin(), all.end(), mentions);
 }
 
@@ -157,16 +167,18 @@ bool FileCheck::isAtEdit(const Facts& facts) const {
 }
 
 // Whether what was read of the statement, the part of a head or the declaration has a name of
-// which nothing is known. Where another token was expected, the one that came is not to blame.
+// which nothing is known. Where another token was expected, the one that came is not to blame;
+// a name that is not declared is so whatever else there is.
 bool FileCheck::isDoubtful(const Facts& facts) const {
     const Tokens tokens(edited_, facts);
-    const bool isOther = IsKind(ErrorOf(facts), TXT_EXPECTED_BUT);
-    const bool isInPiece = facts.open.statement != NONE || facts.open.declaration != NONE;
+    const int unit = unitAt(facts, facts.error.token.begin);
     const int error = tokens.at(facts.error.token.begin);
-    const int end = error + (isOther ? 0 : 1);
-    for (int index = isInPiece ? tokens.at(facts.open.part) : error; index < end; ++index) {
-        if (isDoubtfulName(unitAt(facts, facts.error.token.begin),
-                           tokens.text(index).toString())) {
+    const bool isInPiece = facts.open.statement != NONE || facts.open.declaration != NONE;
+    const bool isAboutName = IsKind(ErrorOf(facts), TXT_UNRECOGNIZED_KEYWORD);
+    const int begin = isAboutName ? error - 1 : isInPiece ? tokens.at(facts.open.part) : error;
+    const int end = IsKind(ErrorOf(facts), TXT_EXPECTED_BUT) ? error : error + 1;
+    for (int index = begin; index < end; ++index) {
+        if (isDoubtfulName(unit, tokens.text(index).toString())) {
             return true;
         }
     }

@@ -42,6 +42,7 @@ private:
 
     Diagnostic diagnosticOf(const Facts& facts, const MessageFact& message) const;
     void takeWarnings(const Facts& facts);
+    bool isProposed(const QString& name) const;
     bool dependsOnEdits(const Facts& facts, const MessageFact& message) const;
     bool isConsequence(const Facts& facts) const;
     bool isEndAfterEdit(const Facts& facts) const;

@@ -290,6 +290,16 @@ VAR a : INT := 0; END_VAR
     gone := 1;
 END_PROGRAM
 )"},
+        {"a name that is not declared beside one of which nothing is known", R"(PROGRAM P
+VAR
+    s : TEXT; //!
+    a : INT := 0;
+END_VAR
+    a := s + gone; //!
+    gone := s;
+    a := s + more; //!
+END_PROGRAM
+)"},
         {"a name that is not declared in a unit without a section", R"(FUNCTION F : INT
     RESULT := gone; //!
 END_FUNCTION

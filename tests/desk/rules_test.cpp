@@ -4,6 +4,7 @@
 #include "check/rules.h"
 
 #include "facts/compile.h"
+#include "print_text.h"
 #include "rule_cases.h"
 #include "rule_slips.h"
 
@@ -14,16 +15,10 @@
 #include <QRegularExpression>
 #include <QStringList>
 
-#include <ostream>
 #include <stdexcept>
 
 using testing::IsEmpty;
 using testing::UnorderedElementsAreArray;
-
-// How a failed test shows a text.
-void PrintTo(const QString& text, std::ostream* stream) {
-    *stream << text.toStdString();
-}
 
 namespace {
 
