@@ -500,10 +500,26 @@ Repair RepairSimpleStatement(const Scene& scene, const StatementFact& statement)
     return TakeOut(scene, {statement.span.begin, EndOfPiece(scene, last)});
 }
 
+// Whether a label of a CASE stands where a statement within another one within it should begin.
+bool IsLabelOfOuterCase(const Scene& scene, int first, const StatementFact* parent) {
+    const bool isLabel =
+        scene.tokens.is(first, TOKEN_NUMBER) &&
+        scene.tokens.isOneOf(first + 1, {TOKEN_COLON, TOKEN_COMMA, TOKEN_DOT_DOT});
+    const StatementFact* owner = parent;
+    while (owner != nullptr && owner->kind != TOKEN_CASE) {
+        owner = scene.parentOf(*owner);
+    }
+    return isLabel && owner != nullptr && owner != parent;
+}
+
 Repair RepairStatement(const Scene& scene, const StatementFact& statement) {
     const int first = scene.tokens.at(statement.span.begin);
+    const StatementFact* const parent = scene.parentOf(statement);
     if (IsStructureWord(scene.tokens.code(first))) {
-        return RepairStructure(scene, first, scene.parentOf(statement));
+        return RepairStructure(scene, first, parent);
+    }
+    if (IsLabelOfOuterCase(scene, first, parent)) {
+        return CloseStatement(scene, parent->kind);
     }
     return IsCompoundBegin(statement.kind) ? RepairHead(scene, statement)
                                            : RepairSimpleStatement(scene, statement);

@@ -534,6 +534,19 @@ VAR a : INT := 0; END_VAR
     a := ; //!
 END_PROGRAM
 )"},
+        {"an IF without END_IF before the next label", R"(PROGRAM P
+VAR a : INT := 0; END_VAR
+    CASE a OF
+        1: WHILE a > 1 DO
+            IF a > 1 THEN
+                a := 1;
+        2: a := ; //!!
+        3, 4: a := ; //!
+    ELSE
+        a := 3;
+    END_CASE;
+END_PROGRAM
+)"},
         {"a CASE without END_CASE in a REPEAT", R"(PROGRAM P
 VAR a : INT := 0; END_VAR
     REPEAT
