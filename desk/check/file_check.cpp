@@ -101,9 +101,9 @@ bool FileCheck::isProposed(const QString& name) const {
     });
 }
 
-// Whether a warning is about a name that is doubtful, that a piece mentions which was taken out or
-// that a help proposes, or about the result of a unit that lacks a piece. The place of the warning
-// about a value is the token after the name.
+// Whether a warning is about a name that is doubtful, that a piece mentions which was taken out
+// or that a help proposes, or about the result of a unit that lacks a piece. The place of the
+// warning about a value is the token after the name.
 bool FileCheck::dependsOnEdits(const Facts& facts, const MessageFact& message) const {
     const Tokens tokens(edited_, facts);
     const bool isAfterName = IsKind(message, TXT_MIGHT_NOT_HAVE_BEEN_INITIALIZED);

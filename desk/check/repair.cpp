@@ -279,8 +279,7 @@ struct HeadPart {
 int EndOfHeadPart(const Scene& scene, const HeadPart& part) {
     const bool isAfterSemicolon = scene.tokens.is(scene.error, TOKEN_SEMICOLON) &&
                                   scene.tokens.isOneOf(scene.error + 1, part.ends);
-    return isAfterSemicolon ? scene.error + 1
-                            : scene.findInStatement(part.before + 1, part.ends);
+    return isAfterSemicolon ? scene.error + 1 : scene.findInStatement(part.before + 1, part.ends);
 }
 
 Repair RepairHeadPart(const Scene& scene, const HeadPart& part) {
@@ -421,8 +420,7 @@ bool BelongsTo(Token word, Token kind) {
 // What ends a compound statement that has no end.
 Repair CloseStatement(const Scene& scene, Token kind) {
     const QString condition = kind == TOKEN_REPEAT ? QStringLiteral("UNTIL TRUE ") : QString();
-    return PutIn(scene.tokens.span(scene.error).begin,
-                 condition + TextOf(EndOf(kind)) + u';');
+    return PutIn(scene.tokens.span(scene.error).begin, condition + TextOf(EndOf(kind)) + u';');
 }
 
 // The last token of what belongs to a word that ends, or goes on with, a statement.

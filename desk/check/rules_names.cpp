@@ -103,8 +103,7 @@ bool IsCalled(const Context& context, const Piece& word) {
 
 // Whether a value is to be stored under that name.
 bool IsTarget(const Context& context, const Piece& word) {
-    return Near(context, 0).is(TOKEN_ASSIGN) &&
-           Near(context, -1).span.begin == word.span.begin;
+    return Near(context, 0).is(TOKEN_ASSIGN) && Near(context, -1).span.begin == word.span.begin;
 }
 
 // ---------------------------------------------------------------------------------------------

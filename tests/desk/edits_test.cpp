@@ -98,7 +98,8 @@ TEST(NeutralText, HasTheExtentOfThePiece) {
 }
 
 TEST(NeutralText, IsLongerWhereThereIsNoRoom) {
-    EXPECT_EQ(NeutralText(QStringLiteral("ab"), QStringLiteral("TRUE")), QStringLiteral("TRUE  "));
+    EXPECT_EQ(NeutralText(QStringLiteral("ab"), QStringLiteral("TRUE")),
+              QStringLiteral("TRUE  "));
     EXPECT_EQ(NeutralText(QStringLiteral("a\nbcd"), QStringLiteral("xy")),
               QStringLiteral("xy \n   "));
     EXPECT_EQ(NeutralText(QString(), QStringLiteral("x")), QStringLiteral("x"));

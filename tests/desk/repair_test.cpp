@@ -149,17 +149,18 @@ TEST(FileCheck, OneCompileIsEnoughForAScriptThatCompiles) {
 }
 
 TEST(FileCheck, WarningsStandAmongTheErrors) {
-    const FileReport report = Checked(
-        QStringLiteral("PROGRAM P\nVAR a : INT; b : INT := 0; c : INT := 0; END_VAR\n"
-                       "b := a;\nb := ;\nb := a;\nEND_PROGRAM\n"));
-    EXPECT_THAT(Messages(report),
-                ElementsAre(QStringLiteral("The variable \"a\" might not have been initialized "
-                                           "in \"P\""),
-                            QStringLiteral("The variable \"c\" is declared but never used "
-                                           "in \"P\""),
-                            QStringLiteral("The variable \"a\" might not have been initialized"),
-                            QStringLiteral("Number expected but \";\" found"),
-                            QStringLiteral("The variable \"a\" might not have been initialized")));
+    const FileReport report =
+        Checked(QStringLiteral("PROGRAM P\nVAR a : INT; b : INT := 0; c : INT := 0; END_VAR\n"
+                               "b := a;\nb := ;\nb := a;\nEND_PROGRAM\n"));
+    EXPECT_THAT(
+        Messages(report),
+        ElementsAre(QStringLiteral("The variable \"a\" might not have been initialized "
+                                   "in \"P\""),
+                    QStringLiteral("The variable \"c\" is declared but never used "
+                                   "in \"P\""),
+                    QStringLiteral("The variable \"a\" might not have been initialized"),
+                    QStringLiteral("Number expected but \";\" found"),
+                    QStringLiteral("The variable \"a\" might not have been initialized")));
 }
 
 TEST(FileCheck, AWarningThatMayFollowFromAnErrorIsNotGiven) {
@@ -169,9 +170,9 @@ TEST(FileCheck, AWarningThatMayFollowFromAnErrorIsNotGiven) {
 }
 
 TEST(FileCheck, ANameThatAHelpProposesIsNotUnused) {
-    const FileReport report = Checked(
-        QStringLiteral("PROGRAM P\nVAR level : INT := 0; spare : INT := 0; END_VAR\n"
-                       "IF levle > 1 THEN END_IF;\nEND_PROGRAM\n"));
+    const FileReport report =
+        Checked(QStringLiteral("PROGRAM P\nVAR level : INT := 0; spare : INT := 0; END_VAR\n"
+                               "IF levle > 1 THEN END_IF;\nEND_PROGRAM\n"));
     EXPECT_THAT(Messages(report),
                 ElementsAre(QStringLiteral("The variable \"spare\" is declared but never used "
                                            "in \"P\""),
@@ -179,16 +180,16 @@ TEST(FileCheck, ANameThatAHelpProposesIsNotUnused) {
 }
 
 TEST(FileCheck, TheResultIsNotMissedWhereItsAssignmentIsWrong) {
-    const FileReport report = Checked(
-        QStringLiteral("FUNCTION F : INT\nRESULT := ;\nEND_FUNCTION\n"
-                       "PROGRAM P\nVAR a : INT; END_VAR\na := F();\nEND_PROGRAM\n"));
+    const FileReport report =
+        Checked(QStringLiteral("FUNCTION F : INT\nRESULT := ;\nEND_FUNCTION\n"
+                               "PROGRAM P\nVAR a : INT; END_VAR\na := F();\nEND_PROGRAM\n"));
     EXPECT_THAT(Messages(report), ElementsAre(QStringLiteral("Number expected but \";\" found")));
 }
 
 TEST(FileCheck, PlacesAreThoseOfTheScript) {
-    const QString text =
-        QStringLiteral("PROGRAM P VAR a : WORD; b : INT := 0; END_VAR\n"
-                       "IF THEN b := gone; END_IF; b := 'later'; END_PROGRAM");
+    const QString text = QStringLiteral(
+        "PROGRAM P VAR a : WORD; b : INT := 0; END_VAR\n"
+        "IF THEN b := gone; END_IF; b := 'later'; END_PROGRAM");
     const FileReport report = Checked(text);
     std::vector<QString> marked;
     for (const Diagnostic& each : report.diagnostics) {
@@ -209,9 +210,10 @@ TEST(FileCheck, HelpsAreAtPlacesOfTheScript) {
 }
 
 TEST(FileCheck, ItEndsWhateverTheScriptIs) {
-    for (const char* text : {"", "\n", "PROGRAM", "PROGRAM P", "VAR", "END_PROGRAM", ";;;;", "'",
-                             "FUNCTION F", "FUNCTION FUNCTION FUNCTION", "IF IF IF END_IF",
-                             "PROGRAM P VAR", "PROGRAM P VAR a", "PROGRAM P VAR END_VAR IF CASE"}) {
+    for (const char* text :
+         {"", "\n", "PROGRAM", "PROGRAM P", "VAR", "END_PROGRAM", ";;;;", "'", "FUNCTION F",
+          "FUNCTION FUNCTION FUNCTION", "IF IF IF END_IF", "PROGRAM P VAR", "PROGRAM P VAR a",
+          "PROGRAM P VAR END_VAR IF CASE"}) {
         const FileReport report = Checked(QString::fromUtf8(text));
         EXPECT_FALSE(CountsOf(report, Level::Error).empty()) << text;
     }

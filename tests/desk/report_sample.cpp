@@ -2,8 +2,8 @@
 //
 //     yxst_report_sample FORMAT [colors] [quiet]
 
-#include "reports/output.h"
 #include "reports/make_report.h"
+#include "reports/output.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,7 +1,7 @@
 // Questions about the tokens of a script, and the scene of an error.
 
-#include "check/scene.h"
 #include "check/tokens.h"
+#include "check/scene.h"
 #include "facts/compile.h"
 
 #include "qyx_messages.h"
