@@ -4,6 +4,7 @@
 #include "facts/input.h"
 #include "options.h"
 #include "reports/make_report.h"
+#include "reports/progress.h"
 #include "subcommands.h"
 
 #include <QThread>
@@ -35,12 +36,39 @@ void MakeWarningsErrors(FileReport& report) {
 // Reports the files as they are handed over, and keeps count.
 class Reporter {
 public:
-    explicit Reporter(const CheckArguments& arguments)
-        : isWarningError_(arguments.isWarningError), report_(MakeReport(arguments.report)) {
+    Reporter(const CheckArguments& arguments, int files)
+        : isWarningError_(arguments.isWarningError),
+          report_(MakeReport(arguments.report)),
+          progress_(files) {
         report_->begin();
     }
 
     void take(CheckedFile file) {
+        progress_.hide();
+        tell(std::move(file));
+        progress_.show(++done_);
+    }
+
+    void fail(const QString& failure) {
+        Complain(failure);
+        hasFailed_ = true;
+    }
+
+    Status end() {
+        progress_.hide();
+        report_->end(summary_);
+        return hasFailed_ ? STATUS_FAILED : summary_.errors > 0 ? STATUS_NOT_FINE : STATUS_FINE;
+    }
+
+private:
+    bool isWarningError_;
+    std::unique_ptr<Report> report_;
+    Progress progress_;
+    Summary summary_;
+    int done_ = 0;
+    bool hasFailed_ = false;
+
+    void tell(CheckedFile file) {
         if (!file.report) {
             fail(file.path + QStringLiteral(": ") + file.failure);
             return;
@@ -51,28 +79,12 @@ public:
         report_->file(*file.report);
         summary_.add(*file.report);
     }
-
-    void fail(const QString& failure) {
-        Complain(failure);
-        hasFailed_ = true;
-    }
-
-    Status end() {
-        report_->end(summary_);
-        return hasFailed_ ? STATUS_FAILED : summary_.errors > 0 ? STATUS_NOT_FINE : STATUS_FINE;
-    }
-
-private:
-    bool isWarningError_;
-    std::unique_ptr<Report> report_;
-    Summary summary_;
-    bool hasFailed_ = false;
 };
 
 Status RunCheck(CheckArguments arguments) {
     arguments.report.hasColors = HasColors(arguments.color, STDOUT_FILENO);
-    Reporter reporter(arguments);
     const FoundFiles found = FindFiles(ListOf(arguments.paths), ListOf(arguments.suffixes));
+    Reporter reporter(arguments, found.files.size());
     for (const QString& failure : found.failures) {
         reporter.fail(failure);
     }

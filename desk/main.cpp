@@ -6,8 +6,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
 #include <map>
 #include <new>
@@ -55,7 +57,18 @@ void PrepareProcess() {
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
+bool IsSubcommand(const char* word) {
+    return std::any_of(
+        std::begin(SUBCOMMANDS), std::end(SUBCOMMANDS),
+        [word](const Subcommand& row) { return std::strcmp(row.name, word) == 0; });
+}
+
 Status Run(int argc, char** argv) {
+    if (argc > 1 && argv[1][0] != '-' && !IsSubcommand(argv[1])) {
+        Complain(QStringLiteral("%1 is no subcommand; yxst --help shows those there are")
+                     .arg(QString::fromLocal8Bit(argv[1])));
+        return STATUS_FAILED;
+    }
     CLI::App app("The desk beside yxstcmp, the compiler of Structured Text scripts", "yxst");
     app.set_version_flag("--version", Version(), "Show the versions of program and language");
     app.require_subcommand(1);
