@@ -143,7 +143,14 @@ void FileCheck::stop(const Facts& facts, const QString& why) {
 
 bool FileCheck::isConsequence(const Facts& facts) const {
     return !edits_.all().empty() &&
-           (isEndAfterEdit(facts) || isAtEdit(facts) || isDoubtful(facts));
+           (isAtError(facts) || isEndAfterEdit(facts) || isAtEdit(facts) || isDoubtful(facts));
+}
+
+// Whether an error has been found at that place: it was not mended by its repair.
+bool FileCheck::isAtError(const Facts& facts) const {
+    const int place = diagnosticOf(facts, ErrorOf(facts)).span.begin;
+    return std::any_of(found_.begin(), found_.end(),
+                       [place](const Diagnostic& error) { return error.span.begin == place; });
 }
 
 // Whether the script has ended where its rest was taken out. The place is the last token.

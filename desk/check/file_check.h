@@ -45,6 +45,7 @@ private:
     bool isProposed(const QString& name) const;
     bool dependsOnEdits(const Facts& facts, const MessageFact& message) const;
     bool isConsequence(const Facts& facts) const;
+    bool isAtError(const Facts& facts) const;
     bool isEndAfterEdit(const Facts& facts) const;
     bool isAtEdit(const Facts& facts) const;
     bool isDoubtful(const Facts& facts) const;

@@ -297,10 +297,10 @@ Repair RepairHeadPart(const Scene& scene, const HeadPart& part) {
                                 : TakeOut(scene, SpanOver(scene, first, scene.error - 1), text);
 }
 
-// The END_ word of the statement that begins at the token, NONE if it has none.
-int MatchingEnd(const Scene& scene, int begin) {
-    int depth = 0;
-    for (int index = begin; scene.tokens.isThere(index); ++index) {
+// The END_ word that closes the statements that are open before the token, so many within each
+// other; NONE if the unit ends before.
+int EndOfOpen(const Scene& scene, int from, int depth) {
+    for (int index = from; scene.tokens.isThere(index); ++index) {
         const Token code = scene.tokens.code(index);
         depth += IsCompoundBegin(code) ? 1 : IsCompoundEnd(code) ? -1 : 0;
         if (depth == 0) {
@@ -311,6 +311,11 @@ int MatchingEnd(const Scene& scene, int begin) {
         }
     }
     return NONE;
+}
+
+// The END_ word of the statement that begins at the token, NONE if it has none.
+int MatchingEnd(const Scene& scene, int begin) {
+    return IsCompoundBegin(scene.tokens.code(begin)) ? EndOfOpen(scene, begin + 1, 1) : NONE;
 }
 
 // A FOR without a variable that can count becomes a loop that needs none.
@@ -492,8 +497,57 @@ bool IsStructureWord(Token code) {
     return IsBoundary(code) && !IsCompoundBegin(code) && !IsJump(code);
 }
 
+// A head whose keyword is lost, up to the word that ends it.
+struct LostHead {
+    Token word;
+    Token end;  // the END_ word that shows which keyword it was
+    QLatin1String neutral;
+};
+
+constexpr LostHead LOST_HEADS[] = {
+    {TOKEN_THEN, TOKEN_END_IF, "IF TRUE THEN"_L1},
+    {TOKEN_OF, TOKEN_END_CASE, "CASE 0 OF"_L1},
+    {TOKEN_DO, TOKEN_END_WHILE, "WHILE FALSE DO"_L1},
+    {TOKEN_DO, TOKEN_END_FOR, "WHILE FALSE DO"_L1},
+};
+
+// The END_ word of a head that ends with that word; NONE if there are only those of the
+// statements that hold it, as with a misspelt ELSIF.
+int EndOfLostHead(const Scene& scene, const StatementFact& statement, int word) {
+    int open = 1;
+    for (const StatementFact* outer = scene.parentOf(statement); outer != nullptr;
+         outer = scene.parentOf(*outer)) {
+        ++open;
+    }
+    return EndOfOpen(scene, word + 1, open) == NONE ? NONE : EndOfOpen(scene, word + 1, 1);
+}
+
+// What seems to be the head of a compound statement becomes one; no edit if it does not seem so.
+Repair RepairLostHead(const Scene& scene, const StatementFact& statement) {
+    const int first = scene.tokens.at(statement.span.begin);
+    const int word = scene.findInStatement(first, {TOKEN_THEN, TOKEN_OF, TOKEN_DO});
+    const int end = word == NONE ? NONE : EndOfLostHead(scene, statement, word);
+    for (const LostHead& head : LOST_HEADS) {
+        if (end == NONE || !scene.tokens.is(word, head.word) || !scene.tokens.is(end, head.end)) {
+            continue;
+        }
+        Repair repair = TakeOut(scene, SpanOver(scene, first, word), head.neutral);
+        if (head.end == TOKEN_END_FOR) {
+            const Span closing = scene.tokens.span(end);
+            repair.edits.push_back(
+                TakeOut(scene, closing, TextOf(TOKEN_END_WHILE)).edits.front());
+        }
+        return repair;
+    }
+    return {};
+}
+
 Repair RepairSimpleStatement(const Scene& scene, const StatementFact& statement) {
     const int first = scene.tokens.at(statement.span.begin);
+    const Repair head = RepairLostHead(scene, statement);
+    if (!head.edits.empty()) {
+        return head;
+    }
     const int last = LastOfPiece(scene, first, SeemsToBeginStatement);
     return TakeOut(scene, {statement.span.begin, EndOfPiece(scene, last)});
 }

@@ -651,6 +651,47 @@ VAR a : INT := 0; END_VAR
     a := ; //!
 END_PROGRAM //!
 )"},
+        {"a keyword that is misspelt", R"(PROGRAM P
+VAR a : INT := 0; i : INT; END_VAR
+    IFF a > 1 THEN //!
+        a := ; //!
+    ELSIF a > 2 THEN
+        a := 2;
+    END_IF;
+    WHLE a > 1 DO //!
+        a := ; //!
+    END_WHILE;
+    FRO i := 1 TO 3 DO //!
+        IF a > 1 THEN EXIT; END_IF;
+    END_FOR;
+    SWITCH a OF //!
+        1: a := ; //!
+        2: a := 2;
+    END_CASE;
+    a := ; //!
+END_PROGRAM
+)"},
+        {"an ELSIF that is misspelt", R"(PROGRAM P
+VAR a : INT := 0; END_VAR
+    WHILE a > 1 DO
+        IF a > 1 THEN
+            a := 1;
+        ELSEIF a > 2 THEN //!
+            a := 2;
+        END_IF;
+        a := ; //!
+    END_WHILE;
+END_PROGRAM
+)"},
+        {"a keyword that is missing", R"(PROGRAM P
+VAR a : INT := 0; END_VAR
+    a > 1 THEN //!
+        a := 1;
+    END_IF;
+    a > 1 THEN //!
+    a := ; //!
+END_PROGRAM
+)"},
         {"a section among the statements", R"(PROGRAM P
 VAR a : INT := 0; END_VAR
     a := 1;

@@ -130,6 +130,13 @@ class GoldenCases(unittest.TestCase):
                 places = [(each["line"], each["column"]) for each in found]
                 self.assertEqual(places, sorted(places))
 
+    def test_no_place_has_two_errors(self):
+        for case, _, found in self.refused():
+            with self.subTest(case.name):
+                errors = [each for each in found if each["severity"] == "error"]
+                places = {(each["line"], each["column"]) for each in errors}
+                self.assertEqual(len(places), len(errors))
+
     def test_helps_are_for_errors_alone(self):
         helped = {each["severity"] for found in self.found for each in found if "help" in each}
         self.assertEqual(helped, {"error"})
