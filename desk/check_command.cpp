@@ -102,22 +102,14 @@ Runner DeclareCheck(CLI::App& command) {
     command
         .add_option("PATH", arguments->paths, "Scripts, or folders of them; - is standard input")
         ->required();
-    command
-        .add_option("--format", arguments->report.format,
-                    "How it is shown: human, gcc, json, sarif or github")
-        ->option_text("FORMAT")
-        ->transform(CLI::CheckedTransformer(formats));
-    command
-        .add_option("--max-errors", arguments->options.maxErrors, "Errors shown of a script, 20")
-        ->option_text("N")
-        ->check(CLI::PositiveNumber);
+    AddChoiceOption(command, "--format", arguments->report.format, formats, "FORMAT",
+                    "How it is shown: human, gcc, json, sarif or github");
+    AddCountOption(command, "--max-errors", arguments->options.maxErrors,
+                   "Errors shown of a script, 20");
     command.add_flag("--werror", arguments->isWarningError, "Warnings are errors");
     command.add_flag("--quiet", arguments->report.isQuiet, "No summary");
-    command
-        .add_option("--jobs", arguments->options.jobs,
-                    "Scripts checked at the same time; as many as there are processors")
-        ->option_text("N")
-        ->check(CLI::PositiveNumber);
+    AddCountOption(command, "--jobs", arguments->options.jobs,
+                   "Scripts checked at the same time; as many as there are processors");
     command
         .add_option("--suffix", arguments->suffixes,
                     "Files in folders that are scripts, st; may be given several times")

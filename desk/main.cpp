@@ -72,6 +72,10 @@ Status Run(int argc, char** argv) {
     CLI::App app("The desk beside yxstcmp, the compiler of Structured Text scripts", "yxst");
     app.set_version_flag("--version", Version(), "Show the versions of program and language");
     app.require_subcommand(1);
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return std::string("yxst: ") + error.what() +
+               ".\nRun with --help for more information.\n";
+    });
     std::map<const CLI::App*, Runner> runners;
     for (const Subcommand& row : SUBCOMMANDS) {
         CLI::App* const command = app.add_subcommand(row.name, row.description);

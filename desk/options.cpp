@@ -1,13 +1,19 @@
 #include "options.h"
 
-#include <map>
-
 void AddColorOption(CLI::App& command, ColorWish& wish) {
     const std::map<std::string, ColorWish> wishes = {
         {"auto", ColorWish::Auto}, {"always", ColorWish::Always}, {"never", ColorWish::Never}};
-    command.add_option("--color", wish, "auto, always or never")
-        ->option_text("WHEN")
-        ->transform(CLI::CheckedTransformer(wishes));
+    AddChoiceOption(command, "--color", wish, wishes, "WHEN", "auto, always or never");
+}
+
+void AddCountOption(CLI::App& command, const char* option, int& count, const char* description) {
+    command.add_option(option, count, description)
+        ->option_text("N")
+        ->check([](const std::string& text) {
+            bool isNumber = false;
+            const int number = QString::fromStdString(text).toInt(&isNumber);
+            return isNumber && number > 0 ? std::string() : text + " is no number from 1 on";
+        });
 }
 
 QStringList ListOf(const std::vector<std::string>& arguments) {

@@ -11,16 +11,27 @@ QString NeutralText(QStringView piece, const QString& neutral) {
     return neutral + blanks.mid(hasRoom ? neutral.size() : 0);
 }
 
+namespace {
+
+bool IsWithin(const Edit& inner, const Edit& outer) {
+    const bool isPutInBefore = inner.span.isEmpty() && inner.span.begin == outer.span.begin;
+    return inner.span.begin >= outer.span.begin && inner.span.end <= outer.span.end &&
+           !isPutInBefore && !outer.span.isEmpty();
+}
+
+// What is put in at the begin of a piece comes before it.
+bool IsBefore(const Edit& a, const Edit& b) {
+    return a.span.begin != b.span.begin ? a.span.begin < b.span.begin
+                                        : a.span.isEmpty() && !b.span.isEmpty();
+}
+
+}  // namespace
+
 void Edits::add(Edit edit) {
-    const auto isWithin = [&edit](const Edit& older) {
-        return older.span.begin >= edit.span.begin && older.span.end <= edit.span.end &&
-               !edit.span.isEmpty();
-    };
+    const auto isWithin = [&edit](const Edit& older) { return IsWithin(older, edit); };
     edits_.erase(std::remove_if(edits_.begin(), edits_.end(), isWithin), edits_.end());
-    const auto after = std::upper_bound(
-        edits_.begin(), edits_.end(), edit,
-        [](const Edit& a, const Edit& b) { return a.span.begin < b.span.begin; });
-    edits_.insert(after, std::move(edit));
+    edits_.insert(std::upper_bound(edits_.begin(), edits_.end(), edit, IsBefore),
+                  std::move(edit));
 }
 
 QString Edits::applyTo(const QString& text) const {

@@ -36,16 +36,18 @@ bool FileCheck::take(const Facts& facts) {
     if (facts.isCompiled()) {
         return false;
     }
-    if (!isConsequence(facts)) {
+    const bool isShown = !isConsequence(facts);
+    if (isShown && errors_ == maxErrors_) {
+        stop(facts, QStringLiteral("stopped here: there are more errors than are to be shown"));
+        return false;
+    }
+    if (isShown) {
         reportError(facts);
     }
     const bool isAllRead =
         IsKind(ErrorOf(facts), TXT_UNEXPECTED_END_OF_INPUT_FILE) && !facts.open.inComment;
-    if (errors_ == maxErrors_ || isAllRead) {
-        return false;
-    }
     --roundsLeft_;
-    return repair(facts);
+    return !isAllRead && repair(facts);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -64,9 +66,19 @@ Diagnostic FileCheck::diagnosticOf(const Facts& facts, const MessageFact& messag
     return diagnostic;
 }
 
+// The facts without the names that were put in: no help is to speak of them.
+Facts FileCheck::factsOfScript(const Facts& facts) const {
+    Facts ofScript = facts;
+    for (NameFact& name : ofScript.names) {
+        const bool isPutIn = !name.span.isEmpty() && edits_.original(name.span).isEmpty();
+        name.text = isPutIn ? Span() : name.text;
+    }
+    return ofScript;
+}
+
 void FileCheck::reportError(const Facts& facts) {
     Diagnostic error = diagnosticOf(facts, ErrorOf(facts));
-    error.helps = HelpsForError(edited_, facts);
+    error.helps = HelpsForError(edited_, edits_.all().empty() ? facts : factsOfScript(facts));
     for (Help& help : error.helps) {
         help.span = edits_.original(help.span);
     }
@@ -128,12 +140,17 @@ FileReport FileCheck::report() const {
     return report;
 }
 
+// The note stands after all errors, also where the last of the compiler's is in a text that was
+// put in before them.
 void FileCheck::stop(const Facts& facts, const QString& why) {
     Diagnostic note;
     note.level = Level::Note;
     note.id = QStringLiteral("stopped-here");
     note.message = why;
     note.span = edits_.original(facts.error.token);
+    if (!found_.empty() && note.span.begin < found_.back().span.begin) {
+        note.span = found_.back().span;
+    }
     found_.push_back(std::move(note));
 }
 

@@ -51,6 +51,7 @@ private:
     bool isDoubtful(const Facts& facts) const;
     bool isDoubtfulName(int unit, const QString& name) const;
     int unitAt(const Facts& facts, int place) const;
+    Facts factsOfScript(const Facts& facts) const;
     void reportError(const Facts& facts);
     bool repair(const Facts& facts);
     bool apply(const Repair& repair, int unit);

@@ -151,8 +151,12 @@ bool HasSectionEnd(const Scene& scene, int from) {
     return false;
 }
 
-// Whether the statements begin where the compiler looks for a declaration.
+// Whether the statements begin where the compiler looks for a declaration. A word before ":" is
+// meant as a name, whatever it is.
 bool IsAfterSection(const Scene& scene, int first) {
+    if (scene.tokens.is(first + 1, TOKEN_COLON)) {
+        return false;
+    }
     const bool isStatement =
         IsBoundary(scene.tokens.code(first)) ||
         scene.tokens.isOneOf(first, {TOKEN_RESULT, TOKEN_TICK}) ||
@@ -577,8 +581,22 @@ Repair RepairStatement(const Scene& scene, const StatementFact& statement) {
                                            : RepairSimpleStatement(scene, statement);
 }
 
+// Whether a word that is none of the language stands where a section would begin.
+bool IsUnknownSection(const Scene& scene, int word) {
+    return scene.isUndeclared(word) && scene.tokens.is(word + 1, TOKEN_IDENTIFIER) &&
+           scene.tokens.is(word + 2, TOKEN_COLON) && HasSectionEnd(scene, word + 1);
+}
+
+Repair RenameSection(const Scene& scene, int word) {
+    return TakeOut(scene, scene.tokens.span(word), TextOf(TOKEN_VAR));
+}
+
 // With a name that is declared nowhere the statement is as it should be.
 Repair RepairNameOrStatement(const Scene& scene, const StatementFact& statement) {
+    const int first = scene.tokens.at(statement.span.begin);
+    if (IsUnknownSection(scene, first)) {
+        return RenameSection(scene, first);
+    }
     const int name = UndeclaredName(scene);
     if (name == NONE) {
         return RepairStatement(scene, statement);
@@ -668,6 +686,9 @@ Repair RepairUnit(const Scene& scene) {
                            scene.isError(TXT_ARGUMENTS_MUST_BE_ON_TOP);
     if (isSection) {
         return RepairSectionKeyword(scene);
+    }
+    if (IsUnknownSection(scene, scene.error)) {
+        return RenameSection(scene, scene.error);
     }
     const int sectionEnd = LastSectionEnd(scene);
     if (IsHeadRead(scene) && sectionEnd == NONE) {

@@ -57,7 +57,7 @@ bool Scene::isUndeclared(int index) const {
         return isSeen && name.kind != NameKind::Label && name.kind != NameKind::Program &&
                tokens.isText(index, facts.textOf(name.text));
     };
-    return tokens.is(index, TOKEN_IDENTIFIER) &&
+    return tokens.is(index, TOKEN_IDENTIFIER) && tokens.typeNamed(index) == TYP_NONE &&
            facts.tokens[static_cast<std::size_t>(index)].code == TOKEN_IDENTIFIER &&
            std::none_of(facts.names.begin(), facts.names.end(), isIt);
 }

@@ -29,7 +29,8 @@ struct Scene {
     // that ends the search; NONE if there is none.
     int findInStatement(int from, std::initializer_list<Token> wanted) const;
 
-    // The name of a token, if nothing that the open unit sees has it.
+    // Whether the token is a name that nothing has which the open unit sees; that of a type is
+    // not.
     bool isUndeclared(int index) const;
 };
 

@@ -33,13 +33,14 @@ QString AskedId(const QString& line) {
     return id.toLower().replace('_', '-');
 }
 
-// The message without what stands in front of it in a line of output.
+// The message without what stands before and after it in a line of output.
 QString AskedText(QString line) {
     static const QRegularExpression front(
         QStringLiteral("^(?:.*?(?:error|warning): line \\d+, column \\d+: |"
                        ".*?:\\d+:\\d+: (?:error|warning): |;)"),
         QRegularExpression::CaseInsensitiveOption);
-    return WithoutQuotes(line.remove(front).simplified());
+    static const QRegularExpression back(QStringLiteral(" \\[[\\w-]+\\]$"));
+    return WithoutQuotes(line.remove(front).remove(back).simplified());
 }
 
 Question QuestionOf(const QString& words) {
@@ -192,7 +193,9 @@ std::vector<Entry> FindEntries(const std::vector<Entry>& entries, const QString&
             found = BestOf(entries, asked, search);
         }
     }
-    return found;
+    // A line of yxst check has both: of the entries of its identifier one has its text.
+    const std::vector<Entry> withText = BestOf(found, asked, {ByText, true});
+    return withText.empty() ? found : withText;
 }
 
 QStringList NearestIds(const std::vector<Entry>& entries, const QString& question) {

@@ -13,7 +13,7 @@
 
 namespace {
 
-// How a terminal is told to paint.
+// What makes a terminal paint.
 using Paint = const char*;
 constexpr Paint BOLD = "1";
 constexpr Paint BLUE = "1;34";

@@ -41,7 +41,7 @@ TEST(Edits, AtOnePlaceTheLaterStandsAfter) {
     EXPECT_EQ(Applied({{{5, 5}, QStringLiteral("a")}, {{5, 5}, QStringLiteral("b")}}),
               QStringLiteral("01234ab56789"));
     EXPECT_EQ(Applied({{{5, 5}, QStringLiteral("a")}, {{5, 7}, QStringLiteral("b")}}),
-              QStringLiteral("01234b789"));
+              QStringLiteral("01234ab789"));
 }
 
 TEST(Edits, OneTakesThePlaceOfThoseWithin) {

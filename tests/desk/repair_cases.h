@@ -270,7 +270,7 @@ VAR CONSTANT c : INT := 1; a : INT := 0; END_VAR
     a := ; //!
 END_PROGRAM
 )"},
-        {"a name that is not declared is told once", R"(PROGRAM P
+        {"a name that is not declared is shown once", R"(PROGRAM P
 VAR a : INT := 0; END_VAR
     a := gone; //!
     gone := a;
@@ -280,7 +280,7 @@ VAR a : INT := 0; END_VAR
     a := ; //!
 END_PROGRAM
 )"},
-        {"a name that is not declared is told in each unit", R"(FUNCTION F : INT
+        {"a name that is not declared is shown in each unit", R"(FUNCTION F : INT
 VAR_ARG a : INT; END_VAR
     RESULT := a + gone; //!
 END_FUNCTION
@@ -864,6 +864,48 @@ VAR b : INT := 0; END_VAR
     Set(b + 1); //!
     Set(b);
     b := ; //!
+END_PROGRAM
+)"},
+        {"literals with types", R"(PROGRAM P
+VAR a : INT := 0; r : REAL := 0.0; END_VAR
+    a := INT#5; //!
+    a := ; //!
+    IF r > REAL#1.0 THEN //!
+        a := 2 + ; //!
+    END_IF;
+END_PROGRAM
+)"},
+        {"words of the language as names", R"(PROGRAM P
+VAR
+    if : INT; //!
+    case : INT; //!
+    function : BOOL; //!
+    a : INT := 0;
+END_VAR
+    a := ; //!
+END_PROGRAM
+)"},
+        {"a section of another dialect", R"(PROGRAM P
+VAR a : INT := 0; END_VAR
+VAR_TEMP
+    t : INT := 0; //!
+    u : INT := 0;
+END_VAR
+    a := t + u;
+    a := ; //!
+END_PROGRAM
+)"},
+        {"a section of another dialect that is the first", R"(PROGRAM P
+VAR_TEMP //!
+    t : INT := 0;
+END_VAR
+    t := t + 1;
+    t := ; //!
+END_PROGRAM
+)"},
+        {"a program without a section and with other errors", R"(PROGRAM P
+    x := ; //!!
+    y := ; //!
 END_PROGRAM
 )"},
         {"nothing but a function", R"(FUNCTION F : INT

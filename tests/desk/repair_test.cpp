@@ -139,7 +139,8 @@ const QString THREE_ERRORS = QStringLiteral(
 TEST(FileCheck, EndsWithTheGreatestNumberOfErrors) {
     EXPECT_THAT(CountsOf(Checked(THREE_ERRORS, 2), Level::Error), Eq(Counts{{3, 1}, {4, 1}}));
     EXPECT_THAT(CountsOf(Checked(THREE_ERRORS, 3), Level::Error).size(), Eq(3U));
-    EXPECT_TRUE(CountsOf(Checked(THREE_ERRORS, 1), Level::Note).empty());
+    EXPECT_THAT(CountsOf(Checked(THREE_ERRORS, 1), Level::Note), Eq(Counts{{4, 1}}));
+    EXPECT_TRUE(CountsOf(Checked(THREE_ERRORS, 3), Level::Note).empty());
 }
 
 TEST(FileCheck, OneCompileIsEnoughForAScriptThatCompiles) {
