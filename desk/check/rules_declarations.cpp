@@ -38,14 +38,21 @@ Piece TypeOfDeclaration(const Context& context) {
     return PieceAt(context, index).is(TOKEN_COLON) ? PieceAt(context, index + 1) : Piece();
 }
 
+QString DeclarationOf(const Piece& name, const Piece& type) {
+    return QStringLiteral("%1 : %2;").arg(name.text, type.text);
+}
+
 Maybe SeveralNames(const Context& context) {
     const Piece type = TypeOfDeclaration(context);
     if (!IsDeclaring(context) || !Expects(context, TOKEN_COLON) ||
         !Near(context, 0).is(TOKEN_COMMA) || type.span.isEmpty()) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("each declaration has one name: write `%1 : %3; %2 : %3;`")
-                   .arg(Near(context, -1).text, Near(context, 1).text, type.text));
+    QStringList each = {DeclarationOf(Near(context, -1), type)};
+    for (int comma = 0; Near(context, comma).is(TOKEN_COMMA); comma += 2) {
+        each.append(DeclarationOf(Near(context, comma + 1), type));
+    }
+    return Say(QStringLiteral("each declaration has one name: write `%1`").arg(each.join(u' ')));
 }
 
 Maybe TypeBeforeName(const Context& context) {

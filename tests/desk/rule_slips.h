@@ -240,6 +240,15 @@ END_PROGRAM
     END IF;
 )"),
          "the `IF` of line 14 ends with `END_IF;`", "END"},
+        {"several-names", Script(R"(
+PROGRAM P
+VAR
+    a, b, c : INT;
+END_VAR
+    a := 1;
+END_PROGRAM
+)"),
+         "each declaration has one name: write `a : INT; b : INT; c : INT;`", ""},
         {"undeclared-name", Lines(R"(
     foo := 7;
 )"),
