@@ -591,11 +591,21 @@ Repair RenameSection(const Scene& scene, int word) {
     return TakeOut(scene, scene.tokens.span(word), TextOf(TOKEN_VAR));
 }
 
+// The word that is meant by END and the word after it, TOKEN_UNKNOWN if none is.
+Token EndInTwoWords(const Scene& scene, int first) {
+    const bool isEnd = scene.tokens.isText(first, QStringLiteral("END"));
+    return isEnd && scene.isUndeclared(first) ? EndOf(scene.tokens.code(first + 1))
+                                              : TOKEN_UNKNOWN;
+}
+
 // With a name that is declared nowhere the statement is as it should be.
 Repair RepairNameOrStatement(const Scene& scene, const StatementFact& statement) {
     const int first = scene.tokens.at(statement.span.begin);
     if (IsUnknownSection(scene, first)) {
         return RenameSection(scene, first);
+    }
+    if (const Token end = EndInTwoWords(scene, first); end != TOKEN_UNKNOWN) {
+        return TakeOut(scene, SpanOver(scene, first, first + 1), TextOf(end));
     }
     const int name = UndeclaredName(scene);
     if (name == NONE) {

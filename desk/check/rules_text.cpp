@@ -93,7 +93,8 @@ Maybe Directive(const Context& context) {
 Maybe ForeignComment(const Context& context) {
     const Piece begin = Near(context, 0);
     const bool isC = begin.text == QLatin1String("/*") || begin.text == QLatin1String("*/");
-    const bool isWord = Near(context, 1).is(TOKEN_IDENTIFIER);
+    const Piece word = Near(context, 1);
+    const bool isWord = word.is(TOKEN_IDENTIFIER) && word.span.begin > begin.span.end;
     const bool isStep = isWord && Near(context, 2).is(TOKEN_SEMICOLON);
     const bool isOther = IsAtBegin(context) && isWord && !isStep &&
                          (begin.text == QLatin1String("#") || begin.text == QLatin1String("--"));

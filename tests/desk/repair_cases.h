@@ -866,6 +866,14 @@ VAR b : INT := 0; END_VAR
     b := ; //!
 END_PROGRAM
 )"},
+        {"an end in two words", R"(PROGRAM P
+VAR a : INT := 0; END_VAR
+    IF a > 1 THEN
+        a := 2;
+    END IF; //!
+    a := ; //!
+END PROGRAM //!
+)"},
         {"literals with types", R"(PROGRAM P
 VAR a : INT := 0; r : REAL := 0.0; END_VAR
     a := INT#5; //!
