@@ -137,7 +137,9 @@ private:
         json_.member("ended", fact.isEnded);
     }
 
+    // The identifier by which uses and units refer to a name is its index.
     void name(const NameFact& fact) {
+        json_.member("id", static_cast<int>(&fact - facts_.names.data()));
         json_.member("name", facts_.textOf(fact.text));
         json_.member("kind", NAME_KINDS[static_cast<std::size_t>(fact.kind)]);
         type(fact.type);

@@ -236,7 +236,9 @@ def wrong_declarations(subject):
 
 def wrong_names(subject):
     names = subject.facts["names"]
-    for name in names:
+    for index, name in enumerate(names):
+        if name["id"] != index:
+            yield f"{name} stands at {index}"
         is_result = name.get("section") == "RESULT"
         if "begin" in name and not is_result and subject.text(name) != name["name"]:
             yield f"{name} is not {subject.text(name)!r}"
@@ -345,6 +347,7 @@ NOTICED = [
     (wrong_declarations, change("declarations", 1, name=1)),
     (wrong_names, change("names", 1, begin=[4, 5], end=[4, 6])),
     (wrong_names, change("uses", 0, name=2)),
+    (wrong_names, change("names", 1, id=2)),
     (wrong_uses, lambda facts: facts["uses"].pop()),
     (wrong_uses, lambda facts: facts["uses"].append(facts["uses"][0])),
     (wrong_places, change("items", -2, at=[9, 1], statement=0)),
