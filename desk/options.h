@@ -23,6 +23,7 @@ void AddChoiceOption(CLI::App& command, const char* option, Value& chosen,
                      const std::map<std::string, Value>& choices, const char* valueName,
                      const char* description) {
     std::vector<std::string> words;
+    words.reserve(choices.size());
     for (const auto& [word, value] : choices) {
         words.push_back(word);
     }

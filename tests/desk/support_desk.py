@@ -16,6 +16,9 @@ from support import DESK, TIMEOUT_SECONDS  # noqa: E402
 
 FINE, NOT_FINE, FAILED = 0, 1, 2
 
+IS_SANITIZED = b"__asan_init" in DESK.read_bytes()
+SANITIZED = "a sanitizer takes more stack, catches signals and needs processes of its own"
+
 SCRIPT = b"""PROGRAM P
 VAR
     a : INT;

@@ -13,7 +13,9 @@ from support_desk import (
     DESK,
     FAILED,
     FINE,
+    IS_SANITIZED,
     NOT_FINE,
+    SANITIZED,
     SCRIPT,
     TIMEOUT_SECONDS,
     is_running,
@@ -117,6 +119,7 @@ class Files(InputTestCase):
                 self.assertIn("\ufffd", run.stdout.decode())
                 self.assertEqual((run.status, run.stderr), (NOT_FINE, b""))
 
+    @unittest.skipIf(IS_SANITIZED, SANITIZED)
     def test_deep_nesting(self):
         deep = SCRIPT.replace(b"1;", b"(" * 100_000 + b"1;")
         self.write("deep.st", deep)
@@ -230,6 +233,7 @@ class Processes(InputTestCase):
         wait_for(lambda: len(children_of(process.pid)) == jobs)
         return process, children_of(process.pid)
 
+    @unittest.skipIf(IS_SANITIZED, SANITIZED)
     def test_a_compile_that_dies(self):
         for number, name in ((signal.SIGKILL, "Killed"), (signal.SIGSEGV, "Segmentation fault")):
             with self.subTest(name):
@@ -259,6 +263,7 @@ class Processes(InputTestCase):
                 self.assertEqual(process.wait(TIMEOUT_SECONDS), -number)
                 wait_for(lambda: not any(map(is_running, children)))
 
+    @unittest.skipIf(IS_SANITIZED, SANITIZED)
     def test_no_process_can_be_started(self):
         limit = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (4, 4))  # noqa: E731
         run = self.check("-", "wrong.st", stdin=None, input=SCRIPT, preexec_fn=limit)

@@ -13,7 +13,9 @@ from support_desk import (
     DESK,
     FAILED,
     FINE,
+    IS_SANITIZED,
     NOT_FINE,
+    SANITIZED,
     SCRIPT,
     TIMEOUT_SECONDS,
     child_of,
@@ -238,6 +240,7 @@ class Child(unittest.TestCase):
         self.addCleanup(process.kill)
         return process, wait_for(lambda: child_of(process.pid))
 
+    @unittest.skipIf(IS_SANITIZED, SANITIZED)
     def test_a_compile_that_dies(self):
         for number, name in ((signal.SIGKILL, "Killed"), (signal.SIGSEGV, "Segmentation fault")):
             with self.subTest(signal=number):
@@ -256,6 +259,7 @@ class Child(unittest.TestCase):
                 self.assertEqual(process.wait(TIMEOUT_SECONDS), -number)
                 wait_for(lambda: not is_running(child))
 
+    @unittest.skipIf(IS_SANITIZED, SANITIZED)
     def test_no_process_can_be_started(self):
         limit = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (4, 4))  # noqa: E731
         run = run_yxst("facts", "-", stdin=None, input=SCRIPT, preexec_fn=limit)
@@ -272,6 +276,7 @@ class Child(unittest.TestCase):
                 self.assertEqual(run.status, FAILED)
                 self.assertRegex(run.stderr.decode(), r"^yxst: (.*: )?out of memory\.\n$")
 
+    @unittest.skipIf(IS_SANITIZED, SANITIZED)
     def test_deep_nesting(self):
         facts, status = facts_of(spelled("a : INT;", "a := " + "(" * 100_000 + "1;"))
         self.assertEqual((status, facts["messages"][0]["severity"]), (NOT_FINE, "error"))
