@@ -5,6 +5,7 @@ off and none are made.
 """
 
 import json
+import re
 import shutil
 import subprocess
 import tempfile
@@ -25,39 +26,6 @@ END_VAR
 END_PROGRAM
 """
 
-# Typed into an empty buffer: no line is indented by hand.
-TYPED = """\
-FUNCTION Twice : INT
-VAR_ARG
-x : INT;
-END_VAR
-RESULT := 2 * x;
-END_FUNCTION
-
-PROGRAM Demo
-VAR
-level : INT := 0;
-open : BOOL := FALSE;
-END_VAR
-CASE level OF
-0:
-open := FALSE;
-1..9: open := TRUE;
-ELSE
-IF open THEN
-level := Twice(level)
-+ 1;
-ELSIF level > 20 THEN
-again:
-level := level - 1;
-ELSE
-REPEAT
-level := 0;
-UNTIL level = 0
-END_REPEAT;
-END_IF;
-END_CASE;
-END_PROGRAM"""
 INDENTED = """\
 FUNCTION Twice : INT
 VAR_ARG
@@ -91,6 +59,8 @@ again:
     END_CASE;
 END_PROGRAM
 """
+# Typed into an empty buffer: no line is indented by hand.
+TYPED = re.sub("^ +", "", INDENTED, flags=re.MULTILINE).removesuffix("\n")
 
 WRONG = """\
 PROGRAM Demo
