@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
 #include <string>
 #include <vector>
 
+#include "qyx_files.h"
 #include "support.h"
 
 namespace {
@@ -34,6 +36,14 @@ TEST(Texts, NumbersAreDecimalUnlessAsked) {
     EXPECT_EQ(IntToStr(-42, out), "-42");
     EXPECT_EQ(Int64ToStr(LEAST, out), "-9223372036854775808");
     EXPECT_EQ(Int64ToStr(GREATEST, out), "9223372036854775807");
+}
+
+// The room that is kept for a part of an item has no other check.
+TEST(Texts, PartsFitTheRoomThatIsKeptForThem) {
+    std::array<char, 64> room = {};
+    for (const QStringView text : {u"name", u"Таблица", u"\u20ac\u20ac\u20ac\u20ac"}) {
+        EXPECT_LE(PutPart(room.data(), text) - room.data(), PartSize(text));
+    }
 }
 
 struct PaddedNumber {
