@@ -1,15 +1,11 @@
 #include "machine/code.h"
 
-#include "machine/literals.h"
-
 #include "qyx_functions.h"
 #include "qyx_scanner.h"
 
 #include <algorithm>
 
 namespace {
-
-const QLatin1String SCRIPT_NAME_MARKS = "@^"_L1;
 
 // Decodes the items of a text one after the other.
 class Decoder {

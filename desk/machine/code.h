@@ -7,6 +7,7 @@
 
 #include "machine/forms.h"
 #include "machine/items.h"
+#include "machine/literals.h"
 
 #include <QHash>
 #include <QString>
@@ -15,14 +16,6 @@
 #include <vector>
 
 constexpr int NOWHERE = -1;  // the index of nothing
-
-// A number or a string in the code.
-struct Literal {
-    Typ type = TYP_NONE;  // the smallest that holds it, TYP_STRING for a string
-    qint64 whole = 0;     // the value of one of the integer types
-    double real = 0.0;    // the value of one of the real types
-    QString text;         // as it stands in the code, a string without its quotes
-};
 
 struct Declaration {
     QString name;  // as declared

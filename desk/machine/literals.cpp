@@ -1,5 +1,7 @@
 #include "machine/literals.h"
 
+#include "machine/forms.h"
+
 #include <QByteArray>
 #include <QLocale>
 
