@@ -1,0 +1,537 @@
+#include "machine/machine.h"
+
+#include "qyx_text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr std::size_t MOST_CALLS = 10'000;      // within each other
+constexpr std::size_t MOST_VALUES = 1'000'000;  // on the stack
+
+// ---------------------------------------------------------------------------------------------
+// Built-ins
+// ---------------------------------------------------------------------------------------------
+
+struct MathFunction {
+    QLatin1String name;
+    double (*function)(double);
+};
+
+constexpr MathFunction MATH_FUNCTIONS[] = {
+    {"cos"_L1, std::cos},     {"sin"_L1, std::sin},     {"tan"_L1, std::tan},
+    {"acos"_L1, std::acos},   {"asin"_L1, std::asin},   {"atan"_L1, std::atan},
+    {"ceil"_L1, std::ceil},   {"floor"_L1, std::floor}, {"round"_L1, std::round},
+    {"exp"_L1, std::exp},     {"fabs"_L1, std::fabs},   {"ln"_L1, std::log},
+    {"log10"_L1, std::log10}, {"sqrt"_L1, std::sqrt},
+};
+
+const MathFunction* FindMathFunction(const QString& name) {
+    const auto* const found =
+        std::find_if(std::begin(MATH_FUNCTIONS), std::end(MATH_FUNCTIONS),
+                     [&name](const MathFunction& row) { return row.name == name; });
+    return found == std::end(MATH_FUNCTIONS) ? nullptr : found;
+}
+
+Value AddressOf(Cell& cell) {
+    return Value::Whole(TYP_ARRAY, static_cast<qint64>(reinterpret_cast<qintptr>(&cell)));
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Before the first cycle
+// ---------------------------------------------------------------------------------------------
+
+Machine::Machine(const Code& code, const Profile& profile, const Checks& checks)
+    : code_(code), profile_(profile), watch_(checks), arithmetic_(profile_, watch_) {
+    try {
+        prepare();
+    } catch (const Stop& stop) {
+        stop_ = stop;
+    }
+}
+
+void Machine::prepare() {
+    for (const Literal& literal : code_.literals) {
+        literals_.push_back(arithmetic_.literal(literalValue(literal)));
+    }
+    for (const CodeUnit& unit : code_.units) {
+        UnitCells& cells = units_.emplace_back();
+        for (const Declaration& declaration : unit.declarations) {
+            cells.initial.push_back(initialCell(declaration));
+        }
+        cells.ofCalls.push_back(cells.initial);
+    }
+    bindEngineVariables();
+}
+
+// A string is known by where it stands among the literals.
+Value Machine::literalValue(const Literal& literal) const {
+    if (literal.type == TYP_STRING) {
+        return Value::Whole(TYP_STRING, &literal - code_.literals.data());
+    }
+    return literal.type < TYP_REAL ? Value::Whole(literal.type, literal.whole)
+                                   : Value::Real(literal.type, literal.real);
+}
+
+Cell Machine::initialCell(const Declaration& declaration) {
+    watch_.setItem(declaration.item);
+    Cell cell;
+    cell.type = declaration.type;
+    cell.value = Value::Whole(declaration.type, 0);
+    const bool isEngine = declaration.section == Section::EngineGlobal ||
+                          declaration.section == Section::EngineRegister;
+    if (declaration.type < TYP_STRING) {
+        const Value given = isEngine ? Value() : literalValue(declaration.numbers.front());
+        cell.value = arithmetic_.fit(declaration.type, given);
+    }
+    return cell;
+}
+
+// The object of an engine variable; the first declaration gives it its type.
+Cell& Machine::engineCell(const Declaration& declaration) {
+    const auto number = [&declaration](std::size_t index) {
+        return declaration.numbers[index].whole;
+    };
+    Cell fresh = initialCell(declaration);
+    if (declaration.section == Section::EngineGlobal) {
+        return engineGlobals_.try_emplace(number(0), fresh).first->second;
+    }
+    const RegisterNumbers numbers = {number(0), number(1), number(2), number(3)};
+    return engineRegisters_.try_emplace(numbers, fresh).first->second;
+}
+
+void Machine::bindEngineVariables() {
+    Cells& cells = units_.back().ofCalls.front();
+    const std::vector<Declaration>& declarations = code_.program().declarations;
+    for (std::size_t index = 0; index < declarations.size(); ++index) {
+        if (declarations[index].section >= Section::EngineGlobal) {
+            cells[index].referred = &engineCell(declarations[index]);
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Variables as others see them
+// ---------------------------------------------------------------------------------------------
+
+const Cell& Machine::programCell(int variable) const {
+    const Cell& cell = units_.back().ofCalls.front()[static_cast<std::size_t>(variable)];
+    return cell.referred == nullptr ? cell : *cell.referred;
+}
+
+Cell& Machine::programCell(int variable) {
+    return const_cast<Cell&>(std::as_const(*this).programCell(variable));
+}
+
+Value Machine::value(int variable) const {
+    return programCell(variable).value;
+}
+
+void Machine::set(int variable, const Value& value) {
+    Cell& cell = programCell(variable);
+    cell.isUnset = false;
+    if (!cell.isForced) {
+        cell.value = value;
+    }
+}
+
+void Machine::force(int variable, const Value& value) {
+    release(variable);
+    set(variable, value);
+    programCell(variable).isForced = true;
+}
+
+void Machine::release(int variable) {
+    programCell(variable).isForced = false;
+}
+
+void Machine::setUninitialized(int unit, int variable) {
+    UnitCells& cells = units_[static_cast<std::size_t>(unit)];
+    const auto index = static_cast<std::size_t>(variable);
+    cells.initial[index].isUnset = true;
+    for (Cells& ofCall : cells.ofCalls) {
+        ofCall[index].isUnset = true;
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// A cycle
+// ---------------------------------------------------------------------------------------------
+
+bool Machine::cycle() {
+    if (stop_) {
+        return false;
+    }
+    try {
+        beginCycle();
+        execute();
+        endCycle();
+    } catch (const Stop& stop) {
+        stop_ = stop;
+    }
+    return !stop_;
+}
+
+void Machine::beginCycle() {
+    if (profile_.programVariables == ProgramVariables::Initial && cycles_ > 0) {
+        resetProgramVariables();
+    }
+    frames_.clear();
+    for (UnitCells& cells : units_) {
+        cells.active = 0;
+    }
+    const int program = static_cast<int>(code_.units.size()) - 1;
+    frames_.push_back({program, &units_.back().ofCalls.front(), NOWHERE, stack_.size()});
+    next_ = code_.program().begin;
+}
+
+void Machine::resetProgramVariables() {
+    Cells& cells = units_.back().ofCalls.front();
+    for (std::size_t index = 0; index < cells.size(); ++index) {
+        const bool isLocal = code_.program().declarations[index].section == Section::Local;
+        if (isLocal && !cells[index].isForced) {
+            cells[index] = units_.back().initial[index];
+        }
+    }
+}
+
+void Machine::execute() {
+    const qint64 begin = instructions_;
+    while (next_ != NOWHERE) {
+        if (next_ >= code_.units[static_cast<std::size_t>(frame().unit)].end) {
+            watch_.stop(Check::UnsoundCode, QStringLiteral("the unit does not end with RET"));
+        }
+        const Instruction& instruction = code_.instructions[static_cast<std::size_t>(next_)];
+        watch_.setItem(instruction.item);
+        if (instructions_ - begin == profile_.scanLimit) {
+            watch_.raise(Check::ScanLimit,
+                         QStringLiteral("the cycle takes more than %1 instructions")
+                             .arg(profile_.scanLimit));
+        }
+        ++instructions_;
+        ++next_;
+        step(instruction);
+    }
+}
+
+void Machine::step(const Instruction& instruction) {
+    switch (FormOf(instruction.operation).shape) {
+        case Shape::Move:
+            instruction.operation == Operation::Move ? move(instruction)
+                                                     : moveAddress(instruction);
+            return;
+        case Shape::Binary:
+            binary(instruction);
+            return;
+        case Shape::Unary:
+            if (instruction.operation == Operation::Test) {
+                flag_ = accumulator_.isTrue();
+            } else {
+                accumulator_ = instruction.operation == Operation::Not
+                                   ? Value::Truth(!accumulator_.isTrue())
+                                   : arithmetic_.bitNot(accumulator_);
+            }
+            return;
+        case Shape::Jump:
+            jump(instruction);
+            return;
+        case Shape::Call:
+            instruction.operation == Operation::Call ? call(instruction)
+                                                     : executeBuiltIn(instruction);
+            return;
+        case Shape::Nothing:
+            leave();
+            return;
+    }
+}
+
+void Machine::endCycle() {
+    if (profile_.atEnd == StackAtEnd::Clear) {
+        stack_.clear();
+    }
+    tick_ += tickStep_;
+    ++cycles_;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Values
+// ---------------------------------------------------------------------------------------------
+
+void Machine::push(const Value& value) {
+    if (stack_.size() == MOST_VALUES) {
+        watch_.stop(Check::StackLeft,
+                    QStringLiteral("the stack holds %1 values").arg(MOST_VALUES));
+    }
+    stack_.push_back(value);
+}
+
+Value Machine::pop() {
+    if (stack_.size() <= frame().stackBase) {
+        watch_.raise(Check::StackEmpty,
+                     QStringLiteral("a value is taken off that the unit has not put there"));
+    }
+    if (stack_.empty()) {
+        return Value();
+    }
+    const Value value = stack_.back();
+    stack_.pop_back();
+    return value;
+}
+
+Cell& Machine::own(int index) {
+    if (index == NOWHERE) {
+        watch_.stop(Check::UnsoundCode, QStringLiteral("the variable is not declared"));
+    }
+    return (*frame().cells)[static_cast<std::size_t>(index)];
+}
+
+Cell& Machine::meant(int index) {
+    Cell& cell = own(index);
+    return cell.referred == nullptr ? cell : *cell.referred;
+}
+
+// An engine object may have another type than the variable that means it.
+Value Machine::load(const CodeOperand& operand) {
+    const Typ type = own(operand.index).type;
+    const Cell& cell = meant(operand.index);
+    if (cell.isUnset) {
+        watch_.raise(Check::UninitializedRead,
+                     QStringLiteral("the variable is read before it has a value"));
+    }
+    return cell.type == type ? cell.value : arithmetic_.fit(type, cell.value);
+}
+
+void Machine::store(Cell& cell, Typ type, const Value& value) {
+    const Value fitting = arithmetic_.fit(type, value);
+    cell.isUnset = false;
+    if (!cell.isForced) {
+        cell.value = cell.type == type ? fitting : arithmetic_.fit(cell.type, fitting);
+    }
+}
+
+Value Machine::take(const CodeOperand& from) {
+    switch (from.kind) {
+        case OperandKind::Accumulator:
+            return accumulator_;
+        case OperandKind::Register0:
+            return register0_;
+        case OperandKind::Pop:
+            return pop();
+        case OperandKind::Tick:
+            return Value::Whole(TYP_UDINT, tick_);
+        case OperandKind::Variable:
+        case OperandKind::Referred:
+            return load(from);
+        case OperandKind::Literal:
+            return literals_[static_cast<std::size_t>(from.index)];
+        default:
+            watch_.stop(Check::UnsoundCode, QStringLiteral("no variable is an array"));
+    }
+}
+
+void Machine::put(const CodeOperand& to, const Value& value) {
+    switch (to.kind) {
+        case OperandKind::Accumulator:
+            accumulator_ = value;
+            return;
+        case OperandKind::Register0:
+            register0_ = value;
+            return;
+        case OperandKind::Push:
+            push(value);
+            return;
+        case OperandKind::Nil:
+            return;
+        case OperandKind::Tick:
+            writeTick(value);
+            return;
+        case OperandKind::Variable:
+        case OperandKind::Referred:
+            store(meant(to.index), own(to.index).type, value);
+            return;
+        default:
+            watch_.stop(Check::UnsoundCode, QStringLiteral("no variable is an array"));
+    }
+}
+
+void Machine::writeTick(const Value& value) {
+    const auto ticks = static_cast<quint32>(arithmetic_.fit(TYP_UDINT, value).whole);
+    if (profile_.tickWrite == TickWrite::Counter) {
+        tick_ = ticks;
+    } else {
+        tickSetting_ = ticks;
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Instructions
+// ---------------------------------------------------------------------------------------------
+
+void Machine::move(const Instruction& instruction) {
+    put(instruction.to, take(instruction.from));
+}
+
+// "MOVA @x #A0" takes the address of what the name means, "MOVA #A0 @x" binds the parameter.
+void Machine::moveAddress(const Instruction& instruction) {
+    if (instruction.from.kind == OperandKind::Variable) {
+        accumulator_ = AddressOf(meant(instruction.from.index));
+        return;
+    }
+    if (accumulator_.type != TYP_ARRAY || accumulator_.whole == 0) {
+        watch_.stop(Check::UnsoundCode, QStringLiteral("the accumulator holds no address"));
+    }
+    own(instruction.to.index).referred =
+        reinterpret_cast<Cell*>(static_cast<qintptr>(accumulator_.whole));
+}
+
+void Machine::binary(const Instruction& instruction) {
+    const Value left = take(instruction.from);
+    const bool isDivision = instruction.operation == Operation::Divide;
+    if (isDivision && left.isReal() != accumulator_.isReal()) {
+        watch_.raise(Check::MixedDivision,
+                     QStringLiteral("a whole number and a real are divided"));
+    }
+    accumulator_ = arithmetic_.apply(instruction.operation, left, accumulator_);
+}
+
+void Machine::jump(const Instruction& instruction) {
+    const bool isTaken = instruction.operation == Operation::Jump ||
+                         flag_ == (instruction.operation == Operation::JumpIfTrue);
+    if (!isTaken) {
+        return;
+    }
+    const CodeUnit& unit = code_.units[static_cast<std::size_t>(frame().unit)];
+    if (instruction.target < unit.begin || instruction.target >= unit.end) {
+        watch_.stop(Check::UnsoundCode, QStringLiteral("the jump leaves its unit"));
+    }
+    next_ = instruction.target;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Calls
+// ---------------------------------------------------------------------------------------------
+
+void Machine::call(const Instruction& instruction) {
+    if (instruction.target == NOWHERE) {
+        watch_.stop(Check::UnsoundCode, QStringLiteral("no unit has that name"));
+    }
+    if (units_[static_cast<std::size_t>(instruction.target)].active > 0) {
+        watch_.raise(Check::Recursion, QStringLiteral("the unit has not ended"));
+    }
+    if (frames_.size() > MOST_CALLS) {
+        watch_.stop(Check::Recursion,
+                    QStringLiteral("%1 calls are within each other").arg(MOST_CALLS));
+    }
+    enter(instruction.target, next_);
+}
+
+void Machine::enter(int unit, int returnTo) {
+    const CodeUnit& entered = code_.units[static_cast<std::size_t>(unit)];
+    UnitCells& cells = units_[static_cast<std::size_t>(unit)];
+    const bool isRetained = profile_.locals == Locals::Retained;
+    const std::size_t index = isRetained ? 0 : cells.active;
+    ++cells.active;
+    if (index == cells.ofCalls.size()) {
+        cells.ofCalls.push_back(cells.initial);
+    } else if (!isRetained) {
+        cells.ofCalls[index] = cells.initial;
+    }
+    const std::size_t parameters = entered.parameters.size();
+    const std::size_t base = stack_.size() < parameters ? 0 : stack_.size() - parameters;
+    frames_.push_back({unit, &cells.ofCalls[index], returnTo, std::max(base, frame().stackBase)});
+    next_ = entered.begin;
+}
+
+void Machine::leave() {
+    const Frame left = frame();
+    const bool isProgram = left.returnTo == NOWHERE;
+    checkStackAtReturn(isProgram);
+    frames_.pop_back();
+    next_ = left.returnTo;
+    if (!isProgram) {
+        --units_[static_cast<std::size_t>(left.unit)].active;
+        giveResult(code_.units[static_cast<std::size_t>(left.unit)].result != NOWHERE);
+    }
+}
+
+void Machine::checkStackAtReturn(bool isProgram) {
+    const std::size_t base = frame().stackBase;
+    if (stack_.size() <= base) {
+        return;
+    }
+    watch_.raise(isProgram ? Check::StackLeftByProgram : Check::StackLeft,
+                 QStringLiteral("%1 values are left on the stack").arg(stack_.size() - base));
+    if (!isProgram && profile_.atReturn == StackAtReturn::Restore) {
+        stack_.resize(base);
+    }
+}
+
+// After a call: the result is in the accumulator, and on the stack too where that is the choice.
+void Machine::giveResult(bool hasResult) {
+    const bool isInCode = next_ < static_cast<int>(code_.instructions.size());
+    const bool isDropped =
+        isInCode &&
+        code_.instructions[static_cast<std::size_t>(next_)].to.kind == OperandKind::Nil;
+    const bool isPushed = profile_.callResult == CallResult::Both ||
+                          (profile_.callResult == CallResult::ByUse && isDropped);
+    if (hasResult && isPushed) {
+        push(accumulator_);
+    }
+}
+
+void Machine::executeBuiltIn(const Instruction& instruction) {
+    if (instruction.target == NOWHERE) {
+        watch_.stop(Check::UnsoundCode, QStringLiteral("no built-in has that name"));
+    }
+    const BuiltIn& called = BuiltIns()[static_cast<std::size_t>(instruction.target)];
+    std::vector<Value> arguments(called.parameters.size());
+    for (std::size_t index = arguments.size(); index-- > 0;) {
+        arguments[index] = arithmetic_.fit(called.parameters[index], pop());
+    }
+    const Value result = builtIn(instruction.target, arguments);
+    if (called.result != TYP_NONE) {
+        accumulator_ = result;
+    }
+    giveResult(called.result != TYP_NONE);
+}
+
+Value Machine::builtIn(int index, const std::vector<Value>& arguments) {
+    const BuiltIn& called = BuiltIns()[static_cast<std::size_t>(index)];
+    const double first = arguments[0].asReal();
+    if (const MathFunction* const math = FindMathFunction(called.name)) {
+        return arithmetic_.realResult(math->function(first), std::isfinite(first));
+    }
+    if (called.name == "pow"_L1) {
+        const double second = arguments[1].real;
+        return arithmetic_.realResult(std::pow(first, second),
+                                      std::isfinite(first) && std::isfinite(second));
+    }
+    return engineBuiltIn(called, arguments);
+}
+
+// The object by its numbers, an LREAL unless a variable with them is declared.
+Cell& Machine::engineCell(const std::vector<Value>& arguments) {
+    constexpr std::size_t registerNumbers = std::tuple_size_v<RegisterNumbers>;
+    Cell fresh;
+    fresh.type = TYP_LREAL;
+    fresh.value = Value::Real(TYP_LREAL, 0.0);
+    if (arguments.size() < registerNumbers) {
+        return engineGlobals_.try_emplace(arguments[0].whole, fresh).first->second;
+    }
+    const RegisterNumbers numbers = {arguments[0].whole, arguments[1].whole, arguments[2].whole,
+                                     arguments[3].whole};
+    return engineRegisters_.try_emplace(numbers, fresh).first->second;
+}
+
+// What reads or writes an engine object; one that writes takes the value last.
+Value Machine::engineBuiltIn(const BuiltIn& called, const std::vector<Value>& arguments) {
+    Cell& cell = engineCell(arguments);
+    if (called.result != TYP_NONE) {
+        return arithmetic_.fit(called.result, cell.value);
+    }
+    store(cell, called.parameters.back(), arguments.back());
+    return Value();
+}

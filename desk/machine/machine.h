@@ -1,0 +1,137 @@
+// The machine that executes target code, cycle by cycle, an item at a time.
+#pragma once
+
+#include "machine/arithmetic.h"
+#include "machine/code.h"
+#include "machine/profile.h"
+#include "machine/value.h"
+#include "machine/watch.h"
+
+#include <array>
+#include <deque>
+#include <map>
+#include <optional>
+#include <vector>
+
+// A variable while the code is executed.
+struct Cell {
+    Value value;
+    Typ type = TYP_NONE;
+    bool isForced = false;     // stores leave it as it is
+    bool isUnset = false;      // nothing was stored, and the script gives no initial value
+    Cell* referred = nullptr;  // what it means: the variable of a caller, an engine object
+};
+
+// Whatever code the reader accepts may be executed: what makes no sense ends the run with the
+// check "unsound-code". The code must outlive the machine.
+class Machine {
+public:
+    Machine(const Code& code, const Profile& profile, const Checks& checks);
+    Machine(const Machine&) = delete;
+    Machine& operator=(const Machine&) = delete;
+
+    // Executes one cycle; false if the run has ended, then and before.
+    bool cycle();
+    const std::optional<Stop>& stop() const { return stop_; }
+    const Notes& notes() const { return watch_.notes(); }
+    qint64 cycles() const { return cycles_; }              // that were executed whole
+    qint64 instructions() const { return instructions_; }  // that were executed
+
+    // The variables of the program, by the index of their declarations.
+    Value value(int variable) const;
+    // Stores a value of the variable's type.
+    void set(int variable, const Value& value);
+    // From now on the variable holds that value, whatever the code stores.
+    void force(int variable, const Value& value);
+    void release(int variable);
+    // Variables that the script gives no initial value, by the indices of unit and declaration.
+    void setUninitialized(int unit, int variable);
+
+    quint32 tick() const { return tick_; }
+    void setTick(quint32 tick) { tick_ = tick; }
+    // What is added to the counter after each cycle.
+    void setTickStep(quint32 step) { tickStep_ = step; }
+    // What the code has set with `TICK := ...`, where that does not set the counter.
+    const std::optional<quint32>& tickSetting() const { return tickSetting_; }
+
+private:
+    using Cells = std::vector<Cell>;
+    using RegisterNumbers = std::array<qint64, 4>;
+
+    // A unit that is being executed.
+    struct Frame {
+        int unit;
+        Cells* cells;
+        int returnTo;           // an instruction, NOWHERE for the program
+        std::size_t stackBase;  // the height of the stack below its parameters
+    };
+    // The variables of a unit: those of each call of it that may go on at the same time.
+    struct UnitCells {
+        Cells initial;
+        std::deque<Cells> ofCalls;  // never shrinks, so that no address dangles
+        std::size_t active = 0;
+    };
+
+    const Code& code_;
+    Profile profile_;
+    Watch watch_;
+    Arithmetic arithmetic_;
+    std::optional<Stop> stop_;
+
+    std::vector<Value> literals_;
+    std::vector<UnitCells> units_;
+    std::map<qint64, Cell> engineGlobals_;
+    std::map<RegisterNumbers, Cell> engineRegisters_;
+
+    std::vector<Frame> frames_;
+    std::vector<Value> stack_;
+    Value accumulator_;
+    Value register0_;
+    bool flag_ = false;
+    int next_ = 0;  // the instruction to execute
+
+    quint32 tick_ = 0;
+    quint32 tickStep_ = 0;
+    std::optional<quint32> tickSetting_;
+    qint64 cycles_ = 0;
+    qint64 instructions_ = 0;
+
+    void prepare();
+    Value literalValue(const Literal& literal) const;
+    Cell initialCell(const Declaration& declaration);
+    Cell& engineCell(const Declaration& declaration);
+    void bindEngineVariables();
+    Cell& programCell(int variable);
+    const Cell& programCell(int variable) const;
+
+    void beginCycle();
+    void execute();
+    void step(const Instruction& instruction);
+    void endCycle();
+    void resetProgramVariables();
+    Frame& frame() { return frames_.back(); }
+
+    void move(const Instruction& instruction);
+    void moveAddress(const Instruction& instruction);
+    void binary(const Instruction& instruction);
+    void jump(const Instruction& instruction);
+    void call(const Instruction& instruction);
+    void enter(int unit, int returnTo);
+    void leave();
+    void checkStackAtReturn(bool isProgram);
+    void giveResult(bool hasResult);
+    void executeBuiltIn(const Instruction& instruction);
+    Value builtIn(int index, const std::vector<Value>& arguments);
+    Value engineBuiltIn(const BuiltIn& builtIn, const std::vector<Value>& arguments);
+    Cell& engineCell(const std::vector<Value>& arguments);
+
+    void push(const Value& value);
+    Value pop();
+    Value take(const CodeOperand& from);
+    void put(const CodeOperand& to, const Value& value);
+    void writeTick(const Value& value);
+    Cell& own(int index);
+    Cell& meant(int index);
+    Value load(const CodeOperand& operand);
+    void store(Cell& cell, Typ type, const Value& value);
+};

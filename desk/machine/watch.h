@@ -1,0 +1,49 @@
+// What the checks of a run have found.
+#pragma once
+
+#include "machine/profile.h"
+
+#include <map>
+#include <utility>
+
+// Why a run has ended before its time; thrown where it does.
+struct Stop {
+    Check check;
+    QString message;  // no full stop at its end
+    int item = 0;     // the number of the item
+};
+
+// How often each check has noted something, at each item.
+using Notes = std::map<std::pair<Check, int>, qint64>;
+
+// Counts or throws what checks raise. The machine tells which item it executes.
+class Watch {
+public:
+    explicit Watch(const Checks& checks) : checks_(checks) {}
+
+    void setItem(int item) { item_ = item; }
+    const Notes& notes() const { return notes_; }
+
+    bool isOn(Check check) const { return checks_.actionOf(check) != Action::Off; }
+    // Notes the check, or throws a Stop, as its action says.
+    void raise(Check check, const QString& message) {
+        switch (checks_.actionOf(check)) {
+            case Action::Off:
+                return;
+            case Action::Note:
+                ++notes_[{check, item_}];
+                return;
+            case Action::Stop:
+                stop(check, message);
+        }
+    }
+    // Throws a Stop, whatever the action of the check.
+    [[noreturn]] void stop(Check check, const QString& message) const {
+        throw Stop{check, message, item_};
+    }
+
+private:
+    Checks checks_;
+    Notes notes_;
+    int item_ = 0;
+};
