@@ -377,7 +377,7 @@ private:
     }
 
     static int IndexOfBuiltIn(const QString& name) {
-        const std::vector<BuiltIn>& all = BuiltIns();
+        const std::vector<BuiltIn>& all = EngineBuiltIns();
         const auto found = std::find_if(all.begin(), all.end(),
                                         [&name](const BuiltIn& row) { return row.name == name; });
         return found == all.end() ? NOWHERE : static_cast<int>(found - all.begin());
@@ -419,7 +419,7 @@ CodeResult ReadCode(const QByteArray& text) {
     return Decoder(std::move(divided.items)).decode();
 }
 
-const std::vector<BuiltIn>& BuiltIns() {
+const std::vector<BuiltIn>& EngineBuiltIns() {
     static const std::vector<BuiltIn> builtIns = ReadBuiltIns();
     return builtIns;
 }

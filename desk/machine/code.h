@@ -111,7 +111,7 @@ struct CodeResult {
 CodeResult ReadCode(const QByteArray& text);
 
 // The built-ins that the engine offers, in the order of the catalogue.
-const std::vector<BuiltIn>& BuiltIns();
+const std::vector<BuiltIn>& EngineBuiltIns();
 
 // Whether a script can have that name: letters, digits and "_".
 bool IsName(const QString& text);

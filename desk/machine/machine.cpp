@@ -387,7 +387,20 @@ void Machine::moveAddress(const Instruction& instruction) {
         reinterpret_cast<Cell*>(static_cast<qintptr>(accumulator_.whole));
 }
 
+// "SUB 1 #A0" takes 1 off the accumulator, so that DOWNTO counts down; by the order of operands
+// it would be the other way round.
+bool Machine::isStepDown(const Instruction& instruction) const {
+    return instruction.operation == Operation::Subtract &&
+           instruction.from.kind == OperandKind::Literal &&
+           code_.literals[static_cast<std::size_t>(instruction.from.index)].whole == 1;
+}
+
 void Machine::binary(const Instruction& instruction) {
+    if (isStepDown(instruction)) {
+        accumulator_ =
+            arithmetic_.apply(Operation::Subtract, accumulator_, take(instruction.from));
+        return;
+    }
     const Value left = take(instruction.from);
     const bool isDivision = instruction.operation == Operation::Divide;
     if (isDivision && left.isReal() != accumulator_.isReal()) {
@@ -486,7 +499,7 @@ void Machine::executeBuiltIn(const Instruction& instruction) {
     if (instruction.target == NOWHERE) {
         watch_.stop(Check::UnsoundCode, QStringLiteral("no built-in has that name"));
     }
-    const BuiltIn& called = BuiltIns()[static_cast<std::size_t>(instruction.target)];
+    const BuiltIn& called = EngineBuiltIns()[static_cast<std::size_t>(instruction.target)];
     std::vector<Value> arguments(called.parameters.size());
     for (std::size_t index = arguments.size(); index-- > 0;) {
         arguments[index] = arithmetic_.fit(called.parameters[index], pop());
@@ -499,7 +512,7 @@ void Machine::executeBuiltIn(const Instruction& instruction) {
 }
 
 Value Machine::builtIn(int index, const std::vector<Value>& arguments) {
-    const BuiltIn& called = BuiltIns()[static_cast<std::size_t>(index)];
+    const BuiltIn& called = EngineBuiltIns()[static_cast<std::size_t>(index)];
     const double first = arguments[0].asReal();
     if (const MathFunction* const math = FindMathFunction(called.name)) {
         return arithmetic_.realResult(math->function(first), std::isfinite(first));

@@ -113,6 +113,7 @@ private:
 
     void move(const Instruction& instruction);
     void moveAddress(const Instruction& instruction);
+    bool isStepDown(const Instruction& instruction) const;
     void binary(const Instruction& instruction);
     void jump(const Instruction& instruction);
     void call(const Instruction& instruction);

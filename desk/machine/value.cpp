@@ -4,8 +4,8 @@
 
 #include "qyx_types.h"
 
-#include <QLocale>
-
+#include <array>
+#include <charconv>
 #include <cmath>
 
 namespace {
@@ -17,6 +17,22 @@ int TruthOf(const QString& text) {
     return isTrue ? 1 : isFalse ? 0 : -1;
 }
 
+// The fewest digits that give the number again when they are read as one of that width.
+template <typename Number>
+QString ShortestText(Number number) {
+    constexpr double leastFixed = 1e-4;
+    constexpr double greatestFixed = 1e15;
+    const double size = std::fabs(static_cast<double>(number));
+    const bool isFixed = size == 0.0 || (size >= leastFixed && size < greatestFixed);
+    std::array<char, 32> text = {};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), number,
+                      isFixed ? std::chars_format::fixed : std::chars_format::scientific)
+            .ptr;
+    const QString digits = QString::fromLatin1(text.data(), static_cast<int>(end - text.data()));
+    return isFixed && !digits.contains(u'.') ? digits + QStringLiteral(".0") : digits;
+}
+
 QString TextOfReal(const Value& value) {
     if (std::isnan(value.real)) {
         return QStringLiteral("nan");
@@ -24,19 +40,8 @@ QString TextOfReal(const Value& value) {
     if (std::isinf(value.real)) {
         return value.real > 0 ? QStringLiteral("inf") : QStringLiteral("-inf");
     }
-    QString text = QString::number(value.real, 'g', QLocale::FloatingPointShortest);
-    if (value.type == TYP_REAL) {
-        for (int digits = 1; text.toFloat() == static_cast<float>(value.real) && digits <= 9;
-             ++digits) {
-            const QString shorter = QString::number(value.real, 'g', digits);
-            if (shorter.toFloat() == static_cast<float>(value.real)) {
-                text = shorter;
-                break;
-            }
-        }
-    }
-    const bool isWhole = !text.contains(u'.') && !text.contains(u'e');
-    return isWhole ? text + QStringLiteral(".0") : text;
+    return value.type == TYP_REAL ? ShortestText(static_cast<float>(value.real))
+                                  : ShortestText(value.real);
 }
 
 }  // namespace
