@@ -679,6 +679,7 @@ def main():
     ]:
         resource.setrlimit(limited, (limit, resource.getrlimit(limited)[1]))
     with tempfile.TemporaryDirectory(prefix="mutate-") as folder:
+        os.chmod(folder, 0o755)  # some tests run the compiler as another user
         begin = time.monotonic()
         workers = prepare_workers(Path(folder), arguments.workers)
         suite = Suite(workers[0])
