@@ -50,6 +50,13 @@ class SourceOfTheSystem(unittest.TestCase):
             self.assertEqual(place.run(source="/proc/self/environ", env=self.PROGRAM), 0)
             self.assertEqual(place.code(), undisturbed(VALID_SOURCE)[0])
 
+    def test_long_program_in_a_file_that_tells_no_size(self):
+        padding = "".join(f"// line {number}\n" for number in range(2000))
+        program = {"//": "\n" + padding + VALID_SOURCE.decode()}
+        with Workplace() as place:
+            self.assertEqual(place.run(source="/proc/self/environ", env=program), 0)
+            self.assertEqual(place.code(), undisturbed(VALID_SOURCE)[0])
+
     def test_no_program(self):
         for source in (
             "/proc/self/status",
