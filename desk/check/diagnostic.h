@@ -1,7 +1,7 @@
 // What is to be said about a script, whatever the form in which it is said.
 #pragma once
 
-#include "facts/source.h"
+#include "check/edits.h"
 
 #include <QString>
 
@@ -15,6 +15,10 @@ struct Help {
     QString id;    // of the rule that gives it
     QString text;  // what to do, no full stop at its end
     Span span;     // the place that it is about where that is another than the diagnostic's
+    // What does it to the text that was compiled, where that is certain; none otherwise.
+    std::vector<Edit> mend = {};
+    // Whether it is true whatever the names around it mean.
+    bool isAboutText = false;
 };
 
 // A message about a piece of a script.

@@ -11,6 +11,10 @@ QString NeutralText(QStringView piece, const QString& neutral) {
     return neutral + blanks.mid(hasRoom ? neutral.size() : 0);
 }
 
+Edit BlankOut(const Source& source, Span span) {
+    return {span, NeutralText(source.text(span), QString())};
+}
+
 namespace {
 
 bool IsWithin(const Edit& inner, const Edit& outer) {

@@ -17,6 +17,9 @@ struct Edit {
 // piece where they are. It is longer where the neutral text has no room on the first line.
 QString NeutralText(QStringView piece, const QString& neutral);
 
+// The same for the piece of a script: one that blanks it out, line feeds apart.
+Edit BlankOut(const Source& source, Span span);
+
 // What is proposed to get past an error: edits, none if there is no way past.
 struct Repair {
     std::vector<Edit> edits;  // in the text that was compiled

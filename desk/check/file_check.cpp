@@ -36,18 +36,21 @@ bool FileCheck::take(const Facts& facts) {
     if (facts.isCompiled()) {
         return false;
     }
-    const bool isShown = !isConsequence(facts);
+    const std::vector<Help> helps =
+        HelpsForError(edited_, edits_.all().empty() ? facts : factsOfScript(facts));
+    const bool isShown = !isConsequence(facts, helps);
+    const bool mayMend = !isAfterRepair(facts);
     if (isShown && errors_ == maxErrors_) {
         stop(facts, QStringLiteral("stopped here: there are more errors than are to be shown"));
         return false;
     }
     if (isShown) {
-        reportError(facts);
+        reportError(facts, helps);
     }
     const bool isAllRead =
         IsKind(ErrorOf(facts), TXT_UNEXPECTED_END_OF_INPUT_FILE) && !facts.open.inComment;
     --roundsLeft_;
-    return !isAllRead && repair(facts);
+    return !isAllRead && ((mayMend && mend(facts, helps)) || repair(facts));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -76,11 +79,12 @@ Facts FileCheck::factsOfScript(const Facts& facts) const {
     return ofScript;
 }
 
-void FileCheck::reportError(const Facts& facts) {
+void FileCheck::reportError(const Facts& facts, std::vector<Help> helps) {
     Diagnostic error = diagnosticOf(facts, ErrorOf(facts));
-    error.helps = HelpsForError(edited_, edits_.all().empty() ? facts : factsOfScript(facts));
+    error.helps = std::move(helps);
     for (Help& help : error.helps) {
         help.span = edits_.original(help.span);
+        help.mend.clear();
     }
     found_.push_back(std::move(error));
     ++errors_;
@@ -158,9 +162,15 @@ void FileCheck::stop(const Facts& facts, const QString& why) {
 // What follows from an earlier error
 // ---------------------------------------------------------------------------------------------
 
-bool FileCheck::isConsequence(const Facts& facts) const {
+bool FileCheck::isConsequence(const Facts& facts, const std::vector<Help>& helps) const {
+    const bool isAboutText = !helps.empty() && helps.front().isAboutText;
     return !edits_.all().empty() &&
-           (isAtError(facts) || isEndAfterEdit(facts) || isAtEdit(facts) || isDoubtful(facts));
+           (isAfterRepair(facts) || (!isAboutText && isDoubtful(facts)));
+}
+
+// Whether the last repairs are what the compiler stumbles over.
+bool FileCheck::isAfterRepair(const Facts& facts) const {
+    return !edits_.all().empty() && (isAtError(facts) || isEndAfterEdit(facts) || isAtEdit(facts));
 }
 
 // Whether an error has been found at that place: it was not mended by its repair.
@@ -225,6 +235,13 @@ int FileCheck::unitAt(const Facts& facts, int place) const {
 // ---------------------------------------------------------------------------------------------
 // The way on
 // ---------------------------------------------------------------------------------------------
+
+// Does what a help says, if it says that for certain: the rest of the piece is then compiled too.
+bool FileCheck::mend(const Facts& facts, const std::vector<Help>& helps) {
+    const bool isCertain = !helps.empty() && !helps.front().mend.empty();
+    const int unit = unitAt(facts, facts.error.token.begin);
+    return isCertain && roundsLeft_ > 0 && apply({helps.front().mend, {}, {}}, unit);
+}
 
 bool FileCheck::repair(const Facts& facts) {
     const Repair smallest = FindRepair(edited_, facts);

@@ -44,7 +44,8 @@ private:
     void takeWarnings(const Facts& facts);
     bool isProposed(const QString& name) const;
     bool dependsOnEdits(const Facts& facts, const MessageFact& message) const;
-    bool isConsequence(const Facts& facts) const;
+    bool isConsequence(const Facts& facts, const std::vector<Help>& helps) const;
+    bool isAfterRepair(const Facts& facts) const;
     bool isAtError(const Facts& facts) const;
     bool isEndAfterEdit(const Facts& facts) const;
     bool isAtEdit(const Facts& facts) const;
@@ -52,7 +53,8 @@ private:
     bool isDoubtfulName(int unit, const QString& name) const;
     int unitAt(const Facts& facts, int place) const;
     Facts factsOfScript(const Facts& facts) const;
-    void reportError(const Facts& facts);
+    void reportError(const Facts& facts, std::vector<Help> helps);
+    bool mend(const Facts& facts, const std::vector<Help>& helps);
     bool repair(const Facts& facts);
     bool apply(const Repair& repair, int unit);
     void stop(const Facts& facts, const QString& why);

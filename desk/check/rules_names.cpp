@@ -26,7 +26,8 @@ Maybe ElsifOfOtherLanguages(const Context& context) {
         !BeginsOpenStatement(context, word)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("did you mean `ELSIF`?"), word.span);
+    return SayAndMend(QStringLiteral("did you mean `ELSIF`?"), word.span,
+                      {{word.span, QStringLiteral("ELSIF")}});
 }
 
 Maybe EndOfOtherLanguages(const Context& context) {

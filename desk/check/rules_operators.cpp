@@ -54,7 +54,8 @@ Maybe ForeignComparison(const Context& context) {
     }
     const bool isUnequal = Near(context, 0).text == QLatin1String("!");
     const Span span = {Near(context, 0).span.begin, Near(context, isUnequal ? 1 : 0).span.end};
-    return Say(QStringLiteral("this comparison is written `%1`").arg(sign), span);
+    return SayOfText(QStringLiteral("this comparison is written `%1`").arg(sign), span,
+                     {{span, sign}});
 }
 
 QString LogicFor(const Context& context) {
@@ -79,8 +80,9 @@ Maybe ForeignLogic(const Context& context) {
     }
     const bool isDouble = Near(context, 1).text == Near(context, 0).text &&
                           TouchesPrevious(context, context.here + 1);
-    return Say(QStringLiteral("write `%1`").arg(word),
-               {Near(context, 0).span.begin, Near(context, isDouble ? 1 : 0).span.end});
+    const Span span = {Near(context, 0).span.begin, Near(context, isDouble ? 1 : 0).span.end};
+    return SayOfText(QStringLiteral("write `%1`").arg(word), span,
+                     {{span, u' ' + word + u' '}});
 }
 
 Maybe ForeignArithmetic(const Context& context) {
@@ -127,15 +129,32 @@ Maybe ShiftAsFunction(const Context& context) {
                    .arg(Code(word), word.text.toString()));
 }
 
+// From the "[" of an index to its "]", empty if the statement ends before.
+Span IndicesFrom(const Context& context, int opening) {
+    int depth = 0;
+    for (int index = opening;; ++index) {
+        const Piece piece = PieceAt(context, index);
+        if (piece.span.isEmpty() || piece.is(TOKEN_SEMICOLON)) {
+            return {};
+        }
+        depth += piece.is(TOKEN_LEFT_BRACKET) ? 1 : piece.is(TOKEN_RIGHT_BRACKET) ? -1 : 0;
+        if (depth == 0) {
+            return {PieceAt(context, opening).span.begin, piece.span.end};
+        }
+    }
+}
+
 Maybe Index(const Context& context) {
     const Piece name = Near(context, -1);
     if (!Near(context, 0).is(TOKEN_LEFT_BRACKET) || !name.is(TOKEN_IDENTIFIER) ||
         OpenStatement(context) == nullptr) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("there are no arrays, so %1 has no elements: use a variable for "
-                              "each value")
-                   .arg(Code(name)));
+    const Span indices = IndicesFrom(context, context.here);
+    return SayAndMend(QStringLiteral("there are no arrays, so %1 has no elements: use a variable "
+                                     "for each value")
+                          .arg(Code(name)),
+                      {}, indices.isEmpty() ? Mend() : Mend{BlankOut(context.source, indices)});
 }
 
 Maybe Member(const Context& context) {
@@ -238,6 +257,45 @@ int LogicAt(const Context& context) {
     return LastInExpression(context, opening == NONE ? context.here : opening, IsLogical);
 }
 
+// The index after an operand of AND, OR or XOR.
+int EndOfOperand(const Context& context, int index) {
+    int depth = 0;
+    for (;; ++index) {
+        const Piece piece = PieceAt(context, index);
+        const bool isClosing = piece.is(TOKEN_RIGHT_PARENTHESIS);
+        const bool isEnd = IsLogical(piece) || isClosing || piece.is(TOKEN_OF) ||
+                           piece.is(TOKEN_END_REPEAT) || BeginsExpression(piece);
+        if (piece.span.isEmpty() || (depth == 0 && isEnd && !piece.is(TOKEN_NOT))) {
+            return index;
+        }
+        depth += piece.is(TOKEN_LEFT_PARENTHESIS) ? 1 : isClosing ? -1 : 0;
+    }
+}
+
+// Whether a comparison stands between two pieces, outside of parentheses.
+bool HasComparison(const Context& context, int begin, int end) {
+    return LastInExpression(context, end, IsComparison) >= begin;
+}
+
+// Parentheses around each comparison among the operands from there on.
+Mend EachInParentheses(const Context& context, int begin) {
+    Mend mend;
+    for (;;) {
+        begin += PieceAt(context, begin).is(TOKEN_NOT) ? 1 : 0;
+        const int end = EndOfOperand(context, begin);
+        if (HasComparison(context, begin, end)) {
+            const int before = PieceAt(context, begin).span.begin;
+            const int after = PieceAt(context, end - 1).span.end;
+            mend.push_back({{before, before}, QStringLiteral(" (")});
+            mend.push_back({{after, after}, QStringLiteral(") ")});
+        }
+        if (!IsLogical(PieceAt(context, end))) {
+            return mend;
+        }
+        begin = end + 1;
+    }
+}
+
 Maybe ComparisonBeforeLogic(const Context& context) {
     if (!MayComeOfComparison(context)) {
         return std::nullopt;
@@ -249,12 +307,12 @@ Maybe ComparisonBeforeLogic(const Context& context) {
     }
     const int begin = BeginOfOperand(context, comparison);
     const Span left = {PieceAt(context, begin).span.begin, PieceAt(context, logic - 1).span.end};
-    return Say(
+    return SayAndMend(
         QStringLiteral("between numbers %1 binds tighter than %2: put each comparison in "
                        "parentheses, `(%3) %4 (...)`")
             .arg(Code(PieceAt(context, logic)), Code(PieceAt(context, comparison)),
                  context.source.text(left).toString(), PieceAt(context, logic).text.toString()),
-        left);
+        left, EachInParentheses(context, begin));
 }
 
 Maybe TwoComparisons(const Context& context) {

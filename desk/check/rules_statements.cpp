@@ -14,6 +14,17 @@ using Maybe = std::optional<Help>;
 // "=" and ":="
 // ---------------------------------------------------------------------------------------------
 
+// Whether the simple statement of the error goes on to its ";".
+bool EndsWithSemicolon(const Context& context) {
+    int index = context.here;
+    while (!PieceAt(context, index).span.isEmpty() && !IsBoundary(PieceAt(context, index).code) &&
+           !PieceAt(context, index)
+                .isOneOf({TOKEN_SEMICOLON, TOKEN_THEN, TOKEN_DO, TOKEN_OF, TOKEN_ASSIGN})) {
+        ++index;
+    }
+    return PieceAt(context, index).is(TOKEN_SEMICOLON);
+}
+
 Maybe EqualsForAssign(const Context& context) {
     if (!Near(context, 0).is(TOKEN_EQUAL)) {
         return std::nullopt;
@@ -24,7 +35,10 @@ Maybe EqualsForAssign(const Context& context) {
     if (!Expects(context, TOKEN_ASSIGN)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("`=` compares; a value is assigned with `:=`"));
+    return SayAndMend(QStringLiteral("`=` compares; a value is assigned with `:=`"), {},
+                      EndsWithSemicolon(context)
+                          ? Mend{{Near(context, 0).span, QStringLiteral(":=")}}
+                          : Mend());
 }
 
 bool IsInCondition(const Context& context) {
@@ -254,7 +268,8 @@ Maybe ColonAfterElse(const Context& context) {
     if (!Near(context, 0).is(TOKEN_COLON) || !Near(context, -1).is(TOKEN_ELSE)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("no `:` follows `ELSE`"));
+    return SayAndMend(QStringLiteral("no `:` follows `ELSE`"), {},
+                      {BlankOut(context.source, Near(context, 0).span)});
 }
 
 Maybe NoColonAfterLabel(const Context& context) {
@@ -365,9 +380,10 @@ Maybe ResultByName(const Context& context) {
         unit->kind != TOKEN_FUNCTION || !name.isSpelled(NameOf(context, *unit))) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("the result of a function is assigned to `RESULT`, not to %1")
-                   .arg(Code(name)),
-               name.span);
+    return SayAndMend(
+        QStringLiteral("the result of a function is assigned to `RESULT`, not to %1")
+            .arg(Code(name)),
+        name.span, {{name.span, QStringLiteral("RESULT")}});
 }
 
 Maybe ResultOutside(const Context& context) {

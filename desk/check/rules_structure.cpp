@@ -504,7 +504,8 @@ Maybe SemicolonAfterUnit(const Context& context) {
         !IsUnitEnd(Near(context, -1).code)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("no `;` follows %1").arg(Code(Near(context, -1))));
+    return SayAndMend(QStringLiteral("no `;` follows %1").arg(Code(Near(context, -1))), {},
+                      {BlankOut(context.source, Near(context, 0).span)});
 }
 
 Maybe SectionOutside(const Context& context) {

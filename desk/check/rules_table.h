@@ -10,6 +10,7 @@
 #include "qyx_messages.h"
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 struct Rule {
@@ -26,7 +27,19 @@ Rules RulesOfStatements();    // assignments, loops, CASE, calls
 Rules RulesOfOperators();     // signs, conditions, types that do not go together
 Rules RulesOfNames();         // what is not known here
 
+using Mend = std::vector<Edit>;
+
 // A help, at the place of the error or at one of its own.
 inline Help Say(const QString& text, Span span = {}) {
     return {QString(), text, span};
+}
+
+// A help with what mends the slip.
+inline Help SayAndMend(const QString& text, Span span, Mend mend) {
+    return {QString(), text, span, std::move(mend)};
+}
+
+// The same for a slip of writing, which is one whatever the names around it mean.
+inline Help SayOfText(const QString& text, Span span, Mend mend) {
+    return {QString(), text, span, std::move(mend), true};
 }

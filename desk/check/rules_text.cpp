@@ -75,9 +75,27 @@ bool IsAtBegin(const Context& context) {
     return ExpectsOneOf(context, {TOKEN_IDENTIFIER, TOKEN_PROGRAM});
 }
 
+// What stands on the line of the error from there on.
+Span RestOfLine(const Context& context) {
+    const int begin = Near(context, 0).span.begin;
+    return {begin, context.source.lineAt(context.source.placeOf(begin).line).end};
+}
+
+// From the error up to a text, which belongs to it; empty if it does not come.
+Span UpTo(const Context& context, const QString& end) {
+    const int begin = Near(context, 0).span.begin;
+    const int found = context.source.text().indexOf(end, begin);
+    return found < 0 ? Span() : Span{begin, found + static_cast<int>(end.size())};
+}
+
+Mend Without(const Context& context, Span span) {
+    return span.isEmpty() ? Mend() : Mend{BlankOut(context.source, span)};
+}
+
 bool IsDirective(const Piece& piece) {
     return piece.isSpelledOneOf({"include"_L1, "define"_L1, "undef"_L1, "pragma"_L1, "if"_L1,
-                                 "ifdef"_L1, "ifndef"_L1, "endif"_L1, "region"_L1});
+                                 "ifdef"_L1, "ifndef"_L1, "endif"_L1, "region"_L1,
+                                 "endregion"_L1});
 }
 
 Maybe Directive(const Context& context) {
@@ -86,8 +104,10 @@ Maybe Directive(const Context& context) {
         !IsDirective(word)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("there is no `#%1`: a script stands in one file, as it is compiled")
-                   .arg(word.text));
+    return SayAndMend(
+        QStringLiteral("there is no `#%1`: a script stands in one file, as it is compiled")
+            .arg(word.text),
+        {}, {BlankOut(context.source, RestOfLine(context))});
 }
 
 Maybe ForeignComment(const Context& context) {
@@ -101,9 +121,12 @@ Maybe ForeignComment(const Context& context) {
     if (!isC && !isOther) {
         return std::nullopt;
     }
-    return Say(
+    return SayAndMend(
         QStringLiteral("a comment is written `(* ... *)`, or `// ...` up to the end of "
-                       "the line"));
+                       "the line"),
+        {},
+        Without(context, isOther ? RestOfLine(context)
+                                 : UpTo(context, QStringLiteral("*/"))));
 }
 
 Maybe Braces(const Context& context) {
@@ -119,9 +142,10 @@ Maybe Braces(const Context& context) {
     if (!IsAtBegin(context)) {
         return std::nullopt;
     }
-    return Say(
+    return SayAndMend(
         QStringLiteral("there are no pragmas, and a comment is written `(* ... *)`: leave "
-                       "out what stands in braces"));
+                       "out what stands in braces"),
+        {}, Without(context, UpTo(context, QStringLiteral("}"))));
 }
 
 Maybe DoubleQuotes(const Context& context) {
@@ -159,8 +183,10 @@ Maybe DigitsWithUnderscore(const Context& context) {
     if (!word.startsWith(QLatin1Char('_')) || !isNumber) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("no `_` stands in a number: write `%1`").arg(number),
-               {Near(context, -1).span.begin, Near(context, 0).span.end});
+    const int begin = Near(context, -1).span.begin;
+    const int end = begin + RunFrom(context, context.here - 1).size();
+    return SayOfText(QStringLiteral("no `_` stands in a number: write `%1`").arg(number),
+                     {begin, Near(context, 0).span.end}, {{{begin, end}, number}});
 }
 
 // "e-3" of 1e-3: the sign and the digits are tokens of their own.
