@@ -105,7 +105,7 @@ Runner DeclareCheck(CLI::App& command) {
     AddChoiceOption(command, "--format", arguments->report.format, formats, "FORMAT",
                     "How it is shown: human, gcc, json, sarif or github");
     AddCountOption(command, "--max-errors", arguments->options.maxErrors,
-                   "Errors shown of a script, 20");
+                   "Errors shown of a script, 50");
     command.add_flag("--werror", arguments->isWarningError, "Warnings are errors");
     command.add_flag("--quiet", arguments->report.isQuiet, "No summary");
     AddCountOption(command, "--jobs", arguments->options.jobs,

@@ -10,7 +10,7 @@
 
 struct CheckOptions {
     int jobs = 1;        // compiles at the same time
-    int maxErrors = 20;  // of one script
+    int maxErrors = 50;  // of one script
 };
 
 // A script that was checked, or why it could not be.

@@ -28,6 +28,7 @@ struct Repair {
     // are seen by all units.
     QStringList doubtfulNames;
     QStringList doubtfulDefinitions;
+    QStringList arrays;  // of the open unit: variables in place of arrays, which are refused
 };
 
 // Edits of one script, in the order of the script, none within another.

@@ -73,7 +73,9 @@ Diagnostic FileCheck::diagnosticOf(const Facts& facts, const MessageFact& messag
 Facts FileCheck::factsOfScript(const Facts& facts) const {
     Facts ofScript = facts;
     for (NameFact& name : ofScript.names) {
-        const bool isPutIn = !name.span.isEmpty() && edits_.original(name.span).isEmpty();
+        const QStringView original = source_.text(edits_.original(name.span));
+        const bool isPutIn = !name.span.isEmpty() &&
+                             !original.contains(facts.textOf(name.text), Qt::CaseInsensitive);
         name.text = isPutIn ? Span() : name.text;
     }
     return ofScript;
@@ -131,7 +133,8 @@ bool FileCheck::dependsOnEdits(const Facts& facts, const MessageFact& message) c
                         : source_.text(edit.span).contains(name, Qt::CaseInsensitive);
     };
     const std::vector<Edit>& all = edits_.all();
-    return isDoubtfulName(unitAt(facts, message.place), name) || isProposed(name) ||
+    const bool isPutIn = edits_.original({message.place, message.place + 1}).isEmpty();
+    return isPutIn || isDoubtfulName(unitAt(facts, message.place), name) || isProposed(name) ||
            std::any_of(all.begin(), all.end(), mentions);
 }
 
@@ -165,7 +168,8 @@ void FileCheck::stop(const Facts& facts, const QString& why) {
 bool FileCheck::isConsequence(const Facts& facts, const std::vector<Help>& helps) const {
     const bool isAboutText = !helps.empty() && helps.front().isAboutText;
     return !edits_.all().empty() &&
-           (isAfterRepair(facts) || (!isAboutText && isDoubtful(facts)));
+           (isAfterRepair(facts) || isIndexOfArray(facts) ||
+            (!isAboutText && isDoubtful(facts)));
 }
 
 // Whether the last repairs are what the compiler stumbles over.
@@ -219,6 +223,15 @@ bool FileCheck::isDoubtful(const Facts& facts) const {
     return false;
 }
 
+// Whether it is an element of what was declared as an array, which is refused there.
+bool FileCheck::isIndexOfArray(const Facts& facts) const {
+    const Tokens tokens(edited_, facts);
+    const int bracket = tokens.at(facts.error.token.begin);
+    const QString name = tokens.text(bracket - 1).toString().toCaseFolded();
+    return IsKind(ErrorOf(facts), TXT_ARRAY_TYPE_REQUIRED) &&
+           arrays_.contains({unitAt(facts, facts.error.token.begin), name});
+}
+
 bool FileCheck::isDoubtfulName(int unit, const QString& name) const {
     const QString folded = name.toCaseFolded();
     return doubtfulNames_.contains({unit, folded}) || doubtfulNames_.contains({NONE, folded});
@@ -240,7 +253,7 @@ int FileCheck::unitAt(const Facts& facts, int place) const {
 bool FileCheck::mend(const Facts& facts, const std::vector<Help>& helps) {
     const bool isCertain = !helps.empty() && !helps.front().mend.empty();
     const int unit = unitAt(facts, facts.error.token.begin);
-    return isCertain && roundsLeft_ > 0 && apply({helps.front().mend, {}, {}}, unit);
+    return isCertain && roundsLeft_ > 0 && apply({helps.front().mend, {}, {}, {}}, unit);
 }
 
 bool FileCheck::repair(const Facts& facts) {
@@ -272,6 +285,9 @@ bool FileCheck::apply(const Repair& repair, int unit) {
     }
     for (const QString& name : repair.doubtfulNames) {
         doubtfulNames_.insert({unit, name.toCaseFolded()});
+    }
+    for (const QString& name : repair.arrays) {
+        arrays_.insert({unit, name.toCaseFolded()});
     }
     for (const QString& name : repair.doubtfulDefinitions) {
         doubtfulNames_.insert({NONE, name.toCaseFolded()});

@@ -37,6 +37,7 @@ private:
     int errors_ = 0;
     int roundsLeft_;
     QSet<DoubtfulName> doubtfulNames_;
+    QSet<DoubtfulName> arrays_;  // those that are refused, of which the elements have the type
     std::vector<Diagnostic> found_;
     std::vector<Diagnostic> warnings_;
 
@@ -50,6 +51,7 @@ private:
     bool isEndAfterEdit(const Facts& facts) const;
     bool isAtEdit(const Facts& facts) const;
     bool isDoubtful(const Facts& facts) const;
+    bool isIndexOfArray(const Facts& facts) const;
     bool isDoubtfulName(int unit, const QString& name) const;
     int unitAt(const Facts& facts, int place) const;
     Facts factsOfScript(const Facts& facts) const;

@@ -123,10 +123,72 @@ int LastSectionEnd(const Scene& scene) {
     return last;
 }
 
-// Declares the name after the sections of the unit. A name that is called is no variable.
+// How many parameters the call gives whose name stands there; NONE if it is not ended.
+int CountOfParameters(const Scene& scene, int name) {
+    int depth = 0;
+    int count = scene.tokens.is(name + 2, TOKEN_RIGHT_PARENTHESIS) ? 0 : 1;
+    for (int index = name + 1; scene.tokens.isThere(index); ++index) {
+        depth += scene.tokens.is(index, TOKEN_LEFT_PARENTHESIS)    ? 1
+                 : scene.tokens.is(index, TOKEN_RIGHT_PARENTHESIS) ? -1
+                                                                   : 0;
+        count += depth == 1 && scene.tokens.is(index, TOKEN_COMMA) ? 1 : 0;
+        const bool isNamed = depth == 1 && scene.tokens.is(index, TOKEN_ASSIGN);
+        if (depth == 0 || isNamed || scene.tokens.is(index, TOKEN_SEMICOLON)) {
+            return depth == 0 ? count : NONE;
+        }
+    }
+    return NONE;
+}
+
+// A type that a variable may have: the given one, or one that takes every number.
+Typ DeclarableType(Typ type) {
+    const bool isNone = type == TYP_NONE || type == TYP_STRING || type == TYP_ARRAY;
+    return isNone ? UNKNOWN_TYPE : type;
+}
+
+// Defines a function of that name, which takes numbers, before the unit that calls it.
+Repair DefineFunction(const Scene& scene, int name, int count) {
+    const QString text = scene.tokens.text(name).toString();
+    const Conversion conversion = ConversionOf(text);
+    const Typ result = DeclarableType(conversion.to);
+    QString formals;
+    for (int each = 0; each < count; ++each) {
+        formals +=
+            QStringLiteral(" _%1:%2;").arg(each).arg(NameOf(DeclarableType(conversion.from)));
+    }
+    const QString head = QStringLiteral("FUNCTION %1:%2 VAR_ARG").arg(text, NameOf(result));
+    const QString value = result == TYP_BOOL ? QStringLiteral("FALSE") : QStringLiteral("0");
+    Repair repair = PutIn(scene.unit().span.begin,
+                          head + formals + QStringLiteral(" END_VAR RESULT:=") + value +
+                              QStringLiteral("; END_FUNCTION"));
+    if (result != conversion.to || count != 1) {
+        repair.doubtfulDefinitions.append(text);
+    }
+    return repair;
+}
+
+bool IsDefinedBelow(const Scene& scene, int name) {
+    const QString text = scene.tokens.text(name).toString();
+    for (int index = scene.error; scene.tokens.isThere(index); ++index) {
+        if (scene.tokens.isOneOf(index, {TOKEN_FUNCTION, TOKEN_FUNCTION_BLOCK}) &&
+            scene.tokens.isText(index + 1, text)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Declares the name after the sections of the unit. A name that is called is no variable, and a
+// call that is a statement is taken out.
 Repair DeclareName(const Scene& scene, int name) {
     const int sectionEnd = LastSectionEnd(scene);
-    if (sectionEnd == NONE || scene.tokens.is(name + 1, TOKEN_LEFT_PARENTHESIS)) {
+    if (scene.tokens.is(name + 1, TOKEN_LEFT_PARENTHESIS)) {
+        const bool isValue = scene.tokens.span(name).begin != scene.statement()->span.begin;
+        const int count =
+            isValue && !IsDefinedBelow(scene, name) ? CountOfParameters(scene, name) : NONE;
+        return count == NONE ? Repair() : DefineFunction(scene, name, count);
+    }
+    if (sectionEnd == NONE) {
         return {};
     }
     const QString text = scene.tokens.text(name).toString();
@@ -226,6 +288,9 @@ Repair RedeclareNames(const Scene& scene, int first, int last, Span span) {
     Repair repair = TakeOut(scene, span, text);
     if (type == TYP_NONE) {
         repair.doubtfulNames = names;
+    }
+    if (scene.isError(TXT_ARRAY_DISABLED_IN_CURRENT_VERTION)) {
+        repair.arrays = names;
     }
     return repair;
 }
@@ -649,15 +714,26 @@ Repair RepairUnitHead(const Scene& scene) {
     return repair;
 }
 
+// The section that is meant by one that the unit may not have.
+Token AllowedSection(const Scene& scene) {
+    const bool isProgram = scene.unit().kind == TOKEN_PROGRAM;
+    if (scene.isError(TXT_ARGUMENTS_MUST_BE_ON_TOP)) {
+        return TOKEN_VAR;
+    }
+    if (scene.tokens.isOneOf(scene.error, {TOKEN_VAR_INPUT, TOKEN_VAR_ARG})) {
+        return isProgram ? TOKEN_VAR_INPUT : TOKEN_VAR_ARG;
+    }
+    return scene.tokens.is(scene.error, TOKEN_VAR_OUTPUT) ? TOKEN_VAR_REF : TOKEN_VAR;
+}
+
 // A section that the unit may not have gets the keyword of one that it may.
 Repair RepairSectionKeyword(const Scene& scene) {
     const bool isProgram = scene.unit().kind == TOKEN_PROGRAM;
-    const bool isArgument = scene.tokens.isOneOf(scene.error, {TOKEN_VAR_INPUT, TOKEN_VAR_ARG});
-    const bool isOnTop = !scene.isError(TXT_ARGUMENTS_MUST_BE_ON_TOP);
-    const Token keyword =
-        isArgument && isOnTop ? (isProgram ? TOKEN_VAR_INPUT : TOKEN_VAR_ARG) : TOKEN_VAR;
+    const Token keyword = AllowedSection(scene);
     Repair repair = TakeOut(scene, scene.tokens.span(scene.error), TextOf(keyword));
-    if (!isProgram && scene.unit().name != NONE) {
+    const bool isCertain = keyword == TOKEN_VAR_ARG || (keyword == TOKEN_VAR_REF &&
+                                                        scene.unit().kind != TOKEN_FUNCTION);
+    if (!isProgram && !isCertain && scene.unit().name != NONE) {
         const NameFact& name = scene.facts.names[static_cast<std::size_t>(scene.unit().name)];
         repair.doubtfulDefinitions.append(scene.facts.textOf(name.text).toString());
     }
@@ -707,13 +783,66 @@ Repair RepairUnit(const Scene& scene) {
     return sectionEnd == NONE ? RepairUnitHead(scene) : Repair();
 }
 
-// What stands between units goes, up to the next that begins.
+bool IsTypeWord(const Scene& scene, int index) {
+    return scene.tokens.isText(index, QStringLiteral("TYPE"));
+}
+
+// The word that ends the section or the types that begin at the token, with the `;` after it;
+// NONE if it does not come before the next unit.
+int LastOfOutside(const Scene& scene, int first) {
+    const bool isSection = IsSectionBegin(scene.tokens.code(first));
+    for (int index = first; scene.tokens.isThere(index); ++index) {
+        const bool isEnd = isSection
+                               ? scene.tokens.is(index, TOKEN_END_VAR)
+                               : scene.tokens.isText(index, QStringLiteral("END_TYPE"));
+        if (isEnd) {
+            return scene.tokens.is(index + 1, TOKEN_SEMICOLON) ? index + 1 : index;
+        }
+        if (IsUnitBegin(scene.tokens.code(index))) {
+            return NONE;
+        }
+    }
+    return NONE;
+}
+
+// What is declared between two tokens for all units: variables, types, the names of enumerations;
+// not the parts of structures.
+QStringList NamesOutside(const Scene& scene, int first, int last) {
+    QStringList names;
+    bool isStructure = false;
+    for (int index = first; index <= last; ++index) {
+        isStructure = (isStructure || scene.tokens.isText(index, QStringLiteral("STRUCT"))) &&
+                      !scene.tokens.isText(index, QStringLiteral("END_STRUCT"));
+        const bool isListed =
+            scene.tokens.isOneOf(index - 1, {TOKEN_LEFT_PARENTHESIS, TOKEN_COMMA}) ||
+            scene.tokens.isOneOf(index + 1, {TOKEN_COLON, TOKEN_COMMA});
+        if (!isStructure && isListed && scene.isUndeclared(index)) {
+            names.append(scene.tokens.text(index).toString());
+        }
+    }
+    return names;
+}
+
+// A section or types outside of the units: whatever uses them follows from that.
+Repair TakeOutOutside(const Scene& scene, int last) {
+    Repair repair = TakeOut(scene, SpanOver(scene, scene.error, last));
+    repair.doubtfulDefinitions = NamesOutside(scene, scene.error, last);
+    return repair;
+}
+
+// What stands between units goes, up to what can be told from it.
 Repair RepairBetweenUnits(const Scene& scene) {
-    int next = scene.error;
-    while (scene.tokens.isThere(next) && !IsUnitBegin(scene.tokens.code(next))) {
+    const bool isOutside =
+        IsSectionBegin(scene.tokens.code(scene.error)) || IsTypeWord(scene, scene.error);
+    if (const int last = LastOfOutside(scene, scene.error); isOutside && last != NONE) {
+        return TakeOutOutside(scene, last);
+    }
+    int next = scene.error + 1;
+    while (scene.tokens.isThere(next) && !IsUnitBegin(scene.tokens.code(next)) &&
+           !IsSectionBegin(scene.tokens.code(next)) && !IsTypeWord(scene, next)) {
         ++next;
     }
-    const bool hasNext = scene.tokens.isThere(next) && next > scene.error;
+    const bool hasNext = scene.tokens.isThere(next) && scene.tokens.isThere(scene.error);
     return hasNext ? TakeOut(scene, SpanOver(scene, scene.error, next - 1)) : Repair();
 }
 

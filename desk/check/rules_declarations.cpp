@@ -273,10 +273,10 @@ constexpr QLatin1String NO_STRUCTURES =
 constexpr QLatin1String NO_POINTERS =
     "there are no pointers: pass a variable by reference, in `VAR_REF`"_L1;
 constexpr QLatin1String NO_TIMERS =
-    "there are no timers: remember `TICK` in a `UDINT` and compare the difference"_L1;
+    "there are no timers: remember `TICK` in a `UDINT := 0` and compare the difference"_L1;
 constexpr QLatin1String NO_EDGES =
-    "there are no edge detectors: remember the last value in a `BOOL` and compare"_L1;
-constexpr QLatin1String NO_COUNTERS = "there are no counters: count in a `UINT`"_L1;
+    "there are no edge detectors: remember the last value in a `BOOL := FALSE` and compare"_L1;
+constexpr QLatin1String NO_COUNTERS = "there are no counters: count in a `UINT := 0`"_L1;
 
 constexpr Replacement REPLACEMENTS[] = {
     {"BYTE"_L1, "there is no `BYTE`: use `USINT`, which has 8 bits"_L1},
@@ -376,9 +376,13 @@ Maybe InstanceOfBlock(const Context& context) {
     if (type.span.isEmpty() || !callee || callee->isFunction) {
         return std::nullopt;
     }
+    QStringList formals;
+    for (const Formal& formal : callee->formals) {
+        formals.append(formal.name);
+    }
     return Say(QStringLiteral("function blocks have no instances: leave this declaration out and "
-                              "call `%1(...)` itself")
-                   .arg(callee->name));
+                              "call `%1(%2)` itself")
+                   .arg(callee->name, formals.join(QStringLiteral(", "))));
 }
 
 Maybe FunctionWithoutResult(const Context& context) {

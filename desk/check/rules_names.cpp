@@ -39,11 +39,13 @@ Maybe EndOfOtherLanguages(const Context& context) {
                               "END_SWITCH"_L1})) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("the %1 of line %2 ends with `%3;`")
-                   .arg(Code(construct->kind))
-                   .arg(LineOf(context, construct->span))
-                   .arg(QString(TokensTable[Lookup(EndOf(construct->kind))].text)),
-               word.span);
+    const QString end = QString(TokensTable[Lookup(EndOf(construct->kind))].text);
+    return SayAndMend(QStringLiteral("the %1 of line %2 ends with `%3;`")
+                          .arg(Code(construct->kind))
+                          .arg(LineOf(context, construct->span))
+                          .arg(end),
+                      word.span,
+                      Near(context, 0).is(TOKEN_SEMICOLON) ? Mend{{word.span, end}} : Mend());
 }
 
 Maybe WordOfOtherLanguages(const Context& context) {
@@ -145,34 +147,10 @@ Maybe StandardFunction(const Context& context) {
     return std::nullopt;
 }
 
-// The two types in the name of a conversion, such as INT_TO_REAL; TYP_NONE for what is none.
-struct Conversion {
-    Typ from;
-    Typ to;
-};
-
-Typ TypeNamed(const QString& name) {
-    for (const typ& row : TypsTable) {
-        if (name.compare(row.name, Qt::CaseInsensitive) == 0) {
-            return row.code;
-        }
-    }
-    return TYP_NONE;
-}
-
-Conversion ConversionOf(const Piece& word) {
-    const QStringList parts = word.text.toString().toUpper().split(QStringLiteral("_TO_"));
-    constexpr int two = 2;
-    if (parts.size() != two) {
-        return {TYP_NONE, TYP_NONE};
-    }
-    return {TypeNamed(parts.first()), TypeNamed(parts.last())};
-}
-
 Maybe ConversionFunction(const Context& context) {
     const Piece word = UnknownWord(context);
     const Conversion conversion =
-        IsCalled(context, word) ? ConversionOf(word) : Conversion{TYP_NONE, TYP_NONE};
+        IsCalled(context, word) ? ConversionOf(word.text) : Conversion{TYP_NONE, TYP_NONE};
     if (conversion.from == TYP_NONE || conversion.to == TYP_NONE) {
         return std::nullopt;
     }
@@ -284,6 +262,11 @@ void AddWords(const Context& context, std::vector<QString>& names) {
     }
 }
 
+bool IsWordOfLanguage(const QString& text) {
+    return std::any_of(std::begin(TokensTable), std::end(TokensTable),
+                       [&text](const token& row) { return text == row.text; });
+}
+
 Maybe Misspelt(const Context& context) {
     const Piece name = UnknownWord(context);
     if (!name.is(TOKEN_IDENTIFIER)) {
@@ -303,7 +286,8 @@ Maybe Misspelt(const Context& context) {
     if (best.isEmpty()) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("did you mean `%1`?").arg(best), name.span);
+    return SayAndMend(QStringLiteral("did you mean `%1`?").arg(best), name.span,
+                      IsWordOfLanguage(best) ? Mend{{name.span, best}} : Mend());
 }
 
 // Words that may stand where the compiler expected others: an operator goes on with a value.

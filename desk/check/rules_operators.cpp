@@ -172,6 +172,21 @@ Maybe Member(const Context& context) {
                {name.span.begin, Near(context, 1).span.end});
 }
 
+// How a bit is set and cleared, where a number holds it.
+Maybe BitAsTarget(const Piece& name, const Piece& bit, Span span) {
+    constexpr unsigned last = 31;
+    bool isNumber = false;
+    const unsigned number = bit.text.mid(1).toString().toUInt(&isNumber);
+    if (!isNumber || number > last) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("a bit has no name of its own: set it with `%1 := %1 OR %2;`, "
+                              "clear it with `%1 := %1 OR %2; %1 := %1 XOR %2;`")
+                   .arg(name.text)
+                   .arg(1U << number),
+               span);
+}
+
 Maybe BitOfVariable(const Context& context) {
     const Piece name = Near(context, -1);
     const Piece bit = Near(context, 0);
@@ -181,9 +196,13 @@ Maybe BitOfVariable(const Context& context) {
     if (!isBit || OpenStatement(context) == nullptr) {
         return std::nullopt;
     }
+    const Span span = {name.span.begin, bit.span.end};
+    if (Expects(context, TOKEN_ASSIGN)) {
+        return BitAsTarget(name, bit, span);
+    }
     return Say(QStringLiteral("a bit has no name of its own: write `((%1 SHR %2) AND 1) = 1`")
                    .arg(name.text, bit.text.mid(1)),
-               {name.span.begin, bit.span.end});
+               span);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -223,9 +223,13 @@ Maybe NameAsLabel(const Context& context) {
     const bool isLater = IsError(context, TXT_DUPLICATE_VARIABLE_NAME) && !IsDeclaring(context) &&
                          Near(context, 0).is(TOKEN_COLON);
     const Piece name = Near(context, isLater ? -1 : 0);
-    const bool isVariable = VariableNamed(context, name.text) != nullptr;
-    if (!IsInCase(context) || (!isLabel && !isLater) || !isVariable) {
+    if (!IsInCase(context) || (!isLabel && !isLater) || !name.is(TOKEN_IDENTIFIER)) {
         return std::nullopt;
+    }
+    if (VariableNamed(context, name.text) == nullptr) {
+        return Say(QStringLiteral("a label of `CASE` is a number: write one for %1")
+                       .arg(Code(name)),
+                   name.span);
     }
     const QString value = ValueOfConstant(context, name);
     return Say(value.isEmpty()
@@ -399,6 +403,82 @@ Maybe ResultOutside(const Context& context) {
                word.span);
 }
 
+// A parameter that is given under a name.
+struct NamedValue {
+    QString name;
+    Span sign;  // the name with the sign after it
+    QString value;
+};
+
+// The index of the comma or the ")" that ends a parameter, NONE if the statement ends before.
+int EndOfParameter(const Context& context, int index) {
+    int depth = 0;
+    for (;; ++index) {
+        const Piece piece = PieceAt(context, index);
+        if (depth == 0 && piece.isOneOf({TOKEN_COMMA, TOKEN_RIGHT_PARENTHESIS})) {
+            return index;
+        }
+        if (piece.span.isEmpty() || piece.is(TOKEN_SEMICOLON)) {
+            return NONE;
+        }
+        depth += piece.is(TOKEN_LEFT_PARENTHESIS)    ? 1
+                 : piece.is(TOKEN_RIGHT_PARENTHESIS) ? -1
+                                                     : 0;
+    }
+}
+
+bool IsSignOfParameter(const Piece& piece) {
+    return piece.is(TOKEN_ASSIGN) || piece.text == QLatin1String("=>");
+}
+
+// The parameters of the call around the error; none unless each has a name and a value.
+std::vector<NamedValue> NamedValues(const Context& context) {
+    std::vector<NamedValue> values;
+    int index = CallAround(context, context.here)->name + 1;
+    while (!PieceAt(context, index).is(TOKEN_RIGHT_PARENTHESIS)) {
+        const Piece name = PieceAt(context, index + 1);
+        const Piece sign = PieceAt(context, index + 2);
+        const int end = EndOfParameter(context, index + 1);
+        if (!name.is(TOKEN_IDENTIFIER) || !IsSignOfParameter(sign) || end <= index + 3) {
+            return {};
+        }
+        const Span value = {PieceAt(context, index + 3).span.begin,
+                            PieceAt(context, end - 1).span.end};
+        values.push_back({name.text.toString(),
+                          {name.span.begin, sign.span.end},
+                          context.source.text(value).toString()});
+        index = end;
+    }
+    return values;
+}
+
+// The call with each value in its place; what is not given goes by the name of the parameter.
+QString CallByPosition(const Callee& callee, const std::vector<NamedValue>& values) {
+    QStringList actuals;
+    for (const Formal& formal : callee.formals) {
+        const auto given = std::find_if(values.begin(), values.end(), [&](const NamedValue& each) {
+            return each.name.compare(formal.name, Qt::CaseInsensitive) == 0;
+        });
+        actuals.append(given == values.end() ? formal.name : given->value);
+    }
+    return QStringLiteral("%1(%2)").arg(callee.name, actuals.join(QStringLiteral(", ")));
+}
+
+// Leaves out the names; nothing unless all parameters are there in their order.
+Mend MendOfNames(const Context& context, const Callee& callee,
+                 const std::vector<NamedValue>& values) {
+    Mend mend;
+    for (const NamedValue& value : values) {
+        mend.push_back(BlankOut(context.source, value.sign));
+    }
+    const bool isInOrder = std::equal(
+        values.begin(), values.end(), callee.formals.begin(), callee.formals.end(),
+        [](const NamedValue& value, const Formal& formal) {
+            return value.name.compare(formal.name, Qt::CaseInsensitive) == 0;
+        });
+    return isInOrder ? mend : Mend();
+}
+
 Maybe NamedParameter(const Context& context) {
     const bool isSign =
         Near(context, 0).is(TOKEN_ASSIGN) || Near(context, 0).text == QLatin1String("=>");
@@ -409,9 +489,18 @@ Maybe NamedParameter(const Context& context) {
     if (!isSign || !isParameter || isCompared || !CallAround(context, context.here)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("parameters go by position: leave out `%1 %2`")
-                   .arg(Near(context, -1).text, Near(context, 0).text),
-               {Near(context, -1).span.begin, Near(context, 0).span.end});
+    const std::vector<NamedValue> values = NamedValues(context);
+    const int name = CallAround(context, context.here)->name;
+    const std::optional<Callee> callee = CalleeNamed(context, PieceAt(context, name).text);
+    const Span span = {Near(context, -1).span.begin, Near(context, 0).span.end};
+    if (!callee || callee->span.isEmpty() || values.empty()) {
+        return Say(QStringLiteral("parameters go by position: leave out `%1 %2`")
+                       .arg(Near(context, -1).text, Near(context, 0).text),
+                   span);
+    }
+    return SayAndMend(QStringLiteral("parameters go by position: write `%1`")
+                          .arg(CallByPosition(*callee, values)),
+                      span, MendOfNames(context, *callee, values));
 }
 
 Maybe CallOfInstance(const Context& context) {

@@ -517,6 +517,66 @@ Maybe SectionOutside(const Context& context) {
                    .arg(Code(Near(context, 0))));
 }
 
+// A constant for each name of an enumeration, from the piece after its "("; for the first alone if
+// one has a number of its own.
+QString ConstantsOfEnumeration(const Context& context, int index) {
+    const QString form = QStringLiteral("CONSTANT %1 : INT := %2;");
+    const QString first = form.arg(PieceAt(context, index).text.toString()).arg(0);
+    QStringList constants;
+    for (; PieceAt(context, index).is(TOKEN_IDENTIFIER); index += 2) {
+        constants.append(form.arg(PieceAt(context, index).text.toString()).arg(constants.size()));
+        if (!PieceAt(context, index + 1).is(TOKEN_COMMA)) {
+            break;
+        }
+    }
+    const bool isPlain = PieceAt(context, index + 1).is(TOKEN_RIGHT_PARENTHESIS);
+    return isPlain ? constants.join(u' ') : first;
+}
+
+// Up to END_TYPE, where that comes.
+Span SpanOfTypes(const Context& context) {
+    int index = context.here;
+    while (!PieceAt(context, index).span.isEmpty() &&
+           !PieceAt(context, index).isSpelled("END_TYPE"_L1)) {
+        ++index;
+    }
+    return {Near(context, 0).span.begin, PieceAt(context, index).span.end};
+}
+
+QString AdviceOnEnumeration(const Context& context) {
+    constexpr int first = 4;
+    return QStringLiteral("there are no enumerations: use `INT` for %1, and a constant for each "
+                          "name, as in `%2`; a label of `CASE` is the number itself")
+        .arg(Code(Near(context, 1)), ConstantsOfEnumeration(context, context.here + first));
+}
+
+// What stands for the first type that is defined; empty if that cannot be told.
+QString AdviceOnType(const Context& context) {
+    const Piece type = Near(context, 3);
+    if (!Near(context, 2).is(TOKEN_COLON)) {
+        return QString();
+    }
+    if (type.is(TOKEN_LEFT_PARENTHESIS)) {
+        return AdviceOnEnumeration(context);
+    }
+    if (type.isSpelled("STRUCT"_L1)) {
+        return QStringLiteral("there are no structures: declare a variable for each part of each %1")
+            .arg(Code(Near(context, 1)));
+    }
+    return IsTypeName(type) ? QStringLiteral("types have no other names: write %1 for %2")
+                                  .arg(Code(type), Code(Near(context, 1)))
+                            : QString();
+}
+
+Maybe TypeDefinition(const Context& context) {
+    const QString advice = AdviceOnType(context);
+    if (!Expects(context, TOKEN_PROGRAM) || !Near(context, 0).isSpelled("TYPE"_L1) ||
+        advice.isEmpty() || SpanOfTypes(context).end <= Near(context, 0).span.end) {
+        return std::nullopt;
+    }
+    return Say(advice, SpanOfTypes(context));
+}
+
 Maybe UnitOfOtherDialects(const Context& context) {
     const Piece word = Near(context, 0);
     if (!Expects(context, TOKEN_PROGRAM) ||
@@ -572,6 +632,7 @@ Rules RulesOfStructure() {
             {"function-without-type"_L1, FunctionWithoutType},
             {"semicolon-after-unit"_L1, SemicolonAfterUnit},
             {"section-outside"_L1, SectionOutside},
+            {"type-definition"_L1, TypeDefinition},
             {"unit-of-other-dialects"_L1, UnitOfOtherDialects},
             {"statement-outside"_L1, StatementOutside}};
 }

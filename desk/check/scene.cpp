@@ -79,11 +79,11 @@ QString SetApart(const Source& source, Span span, const QString& text) {
 
 Repair TakeOut(const Scene& scene, Span span, const QString& neutral) {
     const QString text = SetApart(scene.source, span, neutral);
-    return {{{span, NeutralText(scene.source.text(span), text)}}, {}, {}};
+    return {{{span, NeutralText(scene.source.text(span), text)}}, {}, {}, {}};
 }
 
 Repair PutIn(int offset, const QString& text) {
-    return {{{{offset, offset}, u' ' + text + u' '}}, {}, {}};
+    return {{{{offset, offset}, u' ' + text + u' '}}, {}, {}, {}};
 }
 
 Span SpanOver(const Scene& scene, int first, int last) {

@@ -1,5 +1,8 @@
 #include "check/tokens.h"
 
+#include <QString>
+#include <QStringList>
+
 #include <algorithm>
 
 namespace {
@@ -127,4 +130,26 @@ Token EndOf(Token begin) {
     const auto* const pair = std::find_if(std::begin(COMPOUNDS), std::end(COMPOUNDS),
                                           [begin](const Pair& p) { return p.begin == begin; });
     return pair == std::end(COMPOUNDS) ? TOKEN_UNKNOWN : pair->end;
+}
+
+namespace {
+
+Typ TypeNamed(const QString& name) {
+    for (const typ& row : TypsTable) {
+        if (name.compare(row.name, Qt::CaseInsensitive) == 0) {
+            return row.code;
+        }
+    }
+    return TYP_NONE;
+}
+
+}  // namespace
+
+Conversion ConversionOf(QStringView name) {
+    const QStringList parts = name.toString().toUpper().split(QStringLiteral("_TO_"));
+    constexpr int two = 2;
+    if (parts.size() != two) {
+        return {TYP_NONE, TYP_NONE};
+    }
+    return {TypeNamed(parts.first()), TypeNamed(parts.last())};
 }

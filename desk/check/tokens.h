@@ -47,3 +47,10 @@ bool IsBoundary(Token code);
 
 // The END_ word of a unit or a compound statement.
 Token EndOf(Token begin);
+
+// The two types in the name of a conversion, such as INT_TO_REAL; TYP_NONE for what is none.
+struct Conversion {
+    Typ from;
+    Typ to;
+};
+Conversion ConversionOf(QStringView name);

@@ -591,19 +591,42 @@ VAR_EXTERNAL
     count : INT := 0;
 END_VAR
 )")},
-        {"unit-of-other-dialects", Script(R"(
+        {"type-definition", Script(R"(
 TYPE
     Mode : (off, on);
 END_TYPE
 
 PROGRAM Demo
 VAR
-    mode : Mode;
+    state : Mode := off;
 END_VAR
-    mode := on;
+    state := on;
 END_PROGRAM
 )"),
-         "there is no `TYPE`: a script is its functions and function blocks, then one program",
+         "there are no enumerations: use `INT` for `Mode`, and a constant for each name, as in "
+         "`CONSTANT off : INT := 0; CONSTANT on : INT := 1;`; a label of `CASE` is the number "
+         "itself",
+         "TYPE\n    Mode : (off, on);\nEND_TYPE", Script(R"(
+TYPE
+    Mode : (off, on);
+PROGRAM Demo
+VAR
+END_VAR
+END_PROGRAM
+)")},
+        {"unit-of-other-dialects", Script(R"(
+CONFIGURATION Plant
+END_CONFIGURATION
+
+PROGRAM Demo
+VAR
+    state : INT := 0;
+END_VAR
+    state := 1;
+END_PROGRAM
+)"),
+         "there is no `CONFIGURATION`: a script is its functions and function blocks, then one "
+         "program",
          "", Script(R"(
 Mode : (off, on);
 PROGRAM Demo
@@ -963,7 +986,7 @@ END_VAR
     END_IF;
 END_PROGRAM
 )"),
-         "there are no edge detectors: remember the last value in a `BOOL` and compare", "",
+         "there are no edge detectors: remember the last value in a `BOOL := FALSE` and compare", "",
          Script(R"(
 PROGRAM Demo
 VAR
@@ -987,7 +1010,7 @@ END_VAR
     first(count);
 END_PROGRAM
 )"),
-         "function blocks have no instances: leave this declaration out and call `Raise(...)` "
+         "function blocks have no instances: leave this declaration out and call `Raise(value)` "
          "itself",
          "", Script(R"(
 FUNCTION Seven : INT

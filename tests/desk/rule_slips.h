@@ -326,7 +326,7 @@ END_VAR
     t1(IN := TRUE, PT := T#5s);
 END_PROGRAM
 )"),
-         "there are no timers: remember `TICK` in a `UDINT` and compare the difference", ""},
+         "there are no timers: remember `TICK` in a `UDINT := 0` and compare the difference", ""},
         {"instance-of-block", Script(R"(
 FUNCTION_BLOCK Bump
 VAR_REF
@@ -342,7 +342,7 @@ END_VAR
     b1(n);
 END_PROGRAM
 )"),
-         "function blocks have no instances: leave this declaration out and call `Bump(...)` "
+         "function blocks have no instances: leave this declaration out and call `Bump(x)` "
          "itself",
          ""},
         {"misspelt-type", Script(R"(
@@ -469,6 +469,23 @@ END_PROGRAM
     level := 1,5;
 )"),
          "a fraction follows a point: write `1.5`", "1,5"},
+        {"named-parameter", Script(R"(
+FUNCTION Scale : REAL
+VAR_ARG
+    value : REAL;
+    factor : REAL;
+    offset : REAL;
+END_VAR
+    RESULT := value * factor + offset;
+END_FUNCTION
+PROGRAM P
+VAR
+    a : REAL := 1.0;
+END_VAR
+    a := Scale(factor := 2.0, value := (a + 1) * 2);
+END_PROGRAM
+)"),
+         "parameters go by position: write `Scale((a + 1) * 2, 2.0, offset)`", "factor :="},
         {"named-parameter", Lines(R"(
     level := sqrt(x := 4.0);
 )"),
@@ -594,6 +611,44 @@ END_PROGRAM
          "`level` is `REAL`, and `CASE` asks for an integer: assign it to an `INT` first and use "
          "that",
          ""},
+        {"type-definition", Script(R"(
+TYPE
+    Pump : STRUCT
+        on : BOOL;
+    END_STRUCT;
+END_TYPE
+PROGRAM P
+VAR
+END_VAR
+END_PROGRAM
+)"),
+         "there are no structures: declare a variable for each part of each `Pump`",
+         "TYPE\n    Pump : STRUCT\n        on : BOOL;\n    END_STRUCT;\nEND_TYPE"},
+        {"type-definition", Script(R"(
+TYPE Percent : REAL; END_TYPE
+PROGRAM P
+VAR
+END_VAR
+END_PROGRAM
+)"),
+         "types have no other names: write `REAL` for `Percent`",
+         "TYPE Percent : REAL; END_TYPE"},
+        {"type-definition", Script(R"(
+TYPE Mode : (off := 1, on := 4); END_TYPE
+PROGRAM P
+VAR
+END_VAR
+END_PROGRAM
+)"),
+         "there are no enumerations: use `INT` for `Mode`, and a constant for each name, as in "
+         "`CONSTANT off : INT := 0;`; a label of `CASE` is the number itself",
+         "TYPE Mode : (off := 1, on := 4); END_TYPE"},
+        {"name-as-label", Lines(R"(
+    CASE a OF
+        limit: a := 1;
+    END_CASE;
+)"),
+         "a label of `CASE` is a number: write one for `limit`", "limit"},
         {"name-as-label", Script(R"(
 PROGRAM P
 VAR
@@ -1081,6 +1136,12 @@ END_PROGRAM
          "variable of its own, such as `timer_Q`",
          "timer.Q"},
         {"bit-of-variable", Lines(R"(
+    i.4 := TRUE;
+)"),
+         "a bit has no name of its own: set it with `i := i OR 16;`, clear it with "
+         "`i := i OR 16; i := i XOR 16;`",
+         "i.4"},
+        {"bit-of-variable", Lines(R"(
     ready := a.0;
 )"),
          "a bit has no name of its own: write `((a SHR 0) AND 1) = 1`", "a.0"},
@@ -1305,7 +1366,7 @@ VAR
 END_VAR
 END_PROGRAM
 )"),
-         "there are no counters: count in a `UINT`", ""},
+         "there are no counters: count in a `UINT := 0`", ""},
         {"step-of-for", Lines(R"(
     FOR i := 1 TO 10 BY 1 DO
         a := i;
@@ -1446,11 +1507,6 @@ inline std::vector<QString> ScriptsWithoutReason() {
 )"),
         Lines(R"(
     CONTINUE;
-)"),
-        Lines(R"(
-    CASE a OF
-        limit: a := 1;
-    END_CASE;
 )"),
         Lines(R"(
     fault := NOT level;

@@ -165,14 +165,14 @@ class Options(FolderTestCase):
         self.assertIn(b"chekc is no subcommand", run.stderr)
 
     def test_max_errors(self):
-        self.write("a.st", with_errors(30))
-        for options, count in (([], 20), (["--max-errors=3"], 3), (["--max-errors", "99"], 30)):
+        self.write("a.st", with_errors(60))
+        for options, count in (([], 50), (["--max-errors=3"], 3), (["--max-errors", "99"], 60)):
             with self.subTest(options=options):
                 found = self.found(*options, "a.st")
                 errors = [each["line"] for each in found if each["severity"] == "error"]
                 notes = [each["line"] for each in found if each["severity"] == "note"]
                 self.assertEqual(errors, list(range(5, 5 + count)))
-                self.assertEqual(notes, [] if count == 30 else [5 + count])
+                self.assertEqual(notes, [] if count == 60 else [5 + count])
 
     def test_max_errors_are_those_of_each_script(self):
         """After them stands the note that there are more."""
