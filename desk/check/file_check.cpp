@@ -168,13 +168,13 @@ void FileCheck::stop(const Facts& facts, const QString& why) {
 bool FileCheck::isConsequence(const Facts& facts, const std::vector<Help>& helps) const {
     const bool isAboutText = !helps.empty() && helps.front().isAboutText;
     return !edits_.all().empty() &&
-           (isAfterRepair(facts) || isIndexOfArray(facts) ||
-            (!isAboutText && isDoubtful(facts)));
+           (isAfterRepair(facts) || isIndexOfArray(facts) || (!isAboutText && isDoubtful(facts)));
 }
 
 // Whether the last repairs are what the compiler stumbles over.
 bool FileCheck::isAfterRepair(const Facts& facts) const {
-    return !edits_.all().empty() && (isAtError(facts) || isEndAfterEdit(facts) || isAtEdit(facts));
+    return !edits_.all().empty() &&
+           (isAtError(facts) || isEndAfterEdit(facts) || isAtEdit(facts));
 }
 
 // Whether an error has been found at that place: it was not mended by its repair.

@@ -158,9 +158,9 @@ Repair DefineFunction(const Scene& scene, int name, int count) {
     }
     const QString head = QStringLiteral("FUNCTION %1:%2 VAR_ARG").arg(text, NameOf(result));
     const QString value = result == TYP_BOOL ? QStringLiteral("FALSE") : QStringLiteral("0");
-    Repair repair = PutIn(scene.unit().span.begin,
-                          head + formals + QStringLiteral(" END_VAR RESULT:=") + value +
-                              QStringLiteral("; END_FUNCTION"));
+    Repair repair =
+        PutIn(scene.unit().span.begin, head + formals + QStringLiteral(" END_VAR RESULT:=") +
+                                           value + QStringLiteral("; END_FUNCTION"));
     if (result != conversion.to || count != 1) {
         repair.doubtfulDefinitions.append(text);
     }
@@ -731,8 +731,8 @@ Repair RepairSectionKeyword(const Scene& scene) {
     const bool isProgram = scene.unit().kind == TOKEN_PROGRAM;
     const Token keyword = AllowedSection(scene);
     Repair repair = TakeOut(scene, scene.tokens.span(scene.error), TextOf(keyword));
-    const bool isCertain = keyword == TOKEN_VAR_ARG || (keyword == TOKEN_VAR_REF &&
-                                                        scene.unit().kind != TOKEN_FUNCTION);
+    const bool isCertain = keyword == TOKEN_VAR_ARG ||
+                           (keyword == TOKEN_VAR_REF && scene.unit().kind != TOKEN_FUNCTION);
     if (!isProgram && !isCertain && scene.unit().name != NONE) {
         const NameFact& name = scene.facts.names[static_cast<std::size_t>(scene.unit().name)];
         repair.doubtfulDefinitions.append(scene.facts.textOf(name.text).toString());
@@ -792,9 +792,8 @@ bool IsTypeWord(const Scene& scene, int index) {
 int LastOfOutside(const Scene& scene, int first) {
     const bool isSection = IsSectionBegin(scene.tokens.code(first));
     for (int index = first; scene.tokens.isThere(index); ++index) {
-        const bool isEnd = isSection
-                               ? scene.tokens.is(index, TOKEN_END_VAR)
-                               : scene.tokens.isText(index, QStringLiteral("END_TYPE"));
+        const bool isEnd = isSection ? scene.tokens.is(index, TOKEN_END_VAR)
+                                     : scene.tokens.isText(index, QStringLiteral("END_TYPE"));
         if (isEnd) {
             return scene.tokens.is(index + 1, TOKEN_SEMICOLON) ? index + 1 : index;
         }

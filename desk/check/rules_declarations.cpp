@@ -42,19 +42,6 @@ QString DeclarationOf(const Piece& name, const Piece& type) {
     return QStringLiteral("%1 : %2;").arg(name.text, type.text);
 }
 
-Maybe SeveralNames(const Context& context) {
-    const Piece type = TypeOfDeclaration(context);
-    if (!IsDeclaring(context) || !Expects(context, TOKEN_COLON) ||
-        !Near(context, 0).is(TOKEN_COMMA) || type.span.isEmpty()) {
-        return std::nullopt;
-    }
-    QStringList each = {DeclarationOf(Near(context, -1), type)};
-    for (int comma = 0; Near(context, comma).is(TOKEN_COMMA); comma += 2) {
-        each.append(DeclarationOf(Near(context, comma + 1), type));
-    }
-    return Say(QStringLiteral("each declaration has one name: write `%1`").arg(each.join(u' ')));
-}
-
 Maybe TypeBeforeName(const Context& context) {
     const Piece type = Near(context, 0);
     const Piece name = Near(context, 1);
@@ -262,6 +249,7 @@ Piece RefusedType(const Context& context) {
 struct Replacement {
     QLatin1String type;
     QLatin1String text;
+    QLatin1String certain = QLatin1String();  // a type that does for it, if one does
 };
 
 constexpr QLatin1String NO_TIMES =
@@ -279,26 +267,29 @@ constexpr QLatin1String NO_EDGES =
 constexpr QLatin1String NO_COUNTERS = "there are no counters: count in a `UINT := 0`"_L1;
 
 constexpr Replacement REPLACEMENTS[] = {
-    {"BYTE"_L1, "there is no `BYTE`: use `USINT`, which has 8 bits"_L1},
-    {"WORD"_L1, "there is no `WORD`: use `UINT`, which has 16 bits"_L1},
-    {"DWORD"_L1, "there is no `DWORD`: use `UDINT`, which has 32 bits"_L1},
+    {"BYTE"_L1, "there is no `BYTE`: use `USINT`, which has 8 bits"_L1, "USINT"_L1},
+    {"WORD"_L1, "there is no `WORD`: use `UINT`, which has 16 bits"_L1, "UINT"_L1},
+    {"DWORD"_L1, "there is no `DWORD`: use `UDINT`, which has 32 bits"_L1, "UDINT"_L1},
     {"LWORD"_L1, "there is no type of 64 bits: use two `UDINT`"_L1},
-    {"LINT"_L1, "there is no integer of 64 bits: use `DINT`, or `LREAL` for larger values"_L1},
-    {"ULINT"_L1, "there is no integer of 64 bits: use `UDINT`, or `LREAL` for larger values"_L1},
-    {"BOOLEAN"_L1, "a truth value has the type `BOOL`"_L1},
-    {"BIT"_L1, "a truth value has the type `BOOL`"_L1},
-    {"INTEGER"_L1, "an integer of 16 bits has the type `INT`, one of 32 bits `DINT`"_L1},
-    {"LONG"_L1, "an integer of 32 bits has the type `DINT`"_L1},
-    {"SHORT"_L1, "an integer of 16 bits has the type `INT`"_L1},
-    {"FLOAT"_L1, "a real number has the type `REAL`"_L1},
-    {"SINGLE"_L1, "a real number has the type `REAL`"_L1},
-    {"DOUBLE"_L1, "a real number of double precision has the type `LREAL`"_L1},
-    {"INT8"_L1, "an integer of 8 bits has the type `SINT`"_L1},
-    {"INT16"_L1, "an integer of 16 bits has the type `INT`"_L1},
-    {"INT32"_L1, "an integer of 32 bits has the type `DINT`"_L1},
-    {"UINT8"_L1, "an unsigned integer of 8 bits has the type `USINT`"_L1},
-    {"UINT16"_L1, "an unsigned integer of 16 bits has the type `UINT`"_L1},
-    {"UINT32"_L1, "an unsigned integer of 32 bits has the type `UDINT`"_L1},
+    {"LINT"_L1, "there is no integer of 64 bits: use `DINT`, or `LREAL` for larger values"_L1,
+     "LREAL"_L1},
+    {"ULINT"_L1, "there is no integer of 64 bits: use `UDINT`, or `LREAL` for larger values"_L1,
+     "LREAL"_L1},
+    {"BOOLEAN"_L1, "a truth value has the type `BOOL`"_L1, "BOOL"_L1},
+    {"BIT"_L1, "a truth value has the type `BOOL`"_L1, "BOOL"_L1},
+    {"INTEGER"_L1, "an integer of 16 bits has the type `INT`, one of 32 bits `DINT`"_L1,
+     "DINT"_L1},
+    {"LONG"_L1, "an integer of 32 bits has the type `DINT`"_L1, "DINT"_L1},
+    {"SHORT"_L1, "an integer of 16 bits has the type `INT`"_L1, "INT"_L1},
+    {"FLOAT"_L1, "a real number has the type `REAL`"_L1, "REAL"_L1},
+    {"SINGLE"_L1, "a real number has the type `REAL`"_L1, "REAL"_L1},
+    {"DOUBLE"_L1, "a real number of double precision has the type `LREAL`"_L1, "LREAL"_L1},
+    {"INT8"_L1, "an integer of 8 bits has the type `SINT`"_L1, "SINT"_L1},
+    {"INT16"_L1, "an integer of 16 bits has the type `INT`"_L1, "INT"_L1},
+    {"INT32"_L1, "an integer of 32 bits has the type `DINT`"_L1, "DINT"_L1},
+    {"UINT8"_L1, "an unsigned integer of 8 bits has the type `USINT`"_L1, "USINT"_L1},
+    {"UINT16"_L1, "an unsigned integer of 16 bits has the type `UINT`"_L1, "UINT"_L1},
+    {"UINT32"_L1, "an unsigned integer of 32 bits has the type `UDINT`"_L1, "UDINT"_L1},
 };
 
 constexpr Replacement TYPES_OF_TIME[] = {
@@ -344,7 +335,9 @@ Maybe ReplacementIn(const Context& context, const Replacement (&rows)[COUNT]) {
     const Piece type = RefusedType(context);
     for (const Replacement& row : rows) {
         if (type.isSpelled(row.type)) {
-            return Say(row.text);
+            return SayAndMend(
+                row.text, {},
+                row.certain.isEmpty() ? Mend() : Mend{{type.span, QString(row.certain)}});
         }
     }
     return std::nullopt;
@@ -407,6 +400,45 @@ Maybe MisspeltType(const Context& context) {
         return std::nullopt;
     }
     return Say(QStringLiteral("did you mean `%1`?").arg(name));
+}
+
+template <std::size_t COUNT>
+QLatin1String TextIn(const Piece& type, const Replacement (&rows)[COUNT]) {
+    for (const Replacement& row : rows) {
+        if (type.isSpelled(row.type)) {
+            return row.text;
+        }
+    }
+    return {};
+}
+
+// What is to be said of a type that is none here; empty for any other.
+QLatin1String AdviceOnForeignType(const Piece& type) {
+    for (const QLatin1String text :
+         {TextIn(type, REPLACEMENTS), TextIn(type, TYPES_OF_TIME), TextIn(type, TYPES_OF_TEXT),
+          TextIn(type, TYPES_OF_PARTS), TextIn(type, STANDARD_BLOCKS)}) {
+        if (!text.isEmpty()) {
+            return text;
+        }
+    }
+    return {};
+}
+
+Maybe SeveralNames(const Context& context) {
+    const Piece type = TypeOfDeclaration(context);
+    if (!IsDeclaring(context) || !Expects(context, TOKEN_COLON) ||
+        !Near(context, 0).is(TOKEN_COMMA) || type.span.isEmpty()) {
+        return std::nullopt;
+    }
+    QStringList each = {DeclarationOf(Near(context, -1), type)};
+    for (int comma = 0; Near(context, comma).is(TOKEN_COMMA); comma += 2) {
+        each.append(DeclarationOf(Near(context, comma + 1), type));
+    }
+    const QLatin1String advice = AdviceOnForeignType(type);
+    return Say(
+        advice.isEmpty()
+            ? QStringLiteral("each declaration has one name: write `%1`").arg(each.join(u' '))
+            : QStringLiteral("each declaration has one name, and %1").arg(advice));
 }
 
 // ---------------------------------------------------------------------------------------------

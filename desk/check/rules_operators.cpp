@@ -81,8 +81,7 @@ Maybe ForeignLogic(const Context& context) {
     const bool isDouble = Near(context, 1).text == Near(context, 0).text &&
                           TouchesPrevious(context, context.here + 1);
     const Span span = {Near(context, 0).span.begin, Near(context, isDouble ? 1 : 0).span.end};
-    return SayOfText(QStringLiteral("write `%1`").arg(word), span,
-                     {{span, u' ' + word + u' '}});
+    return SayOfText(QStringLiteral("write `%1`").arg(word), span, {{span, u' ' + word + u' '}});
 }
 
 Maybe ForeignArithmetic(const Context& context) {

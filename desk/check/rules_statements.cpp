@@ -227,9 +227,9 @@ Maybe NameAsLabel(const Context& context) {
         return std::nullopt;
     }
     if (VariableNamed(context, name.text) == nullptr) {
-        return Say(QStringLiteral("a label of `CASE` is a number: write one for %1")
-                       .arg(Code(name)),
-                   name.span);
+        return Say(
+            QStringLiteral("a label of `CASE` is a number: write one for %1").arg(Code(name)),
+            name.span);
     }
     const QString value = ValueOfConstant(context, name);
     return Say(value.isEmpty()
@@ -456,9 +456,10 @@ std::vector<NamedValue> NamedValues(const Context& context) {
 QString CallByPosition(const Callee& callee, const std::vector<NamedValue>& values) {
     QStringList actuals;
     for (const Formal& formal : callee.formals) {
-        const auto given = std::find_if(values.begin(), values.end(), [&](const NamedValue& each) {
-            return each.name.compare(formal.name, Qt::CaseInsensitive) == 0;
-        });
+        const auto given =
+            std::find_if(values.begin(), values.end(), [&](const NamedValue& each) {
+                return each.name.compare(formal.name, Qt::CaseInsensitive) == 0;
+            });
         actuals.append(given == values.end() ? formal.name : given->value);
     }
     return QStringLiteral("%1(%2)").arg(callee.name, actuals.join(QStringLiteral(", ")));
@@ -471,11 +472,11 @@ Mend MendOfNames(const Context& context, const Callee& callee,
     for (const NamedValue& value : values) {
         mend.push_back(BlankOut(context.source, value.sign));
     }
-    const bool isInOrder = std::equal(
-        values.begin(), values.end(), callee.formals.begin(), callee.formals.end(),
-        [](const NamedValue& value, const Formal& formal) {
-            return value.name.compare(formal.name, Qt::CaseInsensitive) == 0;
-        });
+    const bool isInOrder =
+        std::equal(values.begin(), values.end(), callee.formals.begin(), callee.formals.end(),
+                   [](const NamedValue& value, const Formal& formal) {
+                       return value.name.compare(formal.name, Qt::CaseInsensitive) == 0;
+                   });
     return isInOrder ? mend : Mend();
 }
 
@@ -508,7 +509,8 @@ Maybe CallOfInstance(const Context& context) {
     const bool isNamed = Near(context, 0).is(TOKEN_LEFT_PARENTHESIS) &&
                          Near(context, 1).is(TOKEN_IDENTIFIER) &&
                          Near(context, 2).is(TOKEN_ASSIGN);
-    if (word.span.isEmpty() || !isNamed || OpenStatement(context)->kind != TOKEN_IDENTIFIER) {
+    if (word.span.isEmpty() || !isNamed ||
+        OpenStatement(context)->span.begin != word.span.begin) {
         return std::nullopt;
     }
     return Say(QStringLiteral("there is no function block %1 above, and function blocks have no "

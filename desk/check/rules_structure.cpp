@@ -517,8 +517,8 @@ Maybe SectionOutside(const Context& context) {
                    .arg(Code(Near(context, 0))));
 }
 
-// A constant for each name of an enumeration, from the piece after its "("; for the first alone if
-// one has a number of its own.
+// A constant for each name of an enumeration, from the piece after its "("; for the first alone
+// if one has a number of its own.
 QString ConstantsOfEnumeration(const Context& context, int index) {
     const QString form = QStringLiteral("CONSTANT %1 : INT := %2;");
     const QString first = form.arg(PieceAt(context, index).text.toString()).arg(0);
@@ -545,8 +545,9 @@ Span SpanOfTypes(const Context& context) {
 
 QString AdviceOnEnumeration(const Context& context) {
     constexpr int first = 4;
-    return QStringLiteral("there are no enumerations: use `INT` for %1, and a constant for each "
-                          "name, as in `%2`; a label of `CASE` is the number itself")
+    return QStringLiteral(
+               "there are no enumerations: use `INT` for %1, and a constant for each "
+               "name, as in `%2`; a label of `CASE` is the number itself")
         .arg(Code(Near(context, 1)), ConstantsOfEnumeration(context, context.here + first));
 }
 
@@ -560,7 +561,8 @@ QString AdviceOnType(const Context& context) {
         return AdviceOnEnumeration(context);
     }
     if (type.isSpelled("STRUCT"_L1)) {
-        return QStringLiteral("there are no structures: declare a variable for each part of each %1")
+        return QStringLiteral(
+                   "there are no structures: declare a variable for each part of each %1")
             .arg(Code(Near(context, 1)));
     }
     return IsTypeName(type) ? QStringLiteral("types have no other names: write %1 for %2")

@@ -125,8 +125,7 @@ Maybe ForeignComment(const Context& context) {
         QStringLiteral("a comment is written `(* ... *)`, or `// ...` up to the end of "
                        "the line"),
         {},
-        Without(context, isOther ? RestOfLine(context)
-                                 : UpTo(context, QStringLiteral("*/"))));
+        Without(context, isOther ? RestOfLine(context) : UpTo(context, QStringLiteral("*/"))));
 }
 
 Maybe Braces(const Context& context) {

@@ -134,10 +134,26 @@ Token EndOf(Token begin) {
 
 namespace {
 
+// A type of numbers that other dialects have, and what holds the same values.
+struct ForeignType {
+    QLatin1String name;
+    Typ type;
+};
+
+constexpr ForeignType FOREIGN_TYPES[] = {
+    {"BYTE"_L1, TYP_USINT}, {"WORD"_L1, TYP_UINT},  {"DWORD"_L1, TYP_UDINT},
+    {"LINT"_L1, TYP_LREAL}, {"TIME"_L1, TYP_UDINT},
+};
+
 Typ TypeNamed(const QString& name) {
     for (const typ& row : TypsTable) {
-        if (name.compare(row.name, Qt::CaseInsensitive) == 0) {
+        if (name == row.name) {
             return row.code;
+        }
+    }
+    for (const ForeignType& row : FOREIGN_TYPES) {
+        if (name == row.name) {
+            return row.type;
         }
     }
     return TYP_NONE;

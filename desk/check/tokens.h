@@ -48,7 +48,8 @@ bool IsBoundary(Token code);
 // The END_ word of a unit or a compound statement.
 Token EndOf(Token begin);
 
-// The two types in the name of a conversion, such as INT_TO_REAL; TYP_NONE for what is none.
+// The two types in the name of a conversion, such as INT_TO_REAL, or those that stand for them
+// here; TYP_NONE for what is none.
 struct Conversion {
     Typ from;
     Typ to;
