@@ -11,6 +11,7 @@
 struct Edit {
     Span span;  // empty where something is put in
     QString text;
+    bool isMend = false;  // whether it is what the script should have: nothing follows from it
 };
 
 // A text of the same extent as a piece: the neutral text, then blanks, with the line feeds of the

@@ -186,8 +186,9 @@ bool FileCheck::isAtError(const Facts& facts) const {
 
 // Whether the script has ended where its rest was taken out. The place is the last token.
 bool FileCheck::isEndAfterEdit(const Facts& facts) const {
-    return IsKind(ErrorOf(facts), TXT_UNEXPECTED_END_OF_INPUT_FILE) &&
-           edits_.all().back().span.end > edits_.originalBegin(ErrorOf(facts).place);
+    const Edit& last = edits_.all().back();
+    return IsKind(ErrorOf(facts), TXT_UNEXPECTED_END_OF_INPUT_FILE) && !last.isMend &&
+           last.span.end > edits_.originalBegin(ErrorOf(facts).place);
 }
 
 // Whether the error is in a text that replaced another, or at the first token after it: then the
@@ -198,7 +199,7 @@ bool FileCheck::isAtEdit(const Facts& facts) const {
     const int before = index == 0 ? 0 : edits_.originalBegin(tokens.span(index - 1).end);
     const int place = edits_.originalBegin(facts.error.token.begin);
     return std::any_of(edits_.all().begin(), edits_.all().end(), [&](const Edit& edit) {
-        const bool isNeutral = edit.text.trimmed().isEmpty();
+        const bool isNeutral = edit.isMend || edit.text.trimmed().isEmpty();
         const bool isAfter = edit.span.end <= place && edit.span.end >= before;
         return (place >= edit.span.begin && place < edit.span.end) || (isAfter && !isNeutral);
     });
@@ -251,9 +252,12 @@ int FileCheck::unitAt(const Facts& facts, int place) const {
 
 // Does what a help says, if it says that for certain: the rest of the piece is then compiled too.
 bool FileCheck::mend(const Facts& facts, const std::vector<Help>& helps) {
-    const bool isCertain = !helps.empty() && !helps.front().mend.empty();
+    Repair asSaid = {helps.empty() ? std::vector<Edit>() : helps.front().mend, {}, {}, {}};
+    for (Edit& edit : asSaid.edits) {
+        edit.isMend = true;
+    }
     const int unit = unitAt(facts, facts.error.token.begin);
-    return isCertain && roundsLeft_ > 0 && apply({helps.front().mend, {}, {}, {}}, unit);
+    return !asSaid.edits.empty() && roundsLeft_ > 0 && apply(asSaid, unit);
 }
 
 bool FileCheck::repair(const Facts& facts) {
@@ -278,7 +282,7 @@ bool FileCheck::repair(const Facts& facts) {
 bool FileCheck::apply(const Repair& repair, int unit) {
     std::vector<Edit> originals;
     for (const Edit& edit : repair.edits) {
-        originals.push_back({edits_.original(edit.span), edit.text});
+        originals.push_back({edits_.original(edit.span), edit.text, edit.isMend});
     }
     for (Edit& edit : originals) {
         edits_.add(std::move(edit));

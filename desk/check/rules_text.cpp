@@ -209,8 +209,11 @@ Maybe ExponentWithoutPoint(const Context& context) {
     if (!IsMatch(exponent, "e[+-]?[0-9]+")) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a real number needs a point: write `%1.0%2`")
-                   .arg(Near(context, -1).text, exponent));
+    const Span number = {Near(context, -1).span.begin,
+                         Near(context, -1).span.end + static_cast<int>(exponent.size())};
+    const QString real = QStringLiteral("%1.0%2").arg(Near(context, -1).text, exponent);
+    return SayOfText(QStringLiteral("a real number needs a point: write `%1`").arg(real), {},
+                     {{number, real}});
 }
 
 // What "0xFF", "0b11" and "0o17" are called here; empty for anything else.
