@@ -73,7 +73,7 @@ class Spoken:
     def is_in(self, line):
         """Whether the line has one of the names, or one made of it, such as that of an element."""
         words = words_in(line)
-        made = {re.sub(r"(_.*|\d+)$", "", word) for word in words}
+        made = {re.sub(r"\d*(_.*)?$", "", word) for word in words}
         return bool((words | made) & self.words)
 
     def has(self, lines, index):
