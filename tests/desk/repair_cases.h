@@ -930,3 +930,173 @@ VAR b : INT := 0; END_VAR
     };
     return CASES;
 }
+
+// After a slip whose mend is certain the rest of its piece is checked as well.
+inline const std::vector<RepairCase>& MendCases() {
+    static const std::vector<RepairCase> CASES = {
+        {"functions that are not built in, within each other", R"(PROGRAM P
+VAR
+    a : REAL := 0.0;
+    n : INT := 0;
+END_VAR
+    a := MIN(MAX(a, 1_0), n) + ABS(a) * gone; //!!!!!
+    n := REAL_TO_INT(a) MOD 3 + 1_0; //!!
+    IF INT_TO_BOOL(n) AND BOOL_TO_INT(n > 1) = 1 THEN n := ; END_IF; //!!!
+    n := WORD_TO_INT(n) + ; //!!
+END_PROGRAM
+)"},
+        {"nothing follows from a function that is not built in", R"(PROGRAM P
+VAR
+    a : BOOL := FALSE;
+    n : INT := 0;
+END_VAR
+    a := SEL(a, a, n > 0); //!
+    n := n MOD LIMIT(0, n, 3); //!
+    n := LIMIT(0);
+    a := ; //!
+END_PROGRAM
+)"},
+        {"the result under the name of the function", R"(FUNCTION F : INT
+VAR_ARG x : INT; END_VAR
+    F := x + gone; //!!
+END_FUNCTION
+PROGRAM P
+VAR b : INT := 0; END_VAR
+    b := F(b);
+    b := ; //!
+END_PROGRAM
+)"},
+        {"signs and numbers of other languages", R"(PROGRAM P
+VAR
+    a : INT := 0;
+    b : BOOL := FALSE;
+    t : TON; //!
+END_VAR
+    b := a == 1 AND b = b2; //!!!
+    IF t.Q && b THEN a := 1; END_IF;
+    IF b && t == 1_000 || (a != 2) THEN a := ; END_IF; //!!!!!!
+    a = 2 + gone; //!!
+    a := 1E9 + 2E3; //!!
+END_PROGRAM
+)"},
+        {"comparisons before logic", R"(PROGRAM P
+VAR
+    a : REAL := 0.0;
+    b : BOOL := FALSE;
+END_VAR
+    b := a > 1.0 AND a < 2.0 AND NOT a = 3.0 OR gone; //!!
+    IF NOT (a > 1.0 AND a < 2.0)) THEN b := ; END_IF; //!!!
+END_PROGRAM
+)"},
+        {"parameters by name", R"(FUNCTION F : REAL
+VAR_ARG
+    x : REAL;
+    y : REAL;
+END_VAR
+    RESULT := x + y;
+END_FUNCTION
+PROGRAM P
+VAR a : REAL := 0.0; END_VAR
+    a := F(x := a, y := gone); //!!
+    a := F(y := a, x := 1.0); //!
+    a := ; //!
+END_PROGRAM
+)"},
+        {"elements of an array that is refused", R"(PROGRAM P
+VAR
+    a : ARRAY[0..3] OF REAL; //!
+    b : BOOL := FALSE;
+END_VAR
+    a[0] := a[1] + a[2] * gone; //!
+    b := a[b + 1] > 2.0;
+    b := b[1]; //!
+    a := ; //!
+END_PROGRAM
+)"},
+        {"types and variables outside of the units", R"(TYPE Mode : (off, on); END_TYPE //!
+VAR_GLOBAL //!
+    total : INT;
+END_VAR
+TYPE //!
+    Pump : STRUCT
+        speed : REAL;
+    END_STRUCT;
+END_TYPE
+PROGRAM P
+VAR
+    m : Mode := off;
+    p : Pump;
+    a : INT := 0;
+END_VAR
+    m := on;
+    total := total + 1;
+    CASE m OF
+        off: a := 1;
+        on: a := 2;
+    END_CASE;
+    a := speed; //!
+END_PROGRAM
+)"},
+        {"comments and pragmas of other languages", R"({attribute 'hide'} //!
+FUNCTION F : INT
+VAR END_VAR
+    RESULT := 1;
+END_FUNCTION; //!
+/* main */ //!
+PROGRAM P
+VAR a : INT := 0; END_VAR
+    {warn} a := ; //!!
+    /* text */ a := ; //!!
+#region one //!
+    a := F() + ; //!
+#endregion //!
+END_PROGRAM
+)"},
+        {"the end of a program after a directive", R"(PROGRAM P
+VAR a : INT := 0; END_VAR
+    CASE a OF
+        1: a := 2;
+    ELSE: a := ; //!!
+    END_CASE; //!
+#endregion //!
+)"},
+        {"sections of a block that go by other words", R"(FUNCTION_BLOCK B
+VAR_INPUT //!
+    x : INT;
+END_VAR
+VAR_OUTPUT //!
+    y : INT;
+END_VAR
+    y := x;
+END_FUNCTION_BLOCK
+PROGRAM P
+VAR
+    first : B; //!
+    a : INT := 0;
+END_VAR
+    B(1, a);
+    B(1); //!
+END_PROGRAM
+)"},
+        {"types that have another name", R"(PROGRAM P
+VAR
+    w : WORD := 16#FF; //!
+    b : BOOLEAN := FALSE; //!
+END_VAR
+    w.3 := TRUE; //!
+    b := w; //!
+END_PROGRAM
+)"},
+        {"words that are nearly right", R"(PROGRAM P
+VAR a : INT := 0; END_VAR
+    REPAET
+        a := a + 1; //!
+        IF a > 1 THEN a := ; ENDIF; //!!
+    UNTIL a > 3 END_REPEAT;
+    WHILE a > 0 DO a := a - 1; WEND; //!
+    a := ; //!
+END_PROGRAM
+)"},
+    };
+    return CASES;
+}

@@ -109,6 +109,10 @@ TEST(Repair, Statements) {
     ExpectMarkedErrors(StatementCases());
 }
 
+TEST(Repair, Mends) {
+    ExpectMarkedErrors(MendCases());
+}
+
 TEST(Repair, Heads) {
     ExpectMarkedErrors(HeadCases());
 }
@@ -124,6 +128,7 @@ TEST(Repair, Units) {
 TEST(Repair, TheFirstErrorIsThatOfTheFirstCompile) {
     ExpectErrorOfCompilerFirst(DeclarationCases());
     ExpectErrorOfCompilerFirst(StatementCases());
+    ExpectErrorOfCompilerFirst(MendCases());
     ExpectErrorOfCompilerFirst(HeadCases());
     ExpectErrorOfCompilerFirst(StructureCases());
     ExpectErrorOfCompilerFirst(UnitCases());

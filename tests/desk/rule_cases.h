@@ -986,8 +986,8 @@ END_VAR
     END_IF;
 END_PROGRAM
 )"),
-         "there are no edge detectors: remember the last value in a `BOOL := FALSE` and compare", "",
-         Script(R"(
+         "there are no edge detectors: remember the last value in a `BOOL := FALSE` and compare",
+         "", Script(R"(
 PROGRAM Demo
 VAR
     rise : TRIGGER;
