@@ -182,6 +182,20 @@ QString Code(Token code) {
     return Code(QString(TokensTable[Lookup(code)].text));
 }
 
+QString ConstantsOfEnumeration(const Context& context, int index) {
+    const QString form = QStringLiteral("CONSTANT %1 : INT := %2;");
+    const QString first = form.arg(PieceAt(context, index).text.toString()).arg(0);
+    QStringList constants;
+    for (; PieceAt(context, index).is(TOKEN_IDENTIFIER); index += 2) {
+        constants.append(form.arg(PieceAt(context, index).text.toString()).arg(constants.size()));
+        if (!PieceAt(context, index + 1).is(TOKEN_COMMA)) {
+            break;
+        }
+    }
+    const bool isPlain = PieceAt(context, index + 1).is(TOKEN_RIGHT_PARENTHESIS);
+    return isPlain ? constants.join(u' ') : first;
+}
+
 // ---------------------------------------------------------------------------------------------
 // What is open
 // ---------------------------------------------------------------------------------------------

@@ -90,6 +90,10 @@ QString Code(QStringView text);
 QString Code(const Piece& piece);
 QString Code(Token code);  // its text as a reserved word or punctuation
 
+// A constant for each name of an enumeration, from the piece after its "("; for the first alone
+// if one has a number of its own.
+QString ConstantsOfEnumeration(const Context& context, int index);
+
 // ---------------------------------------------------------------------------------------------
 // What is open
 // ---------------------------------------------------------------------------------------------

@@ -133,7 +133,12 @@ bool FileCheck::dependsOnEdits(const Facts& facts, const MessageFact& message) c
                         : source_.text(edit.span).contains(name, Qt::CaseInsensitive);
     };
     const std::vector<Edit>& all = edits_.all();
-    const bool isPutIn = edits_.original({message.place, message.place + 1}).isEmpty();
+    const Span place = edits_.original({message.place, message.place + 1});
+    const auto holdsPlace = [&place](const Edit& edit) {
+        return !edit.isMend && place.begin >= edit.span.begin && place.end <= edit.span.end;
+    };
+    const bool isPutIn =
+        std::any_of(edits_.all().begin(), edits_.all().end(), holdsPlace) || place.isEmpty();
     return isPutIn || isDoubtfulName(unitAt(facts, message.place), name) || isProposed(name) ||
            std::any_of(all.begin(), all.end(), mentions);
 }

@@ -64,12 +64,16 @@ int LastOfPiece(const Scene& scene, int first, SeemsToBegin seemsToBegin) {
 }
 
 // The end of a piece by its last token. What could not be read belongs to it; a string that is
-// left open takes the rest of its line.
+// left open, which is no token, takes the rest of its line.
 int EndOfPiece(const Scene& scene, int last) {
     const int end = scene.tokens.span(last).end;
     const Span unread = scene.facts.error.token;
     if (scene.isError(TXT_UNTERMINATED_STRING)) {
         return scene.source.lineAt(scene.source.placeOf(unread.begin).line).end;
+    }
+    const Span rest = {end, scene.source.lineAt(scene.source.placeOf(end - 1).line).end};
+    if (scene.source.text(rest).trimmed().startsWith(u'\'')) {
+        return rest.end;
     }
     const bool isRead = scene.tokens.span(scene.error).begin == unread.begin;
     return isRead ? end : std::max(end, unread.end);
@@ -275,6 +279,22 @@ QStringList NamesDeclared(const Scene& scene, int first, int last) {
     return names;
 }
 
+// The names in parentheses after the ":" of a declaration, as those of an enumeration.
+QStringList NamesListed(const Scene& scene, int first, int last) {
+    QStringList names;
+    while (first < last && !scene.tokens.is(first, TOKEN_COLON)) {
+        ++first;
+    }
+    for (int index = first + 1; index <= last; ++index) {
+        const bool isListed =
+            scene.tokens.isOneOf(index - 1, {TOKEN_LEFT_PARENTHESIS, TOKEN_COMMA});
+        if (isListed && scene.isUndeclared(index)) {
+            names.append(scene.tokens.text(index).toString());
+        }
+    }
+    return names;
+}
+
 // Declares again what the declaration was to declare. Of an unknown type all that is said of the
 // names is doubtful.
 Repair RedeclareNames(const Scene& scene, int first, int last, Span span) {
@@ -287,7 +307,7 @@ Repair RedeclareNames(const Scene& scene, int first, int last, Span span) {
     }
     Repair repair = TakeOut(scene, span, text);
     if (type == TYP_NONE) {
-        repair.doubtfulNames = names;
+        repair.doubtfulNames = names + NamesListed(scene, first, last);
     }
     if (scene.isError(TXT_ARRAY_DISABLED_IN_CURRENT_VERTION)) {
         repair.arrays = names;

@@ -65,6 +65,42 @@ Maybe MissingColon(const Context& context) {
                After(Near(context, -1)));
 }
 
+// The name before the ":" that stands so many pieces before the error.
+Piece NameBeforeColon(const Context& context, int distance) {
+    const bool isThere = IsDeclaring(context) && Near(context, -distance).is(TOKEN_COLON);
+    return isThere ? Near(context, -distance - 1) : Piece();
+}
+
+Maybe Enumeration(const Context& context) {
+    const Piece name = NameBeforeColon(context, 1);
+    if (!Near(context, 0).is(TOKEN_LEFT_PARENTHESIS) || !Near(context, 1).is(TOKEN_IDENTIFIER) ||
+        !name.is(TOKEN_IDENTIFIER)) {
+        return std::nullopt;
+    }
+    return Say(QStringLiteral("there are no enumerations: write `%1 : INT`, and a constant for "
+                              "each name, as in `%2`; a label of `CASE` is the number itself")
+                   .arg(name.text, ConstantsOfEnumeration(context, context.here + 1)));
+}
+
+Maybe RangeOfType(const Context& context) {
+    const bool isAfterType =
+        IsTypeName(Near(context, -1)) && !NameBeforeColon(context, 2).span.isEmpty();
+    int last = context.here;
+    while (PieceAt(context, last)
+               .isOneOf({TOKEN_LEFT_PARENTHESIS, TOKEN_NUMBER, TOKEN_MINUS, TOKEN_DOT_DOT,
+                         TOKEN_IDENTIFIER})) {
+        ++last;
+    }
+    const Span span = {Near(context, 0).span.begin, PieceAt(context, last).span.end};
+    if (!isAfterType || !Near(context, 0).is(TOKEN_LEFT_PARENTHESIS) ||
+        !PieceAt(context, last).is(TOKEN_RIGHT_PARENTHESIS)) {
+        return std::nullopt;
+    }
+    return SayAndMend(QStringLiteral("a type has neither a range nor a size: leave out `%1`")
+                          .arg(context.source.text(span).toString()),
+                      span, {BlankOut(context.source, span)});
+}
+
 Maybe MissingType(const Context& context) {
     const bool hasValue = Expects(context, TOKEN_COLON) && Near(context, 0).is(TOKEN_ASSIGN);
     const bool hasColon = IsError(context, TXT_IDENTIFIER_EXPECTED_BUT) &&
@@ -502,6 +538,8 @@ Rules RulesOfDeclarations() {
             {"several-names"_L1, SeveralNames},
             {"type-before-name"_L1, TypeBeforeName},
             {"missing-colon"_L1, MissingColon},
+            {"enumeration"_L1, Enumeration},
+            {"range-of-type"_L1, RangeOfType},
             {"missing-type"_L1, MissingType},
             {"double-semicolon"_L1, MissingName},
             {"comment-before-name"_L1, CommentBeforeName},

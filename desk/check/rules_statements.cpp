@@ -75,17 +75,20 @@ Maybe ChainedAssignment(const Context& context) {
 // ---------------------------------------------------------------------------------------------
 
 Maybe StepOfFor(const Context& context) {
-    if (!Expects(context, TOKEN_DO) || !Near(context, 0).isSpelled("BY"_L1)) {
+    const Piece word = Near(context, 0);
+    if (!Expects(context, TOKEN_DO) || !word.isSpelledOneOf({"BY"_L1, "STEP"_L1})) {
         return std::nullopt;
     }
     const bool isOne = Near(context, 1).text == QLatin1String("1");
     const bool isBack =
         Near(context, 1).is(TOKEN_MINUS) && Near(context, 2).text == QLatin1String("1");
-    return Say(isOne    ? QStringLiteral("the step is always 1: leave out `BY 1`")
-               : isBack ? QStringLiteral("there is no `BY`: count down with `DOWNTO` in place of "
-                                         "`TO`")
-                        : QStringLiteral("there is no `BY`, the step is always 1: use a `WHILE` "
-                                         "loop for any other"));
+    return Say((isOne ? QStringLiteral("the step is always 1: leave out `%1 1`")
+                : isBack
+                    ? QStringLiteral("there is no `%1`: count down with `DOWNTO` in place of "
+                                     "`TO`")
+                    : QStringLiteral("there is no `%1`, the step is always 1: use a `WHILE` "
+                                     "loop for any other"))
+                   .arg(word.text));
 }
 
 Maybe BoundsOfFor(const Context& context) {
@@ -220,8 +223,9 @@ QString ValueOfConstant(const Context& context, const Piece& name) {
 Maybe NameAsLabel(const Context& context) {
     const bool isLabel =
         IsError(context, TXT_ORDINAL_TYPE_REQUIRED) && !Near(context, 0).is(TOKEN_OF);
-    const bool isLater = IsError(context, TXT_DUPLICATE_VARIABLE_NAME) && !IsDeclaring(context) &&
-                         Near(context, 0).is(TOKEN_COLON);
+    const bool isLater =
+        IsErrorOneOf(context, {TXT_DUPLICATE_VARIABLE_NAME, TXT_LABEL_ALREADY_DEFINED}) &&
+        !IsDeclaring(context) && Near(context, 0).is(TOKEN_COLON);
     const Piece name = Near(context, isLater ? -1 : 0);
     if (!IsInCase(context) || (!isLabel && !isLater) || !name.is(TOKEN_IDENTIFIER)) {
         return std::nullopt;

@@ -517,22 +517,6 @@ Maybe SectionOutside(const Context& context) {
                    .arg(Code(Near(context, 0))));
 }
 
-// A constant for each name of an enumeration, from the piece after its "("; for the first alone
-// if one has a number of its own.
-QString ConstantsOfEnumeration(const Context& context, int index) {
-    const QString form = QStringLiteral("CONSTANT %1 : INT := %2;");
-    const QString first = form.arg(PieceAt(context, index).text.toString()).arg(0);
-    QStringList constants;
-    for (; PieceAt(context, index).is(TOKEN_IDENTIFIER); index += 2) {
-        constants.append(form.arg(PieceAt(context, index).text.toString()).arg(constants.size()));
-        if (!PieceAt(context, index + 1).is(TOKEN_COMMA)) {
-            break;
-        }
-    }
-    const bool isPlain = PieceAt(context, index + 1).is(TOKEN_RIGHT_PARENTHESIS);
-    return isPlain ? constants.join(u' ') : first;
-}
-
 // Up to END_TYPE, where that comes.
 Span SpanOfTypes(const Context& context) {
     int index = context.here;

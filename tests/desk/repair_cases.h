@@ -1087,6 +1087,23 @@ END_VAR
     b := w; //!
 END_PROGRAM
 )"},
+        {"enumerations, ranges and texts of variables", R"(PROGRAM P
+VAR
+    m : (off, on) := off; //!
+    r : INT(0..5) := 0; //!
+    s : STRING := 'abc; //!
+    t : STRING(20) := 'a'; //!
+    b : BOOL := FALSE;
+END_VAR
+    m := on;
+    CASE m OF
+        off: b := TRUE;
+        on: b := FALSE;
+    END_CASE;
+    s := 'a';
+    r := r + ; //!
+END_PROGRAM
+)"},
         {"words that are nearly right", R"(PROGRAM P
 VAR a : INT := 0; END_VAR
     REPAET

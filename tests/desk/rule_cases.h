@@ -702,6 +702,39 @@ VAR
 END_VAR
 END_PROGRAM
 )")},
+        {"enumeration", Script(R"(
+PROGRAM Demo
+VAR
+    mode : (off, on) := off;
+END_VAR
+    mode := on;
+END_PROGRAM
+)"),
+         "there are no enumerations: write `mode : INT`, and a constant for each name, as in "
+         "`CONSTANT off : INT := 0; CONSTANT on : INT := 1;`; a label of `CASE` is the number "
+         "itself",
+         "", Script(R"(
+PROGRAM Demo
+VAR
+    mode : (1, 2);
+END_VAR
+END_PROGRAM
+)")},
+        {"range-of-type", Script(R"(
+PROGRAM Demo
+VAR
+    retries : INT (0..5) := 0;
+END_VAR
+    retries := 1;
+END_PROGRAM
+)"),
+         "a type has neither a range nor a size: leave out `(0..5)`", "(0..5)", Script(R"(
+PROGRAM Demo
+VAR
+    retries : INT (0..5 := 0;
+END_VAR
+END_PROGRAM
+)")},
         {"missing-type", Script(R"(
 PROGRAM Demo
 VAR
@@ -1138,7 +1171,7 @@ FOR count := 10 TO 1 BY -1 DO
 END_FOR;
 )"),
          "there is no `BY`: count down with `DOWNTO` in place of `TO`", "", Statements(R"(
-FOR count := 10 TO 1 STEP 2 DO
+FOR count := 10 TO 1 UP 2 DO
     level := level + count;
 END_FOR;
 )")},

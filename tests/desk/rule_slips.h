@@ -645,6 +645,19 @@ END_PROGRAM
          "TYPE Mode : (off := 1, on := 4); END_TYPE"},
         {"name-as-label", Lines(R"(
     CASE a OF
+        1: busy: a := 1;
+        busy: a := 2;
+    END_CASE;
+)"),
+         "a label of `CASE` is a number: write one for `busy`", "busy"},
+        {"step-of-for", Lines(R"(
+    FOR i := 0 TO 10 STEP 2 DO
+        b := i;
+    END_FOR;
+)"),
+         "there is no `STEP`, the step is always 1: use a `WHILE` loop for any other", ""},
+        {"name-as-label", Lines(R"(
+    CASE a OF
         limit: a := 1;
     END_CASE;
 )"),
