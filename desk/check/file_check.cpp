@@ -257,7 +257,10 @@ int FileCheck::unitAt(const Facts& facts, int place) const {
 
 // Does what a help says, if it says that for certain: the rest of the piece is then compiled too.
 bool FileCheck::mend(const Facts& facts, const std::vector<Help>& helps) {
-    Repair asSaid = {helps.empty() ? std::vector<Edit>() : helps.front().mend, {}, {}, {}};
+    // A type that stands for another may be a wrong guess.
+    const bool isHead = facts.open.unit != NONE && facts.open.statement == NONE;
+    Repair asSaid = isHead ? FindRepair(edited_, facts) : Repair();
+    asSaid.edits = helps.empty() ? std::vector<Edit>() : helps.front().mend;
     for (Edit& edit : asSaid.edits) {
         edit.isMend = true;
     }

@@ -107,6 +107,19 @@ Maybe ForeignArithmetic(const Context& context) {
     return std::nullopt;
 }
 
+Maybe Dereference(const Context& context) {
+    const Piece sign = Near(context, 0);
+    const Piece name = Near(context, -1);
+    if (sign.text != QLatin1String("^") || !name.is(TOKEN_IDENTIFIER) ||
+        CanBeginValue(Near(context, 1)) || OpenStatement(context) == nullptr) {
+        return std::nullopt;
+    }
+    return SayOfText(QStringLiteral("there are no pointers: write %1 alone, and pass a variable "
+                                    "by reference, in `VAR_REF`")
+                         .arg(Code(name)),
+                     {name.span.begin, sign.span.end}, {BlankOut(context.source, sign.span)});
+}
+
 Maybe ConditionalOperator(const Context& context) {
     if (Near(context, 0).text != QLatin1String("?") || OpenStatement(context) == nullptr) {
         return std::nullopt;
@@ -179,11 +192,12 @@ Maybe BitAsTarget(const Piece& name, const Piece& bit, Span span) {
     if (!isNumber || number > last) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a bit has no name of its own: set it with `%1 := %1 OR %2;`, "
-                              "clear it with `%1 := %1 OR %2; %1 := %1 XOR %2;`")
-                   .arg(name.text)
-                   .arg(1U << number),
-               span);
+    return SayOfText(
+        QStringLiteral("a bit has no name of its own: set it with `%1 := %1 OR %2;`, "
+                       "clear it with `%1 := %1 OR %2; %1 := %1 XOR %2;`")
+            .arg(name.text)
+            .arg(1U << number),
+        span, {});
 }
 
 Maybe BitOfVariable(const Context& context) {
@@ -196,8 +210,10 @@ Maybe BitOfVariable(const Context& context) {
         return std::nullopt;
     }
     const Span span = {name.span.begin, bit.span.end};
+    const NameFact* const variable = VariableNamed(context, name.text);
     if (Expects(context, TOKEN_ASSIGN)) {
-        return BitAsTarget(name, bit, span);
+        const bool isInteger = variable != nullptr && IsTypOrdinal(variable->type);
+        return isInteger ? BitAsTarget(name, bit, span) : std::nullopt;
     }
     return Say(QStringLiteral("a bit has no name of its own: write `((%1 SHR %2) AND 1) = 1`")
                    .arg(name.text, bit.text.mid(1)),
@@ -547,6 +563,7 @@ Rules RulesOfOperators() {
             {"foreign-comparison"_L1, ForeignComparison},
             {"foreign-logic"_L1, ForeignLogic},
             {"foreign-arithmetic"_L1, ForeignArithmetic},
+            {"dereference"_L1, Dereference},
             {"conditional-operator"_L1, ConditionalOperator},
             {"operator-as-function"_L1, ShiftAsFunction},
             {"index"_L1, Index},

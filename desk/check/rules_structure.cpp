@@ -230,12 +230,20 @@ bool BeginsNext(const Context& context) {
                                      : CanBeginStatement(word) || word.is(TOKEN_CONSTANT);
 }
 
+// Whether the next branch of an open CASE begins.
+bool IsLabelOnNextLine(const Context& context) {
+    const bool isLabel =
+        Near(context, 0).is(TOKEN_NUMBER) && Near(context, 1).isOneOf({TOKEN_COLON, TOKEN_COMMA});
+    return isLabel && IsOpen(context, TOKEN_CASE) && IsFirstOnLine(context, context.here);
+}
+
 Maybe MissingSemicolon(const Context& context) {
     const bool isNextLine = IsFirstOnLine(context, context.here) && BeginsNext(context);
     const bool isAssignment = Near(context, 0).is(TOKEN_IDENTIFIER) &&
                               Near(context, 1).is(TOKEN_ASSIGN) &&
                               !TouchesPrevious(context, context.here);
-    const bool isNext = isNextLine || isAssignment || IsClosing(Near(context, 0));
+    const bool isNext =
+        isNextLine || isAssignment || IsClosing(Near(context, 0)) || IsLabelOnNextLine(context);
     if (!Expects(context, TOKEN_SEMICOLON) || !isNext || !CanEndStatement(Near(context, -1))) {
         return std::nullopt;
     }

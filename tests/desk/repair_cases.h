@@ -1084,7 +1084,8 @@ VAR
     b : BOOLEAN := FALSE; //!
 END_VAR
     w.3 := TRUE; //!
-    b := w; //!
+    b := w;
+    b := ; //!
 END_PROGRAM
 )"},
         {"enumerations, ranges and texts of variables", R"(PROGRAM P

@@ -1510,6 +1510,14 @@ count := count % 2;
          "the remainder of a division is written `MOD`", "", Statements(R"(
 count := 50%;
 )")},
+        {"dereference", Statements(R"(
+count := level^;
+)"),
+         "there are no pointers: write `level` alone, and pass a variable by reference, in "
+         "`VAR_REF`",
+         "level^", Statements(R"(
+count := ^level;
+)")},
         {"conditional-operator", Statements(R"(
 count := ready ? 1 : 2;
 )"),

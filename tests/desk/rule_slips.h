@@ -643,6 +643,18 @@ END_PROGRAM
          "there are no enumerations: use `INT` for `Mode`, and a constant for each name, as in "
          "`CONSTANT off : INT := 0;`; a label of `CASE` is the number itself",
          "TYPE Mode : (off := 1, on := 4); END_TYPE"},
+        {"dereference", Lines(R"(
+    i^ := 2;
+)"),
+         "there are no pointers: write `i` alone, and pass a variable by reference, in `VAR_REF`",
+         "i^"},
+        {"missing-semicolon", Lines(R"(
+    CASE a OF
+        1: i := 2
+        2, 3: i := 3;
+    END_CASE;
+)"),
+         "a `;` is missing after `2`", "\n"},
         {"name-as-label", Lines(R"(
     CASE a OF
         1: busy: a := 1;
