@@ -1082,10 +1082,11 @@ END_PROGRAM
 VAR
     w : WORD := 16#FF; //!
     b : BOOLEAN := FALSE; //!
+    a : INT := 0;
 END_VAR
     w.3 := TRUE; //!
     b := w;
-    b := ; //!
+    a := ; //!
 END_PROGRAM
 )"},
         {"enumerations, ranges and texts of variables", R"(PROGRAM P
