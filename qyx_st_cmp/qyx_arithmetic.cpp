@@ -107,9 +107,11 @@ Typ BinaryOperation(const BinaryOperator& op, const VarsList& vars, Typ type) {
     const NestingGuard guard;
     Match(op.token);
     CheckOperand(op, TXT_LEFT_OPERAND_HAS_TYPE, type);
+    Tell(&Observer::operationBegun, type);
     const Typ rightType = ConvertTyp(type, Scan());
     const Typ merged = ConvertTyp(rightType, MulTerm(vars, rightType));
     CheckOperand(op, TXT_RIGHT_OPERAND_HAS_TYPE, merged);
+    Tell(&Observer::operationEnded, merged);
     EmitStackOperation(op.keyword);
     return merged;
 }
@@ -490,11 +492,19 @@ bool GetBoolean() {
 //
 // QUIRK(number-compared-with-literal): no type is checked here, so a number may be compared
 // with TRUE. Programs rely on it.
-void ComparedLiteral() {
+Typ ComparedLiteral() {
     const char value = GetBoolean() ? '1' : '0';
     Match(TOKEN_TRUE, TOKEN_FALSE);
     Scan();
     EmitLoad(value);
+    return TYP_BOOL;
+}
+
+// An Expression on the right of a comparison; its type is only checked.
+Typ ComparedExpression(const VarsList& vars, Typ left, Typ literal) {
+    const Typ right = Expression(vars, literal);
+    ConvertTyp(left, right);
+    return right;
 }
 
 // Comparison = ( "=" | "<>" | "<" | ">" | "<=" | ">=" ) ( TRUE | FALSE | Expression )
@@ -504,12 +514,11 @@ Typ Comparison(Token code, QLatin1String keyword, const VarsList& vars, Typ type
     if (!IsTypDigit(type) && !IsTypBoolean(type)) {
         AbortIllegal(code, TXT_LEFT_OPERAND_HAS_TYPE, type);
     }
+    Tell(&Observer::operationBegun, type);
     const Typ literal = Scan();
-    if (IsBoolean(TokenChar)) {
-        ComparedLiteral();
-    } else {
-        ConvertTyp(type, Expression(vars, literal));  // only a check
-    }
+    const Typ right =
+        IsBoolean(TokenChar) ? ComparedLiteral() : ComparedExpression(vars, type, literal);
+    Tell(&Observer::operationEnded, right);
     EmitStackOperation(keyword);
     EmitTest();
     return TYP_BOOL;
@@ -595,8 +604,10 @@ Typ NotFactor(const VarsList& vars, Typ type) {
     if (TokenChar != TOKEN_NOT) {
         return MergeUnlessBool(type, BoolFactor(vars, type));
     }
+    Tell(&Observer::operationBegun, TYP_NONE);
     const Typ literal = Scan();
     type = MergeUnlessBool(type, BoolFactor(vars, literal));
+    Tell(&Observer::operationEnded, type);
     EmitNot(type);
     return type;
 }
@@ -608,8 +619,11 @@ Typ NotFactor(const VarsList& vars, Typ type) {
 // it.
 Typ BoolRightOperand(const VarsList& vars, Label& label) {
     const NestingGuard guard;
+    Tell(&Observer::operationBegun, TYP_BOOL);
     const Typ literal = Scan();
-    return MergeUnlessBool(TYP_BOOL, BoolExpression(vars, literal, label));
+    const Typ right = MergeUnlessBool(TYP_BOOL, BoolExpression(vars, literal, label));
+    Tell(&Observer::operationEnded, right);
+    return right;
 }
 
 // The left operand of a Boolean operation must be BOOL. BitTerm has taken the operator already

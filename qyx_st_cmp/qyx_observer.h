@@ -65,6 +65,13 @@ public:
     virtual void labelDefined(const LabelItem& label) = 0;
     virtual void labelUsed(const LabelItem& label) = 0;
 
+    // A binary operation or a NOT begins with its operator, the current token, and ends before
+    // the current token. The types are those that the compiler has for the operands: to the type
+    // of an operand of arithmetic belongs what stands before it in the expression. That on the
+    // left of NOT is TYP_NONE.
+    virtual void operationBegun(Typ left) = 0;
+    virtual void operationEnded(Typ right) = 0;
+
     // An item of target code was written.
     virtual void itemWritten(std::string_view item) = 0;
 

@@ -63,6 +63,7 @@ void Collector::token() {
     const Span span = {offsetOf(TokenPosBeg), endOfRead()};
     facts_.tokens.push_back({span, CodeOfCurrent(), CurrentToken.type});
     identities_.push_back(TokenSpelling == nullptr ? nullptr : TokenSpelling->identity);
+    noteExpression();
 }
 
 void Collector::commentBegun() {
@@ -235,6 +236,63 @@ void Collector::itemWritten(std::string_view item) {
     const int begin = facts_.codes.size();
     facts_.codes.append(item.data(), static_cast<int>(item.size()));
     facts_.items.push_back({{begin, facts_.codes.size()}, currentPart(), facts_.open.statement});
+}
+
+// ---------------------------------------------------------------------------------------------
+// Operations
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+// Whether an expression outside of brackets begins after the token.
+bool BeginsExpression(Token code) {
+    constexpr Token BEGINS[] = {TOKEN_ASSIGN, TOKEN_IF,   TOKEN_ELSIF, TOKEN_WHILE,
+                                TOKEN_UNTIL,  TOKEN_CASE, TOKEN_TO,    TOKEN_DOWNTO};
+    return std::find(std::begin(BEGINS), std::end(BEGINS), code) != std::end(BEGINS);
+}
+
+}  // namespace
+
+// An expression begins after the current token, within it or in place of the one before.
+void Collector::noteExpression() {
+    if (TokenChar == TOKEN_LEFT_PARENTHESIS || TokenChar == TOKEN_LEFT_BRACKET) {
+        expressions_.push_back(facts_.tokens.size());
+    } else if (TokenChar == TOKEN_COMMA || BeginsExpression(TokenChar)) {
+        expressions_.back() = facts_.tokens.size();
+    } else if (TokenChar == TOKEN_RIGHT_PARENTHESIS || TokenChar == TOKEN_RIGHT_BRACKET) {
+        expressions_.resize(std::max<std::size_t>(expressions_.size() - 1, 1));
+    }
+}
+
+// The left operand is all that has been read of the expression, or of the right operand of the
+// operation that is open in it.
+void Collector::operationBegun(Typ left) {
+    const std::size_t op = facts_.tokens.size() - 1;
+    const std::size_t inOperand = operations_.empty() ? 0 : operations_.back().op + 1;
+    operations_.push_back({op, std::max(expressions_.back(), inOperand), left});
+}
+
+void Collector::operationEnded(Typ right) {
+    const OpenOperation open = operations_.back();
+    operations_.pop_back();
+    const std::vector<TokenFact>& tokens = facts_.tokens;
+    const TokenFact& op = tokens[open.op];
+    const Span leftSpan = open.left == open.op
+                              ? Span{op.span.begin, op.span.begin}
+                              : Span{tokens[open.left].span.begin, tokens[open.op - 1].span.end};
+    const Span rightSpan = {tokens[open.op + 1].span.begin, (tokens.end() - 2)->span.end};
+    facts_.operations.push_back(
+        {leftSpan, op.span, rightSpan, op.code, open.leftType, right, facts_.open.statement});
+}
+
+Facts Collector::take() {
+    std::sort(facts_.operations.begin(), facts_.operations.end(),
+              [](const OperationFact& a, const OperationFact& b) {
+                  const Span one = a.span();
+                  const Span other = b.span();
+                  return one.begin != other.begin ? one.begin < other.begin : one.end > other.end;
+              });
+    return std::move(facts_);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -14,7 +14,7 @@ public:
     explicit Collector(const Source& source) : source_(source) {}
 
     // Facts are complete once the compile has ended and what is left has been read.
-    Facts take() { return std::move(facts_); }
+    Facts take();
 
     // The rest of the source is read for its tokens alone.
     void readOn() { isReadingOn_ = true; }
@@ -34,17 +34,27 @@ public:
     void nameUsed(NameUse use, const Spelling& spelling) override;
     void labelDefined(const LabelItem& label) override;
     void labelUsed(const LabelItem& label) override;
+    void operationBegun(Typ left) override;
+    void operationEnded(Typ right) override;
     void itemWritten(std::string_view item) override;
     void expected(std::initializer_list<Token> codes) override;
     void typesRefused(Typ current, Typ next) override;
     void messageGiven(const Message& message) override;
 
 private:
+    struct OpenOperation {
+        std::size_t op;    // the index of its operator
+        std::size_t left;  // that of the first token of its left operand
+        Typ leftType;
+    };
+
     const Source& source_;
     Facts facts_;
-    std::vector<const Identity*> identities_;  // of the tokens, null for those without
-    std::vector<int> parts_;                   // of the open statements, the place of the part
-    int outside_ = 0;                          // where items outside of statements come from
+    std::vector<const Identity*> identities_;     // of the tokens, null for those without
+    std::vector<int> parts_;                      // of the open statements, the place of the part
+    int outside_ = 0;                             // where items outside of statements come from
+    std::vector<std::size_t> expressions_ = {0};  // of those that are open, the first token
+    std::vector<OpenOperation> operations_;
     QHash<const Identity*, int> variables_;    // of the unit, by name
     QHash<const Identity*, int> definitions_;  // of all units, by name
     QHash<const Identity*, int> labels_;       // by the name in upper case
@@ -58,5 +68,6 @@ private:
     int definitionOf(const Spelling& spelling);
     int labelOf(const LabelItem& label);
     Span lastSpanOf(const Identity* identity) const;
+    void noteExpression();
     int& currentPart();
 };

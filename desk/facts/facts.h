@@ -66,6 +66,20 @@ struct DeclarationFact {
     bool isEnded;
 };
 
+// A binary operation, or a NOT, with what the compiler takes for its operands: parentheses,
+// signs, calls and other operations are part of them.
+struct OperationFact {
+    Span left;  // of NOT empty, at its begin
+    Span op;
+    Span right;
+    Token code;     // of the operator
+    Typ leftType;   // of NOT TYP_NONE
+    Typ rightType;  // both as the compiler has them, in arithmetic with what stands before
+    int statement;
+
+    Span span() const { return {left.begin, right.end}; }
+};
+
 // A statement from its first token to its ";", or the ":" of a label.
 struct StatementFact {
     Span span;   // empty at its begin, if it has not ended
@@ -115,6 +129,7 @@ struct Facts {
     std::vector<UseFact> uses;
     std::vector<DeclarationFact> declarations;
     std::vector<StatementFact> statements;
+    std::vector<OperationFact> operations;
     std::vector<ItemFact> items;
     std::vector<MessageFact> messages;  // the error, if there is one, is the last
     ErrorFact error;

@@ -15,6 +15,7 @@ void Pass(Archive& archive, AnyFacts& facts) {
     archive.pass(facts.uses);
     archive.pass(facts.declarations);
     archive.pass(facts.statements);
+    archive.pass(facts.operations);
     archive.pass(facts.items);
     archive.pass(facts.messages);
     archive.pass(facts.error.expected);

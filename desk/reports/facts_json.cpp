@@ -72,6 +72,7 @@ public:
         list("uses", facts_.uses, &FactsPrinter::use);
         list("declarations", facts_.declarations, &FactsPrinter::declaration);
         list("statements", facts_.statements, &FactsPrinter::statement);
+        list("operations", facts_.operations, &FactsPrinter::operation);
         list("items", facts_.items, &FactsPrinter::item);
         list("tokens", facts_.tokens, &FactsPrinter::token);
         list("comments", facts_.comments, &FactsPrinter::comment);
@@ -175,6 +176,25 @@ private:
         reference("parent", fact.parent);
         span(fact.span);
         json_.member("ended", fact.isEnded);
+    }
+
+    void operand(std::string_view key, Span operand, Typ ofType) {
+        json_.key(key);
+        json_.beginObject();
+        type(ofType);
+        span(operand);
+        json_.endObject();
+    }
+
+    void operation(const OperationFact& fact) {
+        json_.member("operator", TextOfToken(fact.code));
+        json_.member("statement", fact.statement);
+        place("at", fact.op.begin);
+        if (!fact.left.isEmpty()) {
+            operand("left", fact.left, fact.leftType);
+        }
+        operand("right", fact.right, fact.rightType);
+        span(fact.span());
     }
 
     void item(const ItemFact& fact) {

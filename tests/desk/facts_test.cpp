@@ -85,6 +85,108 @@ TEST(Compile, TypesAndDefinitionsHaveTheirOwnCodes) {
     }
 }
 
+// ---------------------------------------------------------------------------------------------
+// Operations
+// ---------------------------------------------------------------------------------------------
+
+// Each operation of statements as "[left] operator [right]", the operands as they are written.
+QStringList OperationsOf(const QString& statements) {
+    const Source source(
+        QStringLiteral("test"),
+        QStringLiteral("FUNCTION F : INT VAR_ARG x : INT; y : INT; END_VAR RESULT := x * y; "
+                       "END_FUNCTION PROGRAM P VAR_INPUT a : INT; b : INT; c : INT; r : REAL; "
+                       "p : BOOL; q : BOOL; s : BOOL; END_VAR ") +
+            statements + QStringLiteral(" END_PROGRAM"));
+    const Facts facts = FactsAbout(source);
+    EXPECT_TRUE(facts.isCompiled()) << statements.toStdString();
+    QStringList operations;
+    for (const OperationFact& each : facts.operations) {
+        EXPECT_EQ(source.text(each.op).compare(QString(TokensTable[Lookup(each.code)].text)), 0);
+        operations.append(QStringLiteral("[%1] %2 [%3]")
+                              .arg(source.text(each.left).toString(),
+                                   source.text(each.op).toString(),
+                                   source.text(each.right).toString()));
+    }
+    operations.removeFirst();  // that of F
+    return operations;
+}
+
+struct Grouping {
+    const char* statements;
+    QStringList operations;
+};
+
+TEST(Operations, AreGroupedAsTheCompilerGroupsThem) {
+    const Grouping groupings[] = {
+        {"a := a - b - c;", {"[a - b] - [c]", "[a] - [b]"}},
+        {"a := a / b * c;", {"[a] / [b * c]", "[b] * [c]"}},
+        {"a := a * b + c;", {"[a * b] + [c]", "[a] * [b]"}},
+        {"a := a + b ** c MOD 2 SHL 1;",
+         {"[a] + [b ** c MOD 2 SHL 1]", "[b] ** [c MOD 2 SHL 1]", "[c] MOD [2 SHL 1]",
+          "[2] SHL [1]"}},
+        {"a := (a + b) * -c;", {"[(a + b)] * [-c]", "[a] + [b]"}},
+        {"a := ((a)) * (b - (c));", {"[((a))] * [(b - (c))]", "[b] - [(c)]"}},
+        {"a := -a ** + -b;", {"[-a] ** [+ -b]"}},
+        {"a := F(a + 1, F(b, c) * 2) - F(1, -2);",
+         {"[F(a + 1, F(b, c) * 2)] - [F(1, -2)]", "[a] + [1]", "[F(b, c)] * [2]"}},
+        {"p := p AND q OR s;", {"[p] AND [q OR s]", "[q] OR [s]"}},
+        {"p := p OR q AND s XOR p;", {"[p] OR [q AND s XOR p]", "[q] AND [s XOR p]",
+                                      "[s] XOR [p]"}},
+        {"p := NOT p AND NOT q = s;",
+         {"[NOT p] AND [NOT q = s]", "[] NOT [p]", "[] NOT [q = s]", "[q] = [s]"}},
+        {"p := (a > b) AND (NOT (p));",
+         {"[(a > b)] AND [(NOT (p))]", "[a] > [b]", "[] NOT [(p)]"}},
+        {"p := a AND 3 = b + TICK;", {"[a AND 3] = [b + TICK]", "[a] AND [3]", "[b] + [TICK]"}},
+        {"p := p = TRUE;", {"[p] = [TRUE]"}},
+        {"a := NOT a + 1;", {"[] NOT [a + 1]", "[a] + [1]"}},
+    };
+    for (const Grouping& each : groupings) {
+        EXPECT_EQ(OperationsOf(QString::fromUtf8(each.statements)), each.operations)
+            << each.statements;
+    }
+}
+
+TEST(Operations, StandInAllKindsOfStatements) {
+    const Grouping groupings[] = {
+        {"IF a = b THEN ELSIF b = c THEN END_IF;", {"[a] = [b]", "[b] = [c]"}},
+        {"WHILE a < b DO END_WHILE;", {"[a] < [b]"}},
+        {"REPEAT a := 1; UNTIL b - 1 >= c END_REPEAT;", {"[b - 1] >= [c]", "[b] - [1]"}},
+        {"FOR a := b + 1 TO c - 1 DO END_FOR;", {"[b] + [1]", "[c] - [1]"}},
+        {"FOR a := b SHR 1 DOWNTO c ROL 1 DO END_FOR;", {"[b] SHR [1]", "[c] ROL [1]"}},
+        {"CASE a MOD b OF -1, 2..3: a := a ROR 2; 4: END_CASE;", {"[a] MOD [b]", "[a] ROR [2]"}},
+        {"TICK := a * 2;", {"[a] * [2]"}},
+        {"F(a, b * c);", {"[b] * [c]"}},
+        {"l: a := a (* 1 *) * // 2\n b;", {"[a] * [b]"}},
+    };
+    for (const Grouping& each : groupings) {
+        EXPECT_EQ(OperationsOf(QString::fromUtf8(each.statements)), each.operations)
+            << each.statements;
+    }
+}
+
+TEST(Operations, HaveTheTypesOfTheCompiler) {
+    const Source source = SourceOf(
+        "PROGRAM P VAR_INPUT a : INT; r : REAL; p : BOOL; END_VAR\n"
+        "  p := NOT (r + a * 2 > 1) AND a = TRUE;\nEND_PROGRAM");
+    const Facts facts = FactsAbout(source);
+    const std::pair<Typ, Typ> types[] = {{TYP_BOOL, TYP_BOOL}, {TYP_NONE, TYP_BOOL},
+                                         {TYP_REAL, TYP_SINT}, {TYP_REAL, TYP_REAL},
+                                         {TYP_REAL, TYP_REAL}, {TYP_INT, TYP_BOOL}};
+    ASSERT_EQ(facts.operations.size(), std::size(types));
+    for (std::size_t index = 0; index < std::size(types); ++index) {
+        EXPECT_EQ(facts.operations[index].leftType, types[index].first) << index;
+        EXPECT_EQ(facts.operations[index].rightType, types[index].second) << index;
+        EXPECT_EQ(facts.operations[index].statement, 0) << index;
+    }
+}
+
+TEST(Operations, OfAnErrorAreThoseThatHadEnded) {
+    const Facts facts = FactsAbout(SourceOf(
+        "PROGRAM P VAR a : INT := 1; END_VAR a := a * 2; a := a + (a * 3) MOD END_PROGRAM"));
+    ASSERT_FALSE(facts.isCompiled());
+    EXPECT_EQ(facts.operations.size(), 2U);
+}
+
 TEST(Compile, AnErrorTellsWhatWasGoingOn) {
     const Source source = SourceOf(WRONG);
     const Facts facts = FactsAbout(source);

@@ -159,7 +159,7 @@ def wrong_order(subject):
 
 def wrong_begins(subject):
     """Records stand in the order of the script."""
-    for kind in ("units", "uses", "declarations", "statements"):
+    for kind in ("units", "uses", "declarations", "statements", "operations"):
         begins = [subject.begin(fact) for fact in subject.facts[kind]]
         if begins != sorted(begins):
             yield f"{kind} begin at {begins}"
@@ -262,6 +262,54 @@ def wrong_uses(subject):
             yield f"{facts['uses']} are not {expected}"
 
 
+OPERATORS = set("+ - * / ** = <> < > <= >= MOD AND OR XOR NOT SHL SHR ROL ROR".split())
+ENDS_OF_VALUES = set("identifier function number string RESULT TICK TRUE FALSE ) ]".split())
+
+
+def operator_places(subject):
+    """The operators of the script; a + or - that follows no value is a sign."""
+    codes = [token["code"] for token in subject.facts["tokens"]]
+    for token, before in zip(subject.facts["tokens"], [None, *codes]):
+        is_sign = token["code"] in ("+", "-") and before not in ENDS_OF_VALUES
+        if token["code"] in OPERATORS and not is_sign:
+            yield token["begin"]
+
+
+def wrong_operations(subject):
+    """Every operator is one operation, between its operands; none reaches out of another."""
+    operations = subject.facts["operations"]
+    places = sorted(each["at"] for each in operations)
+    if subject.facts["compiled"] and places != list(operator_places(subject)):
+        yield f"operators at {places}"
+    open_ends = []  # of the operations that hold the next one
+    for each in operations:
+        begin, end = subject.span(each)
+        statement = subject.facts["statements"][each["statement"]]
+        if statement["ended"] and not within((begin, end), subject.span(statement)):
+            yield f"{each} reaches out of {statement}"
+        if not is_between_operands(subject, each):
+            yield f"{each} does not stand between its operands"
+        open_ends = [outer for outer in open_ends if outer > begin]
+        if any(end > outer for outer in open_ends):
+            yield f"{each} reaches out of another"
+        open_ends.append(end)
+
+
+def is_between_operands(subject, operation):
+    right = subject.span(operation["right"])
+    at = subject.source.offset(operation["at"])
+    word_end = at + len(operation["operator"])
+    begin = subject.begin(operation)
+    left = subject.span(operation["left"]) if "left" in operation else (begin, begin)
+    is_not = operation["operator"] == "NOT"
+    return (
+        is_not == ("left" not in operation)
+        and begin == left[0]
+        and (left[1] == at if is_not else left[0] < left[1] <= at)
+        and word_end <= right[0] < right[1] == subject.end(operation)
+    )
+
+
 def wrong_places(subject):
     """An item is written for a place in its statement."""
     for item in subject.facts["items"]:
@@ -290,7 +338,7 @@ CLASSES = ("identifier", "function", "functionBlock", "number", "string", "unkno
 CHECKS = [
     wrong_end, wrong_items, wrong_messages, wrong_ids, wrong_texts, wrong_order, wrong_begins,
     wrong_cover, wrong_statements, wrong_units, wrong_declarations, wrong_names, wrong_uses,
-    wrong_places, wrong_codes,
+    wrong_operations, wrong_places, wrong_codes,
 ]  # fmt: skip
 
 
@@ -308,7 +356,7 @@ VAR
     a : INT := 0;  // of no use
     b : INT := 1;
 END_VAR
-    IF a = b THEN
+    IF a = b * b THEN
         b := a;;
     END_IF;
 END_PROGRAM
@@ -350,6 +398,11 @@ NOTICED = [
     (wrong_names, change("names", 1, id=2)),
     (wrong_uses, lambda facts: facts["uses"].pop()),
     (wrong_uses, lambda facts: facts["uses"].append(facts["uses"][0])),
+    (wrong_operations, lambda facts: facts["operations"].pop()),
+    (wrong_operations, change("operations", 0, statement=1)),
+    (wrong_operations, change("operations", 0, end=[6, 10])),
+    (wrong_operations, change("operations", 1, end=[6, 22])),
+    (wrong_operations, change("operations", 1, operator="NOT")),
     (wrong_places, change("items", -2, at=[9, 1], statement=0)),
     (wrong_codes, change("tokens", 0, code="identifier")),
     (wrong_codes, change("tokens", 1, code="P")),
@@ -406,9 +459,11 @@ DAMAGES = [
     ("label with a section", lambda facts: facts["names"][0].update(section="VAR")),
     ("code with a blank", lambda facts: facts["tokens"][0].update(code="END VAR")),
     ("other severity", lambda facts: facts["messages"][0].update(severity="hint")),
+    ("operation without a right", lambda facts: facts["operations"][0].pop("right")),
+    ("operand of no type", lambda facts: facts["operations"][0]["left"].update(type="")),
     ("id in capitals", lambda facts: facts["messages"][0].update(id="TXT_COMMA")),
 ]
-WITH_WARNING = b"PROGRAM P VAR a : INT; b : INT; END_VAR b := 1; END_PROGRAM"
+WITH_WARNING = b"PROGRAM P VAR a : INT; b : INT; END_VAR b := 1 + 2; END_PROGRAM"
 
 
 @unittest.skipUnless(validate, "fastjsonschema is not installed")
