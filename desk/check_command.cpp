@@ -2,6 +2,7 @@
 
 #include "check/check_files.h"
 #include "facts/input.h"
+#include "lints/lints.h"
 #include "options.h"
 #include "reports/make_report.h"
 #include "reports/progress.h"
@@ -20,6 +21,7 @@ struct CheckArguments {
     std::vector<std::string> paths;
     std::vector<std::string> suffixes = {"st"};
     CheckOptions options = {QThread::idealThreadCount()};
+    std::vector<std::string> disabled;
     ReportOptions report;
     ColorWish color = ColorWish::Auto;
     bool isWarningError = false;
@@ -81,7 +83,26 @@ private:
     }
 };
 
+// Whether all of them are lints; what is none is told.
+bool AreLints(const QStringList& ids) {
+    for (const QString& id : ids) {
+        if (!LintIds().contains(id)) {
+            Complain(QStringLiteral("there is no lint \"%1\"; the nearest is %2")
+                         .arg(id, NearestLint(id)));
+            return false;
+        }
+    }
+    return true;
+}
+
 Status RunCheck(CheckArguments arguments) {
+    const QStringList disabled = ListOf(arguments.disabled);
+    if (!AreLints(disabled)) {
+        return STATUS_FAILED;
+    }
+    arguments.options.findMore = [disabled](const Source& source, const Facts& facts) {
+        return FindLints(source, facts, disabled);
+    };
     arguments.report.hasColors = HasColors(arguments.color, STDOUT_FILENO);
     const FoundFiles found = FindFiles(ListOf(arguments.paths), ListOf(arguments.suffixes));
     Reporter reporter(arguments, found.files.size());
@@ -107,6 +128,9 @@ Runner DeclareCheck(CLI::App& command) {
     AddCountOption(command, "--max-errors", arguments->options.maxErrors,
                    "Errors shown of a script, 50");
     command.add_flag("--werror", arguments->isWarningError, "Warnings are errors");
+    command.add_option("--disable", arguments->disabled, "Lints to be left out, by identifier")
+        ->option_text("ID,...")
+        ->delimiter(',');
     command.add_flag("--quiet", arguments->report.isQuiet, "No summary");
     AddCountOption(command, "--jobs", arguments->options.jobs,
                    "Scripts checked at the same time; as many as there are processors");

@@ -43,8 +43,10 @@ private:
             return;
         }
         const FileCheck& check =
-            running_.emplace(index, FileCheck(*input.source, options_.maxErrors)).first->second;
-        pool_.start(index, check.next(), Detail::IfMessages);
+            running_
+                .emplace(index, FileCheck(*input.source, options_.maxErrors, options_.findMore))
+                .first->second;
+        pool_.start(index, check.next(), options_.findMore ? Detail::All : Detail::IfMessages);
     }
 
     void goOn(const CompilePool::Finished& finished) {

@@ -1,7 +1,7 @@
 // Many scripts checked side by side, told in order.
 #pragma once
 
-#include "check/diagnostic.h"
+#include "check/file_check.h"
 
 #include <QStringList>
 
@@ -11,6 +11,7 @@
 struct CheckOptions {
     int jobs = 1;        // compiles at the same time
     int maxErrors = 50;  // of one script
+    FindMore findMore = {};
 };
 
 // A script that was checked, or why it could not be.

@@ -8,6 +8,7 @@
 #include "qyx_messages.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -25,15 +26,17 @@ bool IsKind(const MessageFact& message, QLatin1String constant) {
 
 }  // namespace
 
-FileCheck::FileCheck(const Source& source, int maxErrors)
+FileCheck::FileCheck(const Source& source, int maxErrors, FindMore findMore)
     : source_(source),
       edited_(source),
       maxErrors_(maxErrors),
+      findMore_(std::move(findMore)),
       roundsLeft_(LEAST_ROUNDS + ROUNDS_FOR_AN_ERROR * maxErrors) {}
 
 bool FileCheck::take(const Facts& facts) {
     takeWarnings(facts);
     if (facts.isCompiled()) {
+        takeMore(facts);
         return false;
     }
     const std::vector<Help> helps =
@@ -141,6 +144,13 @@ bool FileCheck::dependsOnEdits(const Facts& facts, const MessageFact& message) c
         std::any_of(edits_.all().begin(), edits_.all().end(), holdsPlace) || place.isEmpty();
     return isPutIn || isDoubtfulName(unitAt(facts, message.place), name) || isProposed(name) ||
            std::any_of(all.begin(), all.end(), mentions);
+}
+
+void FileCheck::takeMore(const Facts& facts) {
+    if (findMore_ && edits_.all().empty()) {
+        const std::vector<Diagnostic> more = findMore_(source_, facts);
+        warnings_.insert(warnings_.end(), more.begin(), more.end());
+    }
 }
 
 FileReport FileCheck::report() const {

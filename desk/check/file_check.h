@@ -12,13 +12,18 @@
 #include <QPair>
 #include <QSet>
 
+#include <functional>
+
+// What is found beside the compiler's warnings in a script that compiles.
+using FindMore = std::function<std::vector<Diagnostic>(const Source& source, const Facts& facts)>;
+
 class FileCheck {
     // A name that means nothing certain: the unit that has it, by its begin, NONE for all units,
     // and its folded text.
     using DoubtfulName = QPair<int, QString>;
 
 public:
-    FileCheck(const Source& source, int maxErrors);
+    FileCheck(const Source& source, int maxErrors, FindMore findMore = {});
 
     // The text to be compiled next.
     const Source& next() const { return edited_; }
@@ -34,6 +39,7 @@ private:
     Source edited_;
     Edits edits_;
     int maxErrors_;
+    FindMore findMore_;
     int errors_ = 0;
     int roundsLeft_;
     QSet<DoubtfulName> doubtfulNames_;
@@ -43,6 +49,7 @@ private:
 
     Diagnostic diagnosticOf(const Facts& facts, const MessageFact& message) const;
     void takeWarnings(const Facts& facts);
+    void takeMore(const Facts& facts);
     bool isProposed(const QString& name) const;
     bool dependsOnEdits(const Facts& facts, const MessageFact& message) const;
     bool isConsequence(const Facts& facts, const std::vector<Help>& helps) const;

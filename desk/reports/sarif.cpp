@@ -1,5 +1,6 @@
 // The interchange format of analysis tools, SARIF 2.1.0.
 
+#include "explain/search.h"
 #include "facts/catalogue.h"
 #include "reports/formats.h"
 #include "reports/json_writer.h"
@@ -18,14 +19,24 @@ QString UriOf(const QString& path) {
     return path.startsWith(u'/') ? QStringLiteral("file://") + encoded : encoded;
 }
 
-// What the compiler says with an id; nothing for an id that is not the compiler's.
+// The title of the entry that the manual has for the id of what is not the compiler's.
+QString TitleInManual(const QString& id) {
+    for (const Entry& entry : EntriesOfManual()) {
+        if (!entry.isMessage && entry.ids.contains(id)) {
+            return TitleOf(entry);
+        }
+    }
+    return {};
+}
+
+// What the compiler says with an id, or what is told with it.
 QString DescriptionOf(const QString& id) {
     for (int constant = 0; constant < ConstantsCount(); ++constant) {
         if (id == IdOf(constant)) {
             return QString(TextOf(constant)).trimmed();
         }
     }
-    return {};
+    return TitleInManual(id);
 }
 
 // The rules stand after the results, when it is known which of them there are.

@@ -55,7 +55,7 @@ from test_catalogue import CATALOGUE, NOT_RAISED, SOURCES, texts_in, texts_in_di
 
 MANUAL = ROOT / "docs" / "manual"
 PAGES_WITH_EXAMPLES = (
-    "tutorial language target-code diagnostics reasons surprises dialects facts check"
+    "tutorial language target-code diagnostics reasons surprises dialects facts check lints"
 ).split()
 
 STATEMENTS_MARK = "(* statements *)"

@@ -28,6 +28,14 @@ END_PROGRAM
 """
 
 
+LINTS_PAGE = ROOT / "docs/manual/lints.md"
+
+
+def lint_ids():
+    """The identifiers of all lints: those that have an entry in the manual."""
+    return re.findall(r"^<!-- reason: (.*) -->$", LINTS_PAGE.read_text("utf-8"), re.MULTILINE)
+
+
 class Run(NamedTuple):
     status: int
     stdout: bytes

@@ -1,0 +1,254 @@
+// EXIT, CASE and labels.
+
+#include "check/context.h"
+#include "lints/lints_table.h"
+#include "lints/literals.h"
+
+#include "qyx_text.h"
+
+#include <algorithm>
+#include <map>
+
+namespace {
+
+// ---------------------------------------------------------------------------------------------
+// EXIT
+// ---------------------------------------------------------------------------------------------
+
+// The innermost loop or CASE that holds a statement, NONE if none does.
+int InnermostConstruct(const Subject& subject, int statement) {
+    int outer = subject.statement(statement).parent;
+    while (outer != NONE && !IsLoop(subject.statement(outer)) &&
+           subject.statement(outer).kind != TOKEN_CASE) {
+        outer = subject.statement(outer).parent;
+    }
+    return outer;
+}
+
+// Whether the tokens between two statements of one statement begin no other branch of it.
+bool AreInOneBranch(const Subject& subject, int before, int after) {
+    const int end = subject.tokens.at(subject.statement(after).span.begin);
+    int index = subject.tokens.at(subject.statement(before).span.end);
+    while (index < end && !subject.tokens.isOneOf(index, {TOKEN_ELSIF, TOKEN_ELSE})) {
+        ++index;
+    }
+    return index == end;
+}
+
+// The next statement of the same parent and branch, NONE if there is none.
+int NextInBranch(const Subject& subject, int statement) {
+    const StatementFact& of = subject.statement(statement);
+    const int count = static_cast<int>(subject.facts.statements.size());
+    int next = statement + 1;
+    while (next < count && subject.statement(next).span.begin < of.span.end) {
+        ++next;
+    }
+    const bool isSibling = next < count && subject.statement(next).parent == of.parent &&
+                           subject.statement(next).unit == of.unit;
+    return isSibling && AreInOneBranch(subject, statement, next) ? next : NONE;
+}
+
+// Whether something is done after a loop: then to leave the loop is not to leave the unit. It is
+// where another EXIT follows.
+bool IsFollowed(const Subject& subject, int loop) {
+    for (int at = loop; at != NONE; at = subject.statement(at).parent) {
+        const bool isInConstruct = at != loop && (IsLoop(subject.statement(at)) ||
+                                                  subject.statement(at).kind == TOKEN_CASE);
+        const int next = NextInBranch(subject, at);
+        if (isInConstruct || next != NONE) {
+            return isInConstruct || subject.statement(next).kind != TOKEN_EXIT;
+        }
+    }
+    return false;
+}
+
+// Whether the statements before an EXIT, in its branch, give the function its result.
+bool IsAfterResult(const Subject& subject, int exit) {
+    const StatementFact& of = subject.statement(exit);
+    for (int before = exit - 1; before > of.parent; --before) {
+        const StatementFact& each = subject.statement(before);
+        if (each.parent == of.parent && each.kind == TOKEN_RESULT) {
+            return AreInOneBranch(subject, before, exit);
+        }
+    }
+    return false;
+}
+
+Diagnostic ExitInCase(const Subject& subject, const StatementFact& exit) {
+    return Finding(TokenAt(subject.facts, exit.span.begin),
+                   QStringLiteral("\"EXIT\" ends the whole of %1 and leaves the value of the"
+                                  " \"CASE\" on the stack")
+                       .arg(Quoted(UnitOf(subject, exit))),
+                   QStringLiteral("a branch ends by itself; to leave %1, set a variable and"
+                                  " `EXIT` after `END_CASE`")
+                       .arg(Code(UnitOf(subject, exit))));
+}
+
+Diagnostic ExitInLoop(const Subject& subject, const StatementFact& exit) {
+    return Finding(TokenAt(subject.facts, exit.span.begin),
+                   QStringLiteral("\"EXIT\" ends the whole of %1, not the loop alone")
+                       .arg(Quoted(UnitOf(subject, exit))),
+                   QStringLiteral("`BREAK` leaves the loop"));
+}
+
+std::vector<Diagnostic> FindExits(const Subject& subject) {
+    std::vector<Diagnostic> findings;
+    for (int index = 0; index < static_cast<int>(subject.facts.statements.size()); ++index) {
+        const StatementFact& exit = subject.statement(index);
+        const int outer = exit.kind == TOKEN_EXIT ? InnermostConstruct(subject, index) : NONE;
+        if (outer == NONE) {
+            continue;
+        }
+        if (subject.statement(outer).kind == TOKEN_CASE) {
+            findings.push_back(ExitInCase(subject, exit));
+        } else if (IsFollowed(subject, outer) && !IsAfterResult(subject, index)) {
+            findings.push_back(ExitInLoop(subject, exit));
+        }
+    }
+    return findings;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Labels
+// ---------------------------------------------------------------------------------------------
+
+// A label that no GOTO names.
+struct UnusedLabel {
+    const NameFact& name;
+    bool isBranch;  // stands where a label of a CASE could
+};
+
+std::vector<UnusedLabel> UnusedLabels(const Subject& subject) {
+    std::vector<UnusedLabel> labels;
+    const QSet<int> used = LabelsOfGotos(subject);
+    for (std::size_t index = 0; index < subject.facts.names.size(); ++index) {
+        const NameFact& name = subject.facts.names[index];
+        if (name.kind != NameKind::Label || used.contains(static_cast<int>(index))) {
+            continue;
+        }
+        const int parent = subject.statement(StatementAt(subject, name.span.begin)).parent;
+        labels.push_back({name, parent != NONE && subject.statement(parent).kind == TOKEN_CASE});
+    }
+    return labels;
+}
+
+bool IsWordForElse(QStringView name) {
+    const QString word = name.toString().toUpper();
+    return word == QLatin1String("OTHERS") || word == QLatin1String("OTHER") ||
+           word == QLatin1String("OTHERWISE") || word == QLatin1String("DEFAULT");
+}
+
+std::vector<Diagnostic> FindLabelsInCase(const Subject& subject) {
+    std::vector<Diagnostic> findings;
+    for (const UnusedLabel& each : UnusedLabels(subject)) {
+        if (each.isBranch) {
+            const QStringView name = subject.textOf(each.name);
+            findings.push_back(Finding(
+                each.name.span,
+                QStringLiteral("%1 begins no branch of the \"CASE\": it is a label for \"GOTO\"")
+                    .arg(Quoted(QString(name.toString() + u':'))),
+                IsWordForElse(name)
+                    ? QStringLiteral("the branch for all other values is `ELSE`, without a `:`")
+                    : QStringLiteral("a branch begins with numbers: write the value of %1")
+                          .arg(Code(name))));
+        }
+    }
+    return findings;
+}
+
+std::vector<Diagnostic> FindUnusedLabels(const Subject& subject) {
+    std::vector<Diagnostic> findings;
+    for (const UnusedLabel& each : UnusedLabels(subject)) {
+        if (!each.isBranch) {
+            findings.push_back(
+                Finding(each.name.span, QStringLiteral("No \"GOTO\" names the label %1")
+                                            .arg(Quoted(subject.textOf(each.name)))));
+        }
+    }
+    return findings;
+}
+
+// ---------------------------------------------------------------------------------------------
+// CASE
+// ---------------------------------------------------------------------------------------------
+
+// A value or range of a label of CASE.
+struct CaseRange {
+    Span span;
+    double low;
+    double high;
+};
+
+// The token after a bound, which begins at a token.
+int EndOfBound(const Subject& subject, int begin) {
+    return begin + (subject.tokens.is(begin, TOKEN_MINUS) ? 2 : 1);
+}
+
+CaseRange RangeAt(const Subject& subject, int begin) {
+    const int end = EndOfBound(subject, begin);
+    const double low = SignedNumber(subject, begin, end)->value;
+    const Span first = {subject.tokens.span(begin).begin, subject.tokens.span(end - 1).end};
+    if (!subject.tokens.is(end, TOKEN_DOT_DOT)) {
+        return {first, low, low};
+    }
+    const int endOfHigh = EndOfBound(subject, end + 1);
+    return {{first.begin, subject.tokens.span(endOfHigh - 1).end},
+            low,
+            SignedNumber(subject, end + 1, endOfHigh)->value};
+}
+
+// The labels of each CASE, by its statement. The CASE has items for each of them, and some more
+// for the last one of a branch after those of the branch.
+std::map<int, std::vector<CaseRange>> RangesOfCases(const Subject& subject) {
+    std::map<int, std::vector<CaseRange>> cases;
+    for (const ItemFact& item : subject.facts.items) {
+        if (item.statement == NONE || subject.statement(item.statement).kind != TOKEN_CASE) {
+            continue;
+        }
+        std::vector<CaseRange>& ranges = cases[item.statement];
+        const bool isNew = ranges.empty() || ranges.back().span.begin < item.place;
+        const int token = subject.tokens.at(item.place);
+        if (isNew && subject.tokens.isOneOf(token, {TOKEN_NUMBER, TOKEN_MINUS})) {
+            ranges.push_back(RangeAt(subject, token));
+        }
+    }
+    return cases;
+}
+
+// Ranges that are not within others, by their lower ends.
+using OuterRanges = std::map<double, const CaseRange*>;
+
+const CaseRange* RangeAround(const OuterRanges& outer, const CaseRange& range) {
+    const auto next = outer.upper_bound(range.low);
+    const CaseRange* const before = next == outer.begin() ? nullptr : std::prev(next)->second;
+    return before != nullptr && before->high >= range.high ? before : nullptr;
+}
+
+std::vector<Diagnostic> FindHiddenRanges(const Subject& subject) {
+    std::vector<Diagnostic> findings;
+    for (const auto& [statement, ranges] : RangesOfCases(subject)) {
+        OuterRanges outer;
+        for (const CaseRange& range : ranges) {
+            const CaseRange* const around = RangeAround(outer, range);
+            if (around == nullptr) {
+                outer.emplace(range.low, &range);
+                continue;
+            }
+            findings.push_back(Finding(
+                range.span, QStringLiteral("No value reaches %1: %2 on line %3 takes all of it")
+                                .arg(Quoted(subject.source.text(range.span)),
+                                     Quoted(subject.source.text(around->span)))
+                                .arg(subject.lineOf(around->span.begin))));
+        }
+    }
+    return findings;
+}
+
+}  // namespace
+
+Lints LintsOfStatements() {
+    return {{QLatin1String("exit-in-loop"), FindExits},
+            {QLatin1String("label-in-case"), FindLabelsInCase},
+            {QLatin1String("unused-label"), FindUnusedLabels},
+            {QLatin1String("hidden-case-range"), FindHiddenRanges}};
+}

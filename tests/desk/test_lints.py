@@ -1,0 +1,235 @@
+"""The lints of `yxst check`: what they find in all scripts of the project, how they are left out,
+and the page of the manual about them.
+
+    test_lints.py --update
+
+writes anew what is found in the golden cases. Read every line of the difference.
+"""
+
+import json
+import re
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+from support_desk import FAILED, FINE, LINTS_PAGE, NOT_FINE, ROOT, lint_ids, run_yxst
+
+from cases import all_cases  # isort: skip: found by support_desk
+
+HERE = Path(__file__).parent
+GOLDEN_LINTS = HERE / "golden_lints.txt"
+
+FOUND = b"""PROGRAM P
+VAR_INPUT
+    a : REAL;
+    p : BOOL;
+END_VAR
+VAR_OUTPUT
+    q : BOOL := FALSE;
+END_VAR
+    q := p AND q OR (a = 1.0);
+END_PROGRAM
+"""
+BOTH = ["surprising-condition", "real-equality"]
+CONDITION, EQUALITY = BOTH
+
+
+def check_scripts(scripts):
+    """Name -> what the lints find in it, all of them in one run."""
+    names = list(scripts)
+    found = {name: [] for name in names}
+    ids = set(lint_ids())
+    with tempfile.TemporaryDirectory() as folder:
+        for number, name in enumerate(names):
+            (Path(folder) / f"{number}.st").write_bytes(scripts[name])
+        run = run_yxst("check", "--format=json", folder)
+    for each in json.loads(run.stdout):
+        if each["id"] in ids:
+            found[names[int(Path(each["file"]).stem)]].append(each)
+    return found
+
+
+# ---------------------------------------------------------------------------------------------
+# All golden cases
+# ---------------------------------------------------------------------------------------------
+
+
+def golden_lints():
+    """A line for each finding in the golden cases: identifier, case, line."""
+    found = check_scripts({case.name: case.data for case in all_cases()})
+    return sorted(f"{each['id']} {name} {each['line']}" for name in found for each in found[name])
+
+
+class GoldenCases(unittest.TestCase):
+    maxDiff = None
+
+    def test_what_is_found_is_known(self):
+        self.assertEqual(golden_lints(), GOLDEN_LINTS.read_text().splitlines())
+
+    def test_nothing_is_found_in_the_examples(self):
+        examples = {path.name: path.read_bytes() for path in (ROOT / "examples").glob("*.st")}
+        self.assertGreater(len(examples), 3)
+        self.assertEqual({name for name, found in check_scripts(examples).items() if found}, set())
+
+
+# ---------------------------------------------------------------------------------------------
+# Options
+# ---------------------------------------------------------------------------------------------
+
+
+class Options(unittest.TestCase):
+    def check(self, *arguments, script=FOUND):
+        return run_yxst("check", *arguments, "-", stdin=None, input=script)
+
+    def ids(self, *arguments, script=FOUND):
+        run = self.check("--format=json", *arguments, script=script)
+        self.assertEqual((run.status, run.stderr), (FINE, b""))
+        return [each["id"] for each in json.loads(run.stdout)]
+
+    def test_disable(self):
+        for arguments, expected in (
+            ([], BOTH),
+            ([f"--disable={EQUALITY}"], [CONDITION]),
+            (["--disable", CONDITION], [EQUALITY]),
+            ([f"--disable={EQUALITY},{CONDITION}"], []),
+            ([f"--disable={EQUALITY}", f"--disable={CONDITION}"], []),
+            ([f"--disable={EQUALITY},{EQUALITY}"], [CONDITION]),
+            (["--disable=unused-label"], BOTH),
+        ):
+            with self.subTest(arguments=arguments):
+                self.assertEqual(self.ids(*arguments), expected)
+
+    def test_unknown_lints(self):
+        for wrong, nearest in (
+            ("surprising-conditions", CONDITION),
+            ("Real-Equality", EQUALITY),
+            (f"{CONDITION},real-equal", EQUALITY),
+            ("expected-but", "unused-label"),
+        ):
+            with self.subTest(wrong=wrong):
+                run = self.check(f"--disable={wrong}")
+                self.assertEqual((run.status, run.stdout), (FAILED, b""))
+                unknown = wrong.rpartition(",")[2]
+                complaint = run.stderr.decode()
+                self.assertTrue(
+                    complaint.startswith(f'yxst: there is no lint "{unknown}"; the nearest is ')
+                )
+                if nearest != "unused-label":
+                    self.assertTrue(complaint.endswith(f" {nearest}.\n"), complaint)
+
+    def test_no_identifier(self):
+        run = self.check("--disable=")
+        self.assertEqual((run.status, run.stdout), (FAILED, b""))
+
+    def test_werror(self):
+        run = self.check("--werror")
+        self.assertEqual(run.status, NOT_FINE)
+        self.assertTrue(run.stdout.endswith(b"\n2 errors in 1 file\n"))
+        self.assertEqual(self.check("--werror", f"--disable={','.join(BOTH)}").status, FINE)
+
+    def test_a_script_with_an_error_has_none(self):
+        run = self.check("--format=json", script=FOUND.replace(b"q := p", b"q := 5; q := p"))
+        self.assertEqual([each["id"] for each in json.loads(run.stdout)], ["incompatible-types"])
+
+    def test_they_stand_among_the_warnings_of_the_compiler(self):
+        script = FOUND.replace(b"END_PROGRAM", b"END_PROGRAM more")
+        script = script.replace(b"END_VAR\n    q", b"END_VAR VAR n : INT; END_VAR\n    q")
+        self.assertEqual(
+            self.ids(script=script),
+            ["is-declared-but-never-used-in", *BOTH, "unexpected-data-after-end-program"],
+        )
+
+    def test_allowed(self):
+        script = FOUND.replace(b"1.0);", f"1.0);  // yxst:allow {', '.join(BOTH)}".encode())
+        self.assertEqual(self.ids(script=script), [])
+        self.assertEqual(self.ids(f"--disable={EQUALITY}", script=script), [])
+        useless = FOUND.replace(b"PROGRAM P", f"PROGRAM P  // yxst:allow {EQUALITY}".encode())
+        self.assertEqual(self.ids(script=useless), ["useless-allow", *BOTH])
+        self.assertEqual(self.ids("--disable=useless-allow", script=useless), BOTH)
+
+
+class Forms(unittest.TestCase):
+    def check(self, form):
+        run = run_yxst("check", f"--format={form}", "-", stdin=None, input=FOUND)
+        self.assertEqual((run.status, run.stderr), (FINE, b""))
+        return run.stdout.decode()
+
+    def test_gcc(self):
+        self.assertEqual(
+            self.check("gcc").splitlines()[:2],
+            [
+                f'<stdin>:9:10: warning: This is grouped as "p AND (q OR (a = 1.0))" [{CONDITION}]',
+                "<stdin>:9:10: note: write the parentheses that are meant",
+            ],
+        )
+
+    def test_json_has_helps(self):
+        helps = [each["helps"][0]["id"] for each in json.loads(self.check("json"))]
+        self.assertEqual(helps, BOTH)
+
+    def test_github(self):
+        self.assertIn(f"title={CONDITION}::", self.check("github"))
+
+    def test_sarif_has_rules(self):
+        log = json.loads(self.check("sarif"))
+        rules = log["runs"][0]["tool"]["driver"]["rules"]
+        self.assertEqual([rule["id"] for rule in rules], BOTH)
+        self.assertEqual(
+            [rule["shortDescription"]["text"] for rule in rules],
+            ["Conditions that are not grouped as most expect", "Reals compared with = or <>"],
+        )
+        levels = [result["level"] for result in log["runs"][0]["results"]]
+        self.assertEqual(levels, ["warning"] * 2)
+
+
+# ---------------------------------------------------------------------------------------------
+# The page
+# ---------------------------------------------------------------------------------------------
+
+FENCE = re.compile(r"^```(st|st frame|st statements|text)\n(.*?)^```$", re.DOTALL | re.MULTILINE)
+PLACE = "    (* statements *)\n"
+
+
+def sections():
+    """Identifier -> the fences of its entry, each with its kind; statements in their frame."""
+    text = LINTS_PAGE.read_text(encoding="utf-8")
+    frame = ""
+    for section in re.split(r"(?=^#+ )", text, flags=re.MULTILINE):
+        fences = []
+        for kind, body in FENCE.findall(section):
+            if kind == "st frame":
+                frame = body
+            fences.append((kind, frame.replace(PLACE, body) if kind == "st statements" else body))
+        mark = re.search(r"^<!-- reason: (.*) -->$", section, re.MULTILINE)
+        if mark:
+            yield mark[1], fences
+
+
+def shown(found):
+    """A finding as the page shows it."""
+    lines = [f"warning: {found['message']}"]
+    lines += [f"help: {each['text']}" for each in found.get("helps", [])]
+    return "".join(f"{line}\n" for line in lines)
+
+
+class Page(unittest.TestCase):
+    def test_every_entry_is_that_of_a_lint(self):
+        run = run_yxst("check", f"--disable={','.join(lint_ids())}", "-", stdin=None, input=FOUND)
+        self.assertEqual(run, (FINE, b"", b""))
+
+    def test_entries_show_what_is_found(self):
+        for one, fences in sections():
+            with self.subTest(lint=one):
+                (_, slip), (_, text), (_, mended) = fences
+                found = check_scripts({"slip": slip.encode(), "mended": mended.encode()})
+                self.assertEqual([each["id"] for each in found["slip"]], [one])
+                self.assertEqual("".join(map(shown, found["slip"])), text)
+                self.assertEqual(found["mended"], [])
+
+
+if __name__ == "__main__":
+    if sys.argv[1:] == ["--update"]:
+        GOLDEN_LINTS.write_text("".join(f"{line}\n" for line in golden_lints()))
+    else:
+        unittest.main()
