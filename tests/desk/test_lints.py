@@ -7,6 +7,7 @@ writes anew what is found in the golden cases. Read every line of the difference
 """
 
 import json
+import random
 import re
 import sys
 import tempfile
@@ -71,6 +72,104 @@ class GoldenCases(unittest.TestCase):
         examples = {path.name: path.read_bytes() for path in (ROOT / "examples").glob("*.st")}
         self.assertGreater(len(examples), 3)
         self.assertEqual({name for name, found in check_scripts(examples).items() if found}, set())
+
+
+# ---------------------------------------------------------------------------------------------
+# Groupings, worked out by two small parsers
+# ---------------------------------------------------------------------------------------------
+
+BOOLEAN_OPERATORS = {"OR": 1, "XOR": 2, "AND": 3}
+INTEGER_OPERATORS = {
+    **BOOLEAN_OPERATORS, "SHL": 5, "ROR": 5, "+": 6, "-": 6, "*": 7, "/": 7, "MOD": 7, "**": 8,
+}  # fmt: skip
+ASSOCIATIVE = {"*", "AND", "OR", "XOR"}
+
+
+class Words:
+    """The words of an expression, taken one after the other."""
+
+    def __init__(self, text):
+        self.words = re.findall(r"\w+|\*\*|[-+*/()]", text)
+
+    def next(self):
+        return self.words[0] if self.words else ""
+
+    def take(self):
+        return self.words.pop(0)
+
+
+def usual_tree(words, least=0):
+    """As the rules of most languages have it; an operation is (operator, left, right)."""
+    left = words.take()
+    if left == "(":
+        left = usual_tree(words)
+        words.take()
+    while INTEGER_OPERATORS.get(words.next(), -1) >= least:
+        operator = words.take()
+        left = (operator, left, usual_tree(words, INTEGER_OPERATORS[operator] + 1))
+    return left
+
+
+def integer_tree(words):
+    """As the language has it for integers: a sum of products that group to the right."""
+    left = product_tree(words)
+    while words.next() in ("+", "-"):
+        left = (words.take(), left, product_tree(words))
+    return left
+
+
+def product_tree(words):
+    return right_tree(words, ends=("", "+", "-"))
+
+
+def right_tree(words, ends=("",)):
+    """The right operand is all up to the end; for conditions that is the end of the expression."""
+    left = words.take()
+    return left if words.next() in ends else (words.take(), left, right_tree(words, ends))
+
+
+def flat(tree):
+    """The tree with the operands of one associative operator side by side."""
+    if isinstance(tree, str):
+        return tree
+    operator, *operands = tree[0], *map(flat, tree[1:])
+    if operator not in ASSOCIATIVE:
+        return (operator, *operands)
+    lists = [each[1:] if each[0] == operator else (each,) for each in operands]
+    return (operator, *(each for some in lists for each in some))
+
+
+class Groupings(unittest.TestCase):
+    def check(self, names, operators, tree, lint):
+        chance = random.Random(1)
+        texts = [self.expression(chance, names, list(operators)) for _ in range(500)]
+        statements = [f"{names[0]} := {text};" for text in texts]
+        kind = "BOOL" if operators is BOOLEAN_OPERATORS else "INT"
+        declared = " ".join(f"{name} : {kind};" for name in names)
+        lines = ["PROGRAM P VAR_INPUT", declared, "END_VAR", *statements, "END_PROGRAM"]
+        found = check_scripts({"random": "\n".join(lines).encode()})["random"]
+        self.assertEqual({each["id"] for each in found}, {lint})
+        places = {each["line"] for each in found}
+        for number, text in enumerate(texts):
+            is_usual = flat(usual_tree(Words(text))) == flat(tree(Words(text)))
+            self.assertEqual(4 + number not in places, is_usual, text)
+        for each in found:
+            line = lines[each["line"] - 1]
+            marked = line[each["column"] - 1 : each["endColumn"] - 1]
+            spelled = re.search('"(.*)"', each["message"])[1]
+            self.assertEqual(flat(usual_tree(Words(spelled))), flat(tree(Words(marked))))
+
+    def expression(self, chance, names, operators):
+        text = chance.choice(names)
+        for _ in range(chance.randint(1, 5)):
+            text += f" {chance.choice(operators)} {chance.choice(names)}"
+        return text
+
+    def test_of_integers(self):
+        self.check("abcdef", INTEGER_OPERATORS, integer_tree, "surprising-grouping")
+
+    def test_of_conditions(self):
+        self.check("abcdef", BOOLEAN_OPERATORS, right_tree, CONDITION)
 
 
 # ---------------------------------------------------------------------------------------------
@@ -159,7 +258,8 @@ class Forms(unittest.TestCase):
         self.assertEqual(
             self.check("gcc").splitlines()[:2],
             [
-                f'<stdin>:9:10: warning: This is grouped as "p AND (q OR (a = 1.0))" [{CONDITION}]',
+                '<stdin>:9:10: warning: This is grouped as "p AND (q OR (a = 1.0))"'
+                f" [{CONDITION}]",
                 "<stdin>:9:10: note: write the parentheses that are meant",
             ],
         )
