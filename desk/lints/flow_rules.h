@@ -1,0 +1,42 @@
+// The rules that follow the ways through a script.
+#pragma once
+
+#include "check/diagnostic.h"
+#include "lints/graph.h"
+#include "lints/layout.h"
+#include "lints/variables.h"
+
+#include <vector>
+
+// A script that compiles and what was read from its code.
+struct Script {
+    const Source& source;
+    const Facts& facts;
+    std::vector<Step> steps;
+    Layout layout;
+    std::vector<Graph> graphs;
+
+    const ItemFact& item(int index) const { return facts.items[static_cast<std::size_t>(index)]; }
+    const NameFact& name(int index) const { return facts.names[static_cast<std::size_t>(index)]; }
+    const UseFact& use(int index) const { return facts.uses[static_cast<std::size_t>(index)]; }
+    const UnitFact& unit(int index) const { return facts.units[static_cast<std::size_t>(index)]; }
+    const StatementFact& statement(int index) const {
+        return facts.statements[static_cast<std::size_t>(index)];
+    }
+};
+
+// Each appends what it finds, in any order.
+void FindUnsetReads(const Script& script, std::vector<Diagnostic>& found);
+void FindUnusedStores(const Script& script, std::vector<Diagnostic>& found);
+void FindUnreachableCode(const Script& script, std::vector<Diagnostic>& found);
+void FindChangedLoopVariables(const Script& script, std::vector<Diagnostic>& found);
+
+// The text of a name in the quotes of a message.
+inline QString Quoted(const Script& script, int name) {
+    return QLatin1Char('"') + script.facts.textOf(script.name(name).text).toString() +
+           QLatin1Char('"');
+}
+
+inline Diagnostic Warn(const char* id, const QString& message, Span span) {
+    return {Level::Warning, QString::fromLatin1(id), message, span, {}, std::nullopt};
+}

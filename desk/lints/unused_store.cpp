@@ -1,0 +1,252 @@
+// Stores whose value nothing reads.
+//
+// What a variable holds at the end of the program may be looked at or kept; what it holds at the
+// end of a function or function block may be kept for the next call. Variables that others see at
+// any time are left alone. A constant that some ways overwrite later is a default, and a call
+// whose value is not used may be made for what it does.
+
+#include "lints/code.h"
+#include "lints/flow_rules.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char* ID = "unused-store";
+
+// A unit with a group of its variables.
+struct Look {
+    const Script& script;
+    const Graph& graph;
+    const Ways& ways;
+    const Group& group;
+    std::vector<Mask> needed;  // by block, whose values are read after it on some way
+};
+
+bool IsProgram(const Script& script, const Graph& graph) {
+    return script.unit(graph.unit).kind == TOKEN_PROGRAM;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Which variables
+// ---------------------------------------------------------------------------------------------
+
+bool IsRead(const PlacedStep& step) {
+    return step.kind != StepKind::Store;
+}
+
+// Whether it is a store by an assignment.
+bool IsAssigned(const Script& script, const PlacedStep& step) {
+    return step.kind == StepKind::Store && step.use != NONE &&
+           StatementKindAt(script.facts, step.item) != TOKEN_FOR;
+}
+
+// The step after one in its block, or null.
+const PlacedStep* NextInBlock(const Variable& variable, const PlacedStep& step) {
+    const PlacedStep* const next = &step + 1;
+    const bool isThere = next != variable.steps.data() + variable.steps.size();
+    return isThere && next->block == step.block ? next : nullptr;
+}
+
+bool MayBeUnused(const Script& script, const Variable& variable, const PlacedStep& step) {
+    const PlacedStep* const next = NextInBlock(variable, step);
+    return IsAssigned(script, step) && (next == nullptr || !IsRead(*next));
+}
+
+bool IsOfSection(const Script& script, const Graph& graph, const Variable& variable) {
+    const Token section = script.name(variable.name).section;
+    return section == TOKEN_VAR || section == TOKEN_RESULT ||
+           section == (IsProgram(script, graph) ? TOKEN_VAR_OUTPUT : TOKEN_VAR_ARG);
+}
+
+// What is only read where no way leads is not told of: the cause is another.
+bool IsCandidate(const Script& script, const Graph& graph, const Variable& variable) {
+    const auto begin = variable.steps.begin();
+    const auto end = variable.steps.end();
+    return IsOfSection(script, graph, variable) &&
+           std::any_of(begin, end,
+                       [&](const PlacedStep& step) {
+                           return MayBeUnused(script, variable, step);
+                       }) &&
+           std::none_of(begin, end, [&](const PlacedStep& step) {
+               return IsRead(step) &&
+                      !graph.blocks[static_cast<std::size_t>(step.block)].isReached;
+           });
+}
+
+std::vector<const Variable*> CandidatesOf(const Script& script, const Graph& graph,
+                                          const std::vector<Variable>& variables) {
+    std::vector<const Variable*> candidates;
+    for (const Variable& variable : variables) {
+        if (IsCandidate(script, graph, variable)) {
+            candidates.push_back(&variable);
+        }
+    }
+    return candidates;
+}
+
+// ---------------------------------------------------------------------------------------------
+// What is needed
+// ---------------------------------------------------------------------------------------------
+
+// The first step in a block decides; an argument has a new value at the begin of each call.
+std::vector<Transfer> TransfersOf(const Look& look) {
+    std::vector<Transfer> transfers(look.graph.blocks.size());
+    for (std::size_t index = 0; index < look.group.size(); ++index) {
+        int current = NONE;
+        for (const PlacedStep& step : look.group[index]->steps) {
+            Transfer& transfer = transfers[static_cast<std::size_t>(step.block)];
+            if (step.block != current) {
+                (IsRead(step) ? transfer.make : transfer.kill) |= BitOf(index);
+            }
+            current = step.block;
+        }
+        if (look.script.name(look.group[index]->name).section == TOKEN_VAR_ARG) {
+            transfers.front().make &= ~BitOf(index);
+            transfers.front().kill |= BitOf(index);
+        }
+    }
+    return transfers;
+}
+
+std::vector<Mask> NeededAtEnd(const Look& look) {
+    std::vector<Mask> needed(look.graph.blocks.size(), 0);
+    for (std::size_t index = 0; index < needed.size(); ++index) {
+        const bool isEnd = look.graph.blocks[index].isEnd();
+        needed[index] = isEnd && IsProgram(look.script, look.graph) ? ~Mask(0) : 0;
+    }
+    return needed;
+}
+
+// ---------------------------------------------------------------------------------------------
+// What is stored
+// ---------------------------------------------------------------------------------------------
+
+// Whether a predicate holds for any, or all, of the items of a statement before a store.
+template <typename Predicate>
+bool AnyBefore(const Script& script, int store, Predicate predicate) {
+    const int statement = script.item(store).statement;
+    for (int item = store - 1; item >= 0 && script.item(item).statement == statement; --item) {
+        if (predicate(CodeAt(script.facts, item))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool HasCall(const Script& script, const PlacedStep& store) {
+    return AnyBefore(script, store.item, [](std::string_view code) {
+        return OperationOf(code) == Operation::Call;
+    });
+}
+
+// A literal with its sign, TRUE or FALSE: "MOV 5 #A0", "SUB 0 #A0", "EQ 1 #A0", "TST #A0"
+bool IsPartOfConstant(std::string_view code) {
+    const bool isLiteral =
+        code.substr(0, 4) == "MOV " && ((code[4] >= '0' && code[4] <= '9') || code[4] == '\'');
+    return isLiteral || code == "SUB 0 #A0" || code == "EQ 1 #A0" || code == "TST #A0";
+}
+
+bool IsConstant(const Script& script, const PlacedStep& store) {
+    return !AnyBefore(script, store.item,
+                      [](std::string_view code) { return !IsPartOfConstant(code); });
+}
+
+// ---------------------------------------------------------------------------------------------
+// What is told
+// ---------------------------------------------------------------------------------------------
+
+Diagnostic DiagnosticOf(const Look& look, const PlacedStep& step, const QString& text) {
+    const UseFact& use = look.script.use(step.use);
+    return Warn(ID, text.arg(Quoted(look.script, use.name)), use.span);
+}
+
+// A variable that is never read is told of once; one that only takes values of calls is there to
+// take them.
+void TellOfUnread(const Look& look, const Variable& variable, std::vector<Diagnostic>& found) {
+    const PlacedStep* first = nullptr;
+    for (const PlacedStep& step : variable.steps) {
+        const bool isReached = look.graph.blocks[static_cast<std::size_t>(step.block)].isReached;
+        if (!isReached || HasCall(look.script, step)) {
+            return;
+        }
+        first = first == nullptr ? &step : first;
+    }
+    found.push_back(DiagnosticOf(
+        look, *first, QStringLiteral("The variable %1 is assigned but never read")));
+}
+
+// Whether the next value in the same block takes the place of this one.
+bool IsOverwritten(const Variable& variable, const PlacedStep& step) {
+    const PlacedStep* const next = NextInBlock(variable, step);
+    return next != nullptr && next->kind == StepKind::Store;
+}
+
+bool IsUnused(const Look& look, std::size_t index, const PlacedStep& step) {
+    const auto block = static_cast<std::size_t>(step.block);
+    const Variable& variable = *look.group[index];
+    const bool isNeeded = (look.needed[block] & BitOf(index)) != 0;
+    const bool isOverwritten = IsOverwritten(variable, step);
+    return MayBeUnused(look.script, variable, step) && look.graph.blocks[block].isReached &&
+           (isOverwritten || (!isNeeded && !IsConstant(look.script, step))) &&
+           !HasCall(look.script, step);
+}
+
+void FindInVariable(const Look& look, std::size_t index, std::vector<Diagnostic>& found) {
+    const Variable& variable = *look.group[index];
+    const bool isRead = std::any_of(variable.steps.begin(), variable.steps.end(), IsRead);
+    if (!isRead && !IsProgram(look.script, look.graph)) {
+        TellOfUnread(look, variable, found);
+        return;
+    }
+    for (const PlacedStep& step : variable.steps) {
+        if (IsUnused(look, index, step)) {
+            const bool isOverwritten = IsOverwritten(variable, step);
+            found.push_back(DiagnosticOf(
+                look, step,
+                isOverwritten
+                    ? QStringLiteral("The variable %1 gets another value before this one is read")
+                    : QStringLiteral("Nothing reads this value of the variable %1")));
+        }
+    }
+}
+
+void FindInUnit(const Script& script, const Graph& graph, std::vector<Diagnostic>& found) {
+    const std::vector<Variable> variables = VariablesOf(graph, script.steps);
+    const Ways ways = WaysOf(graph, IsProgram(script, graph) ? Direction::Backwards
+                                                             : Direction::BackwardsThroughCalls);
+    for (const Group& group : GroupsOf(CandidatesOf(script, graph, variables))) {
+        Look look = {script, graph, ways, group, {}};
+        look.needed = Spread(ways, TransfersOf(look), NeededAtEnd(look));
+        for (std::size_t index = 0; index < group.size(); ++index) {
+            FindInVariable(look, index, found);
+        }
+    }
+}
+
+// Whether a definition calls itself: then a call within may read what it has stored.
+std::vector<bool> RecursiveNames(const Script& script) {
+    std::vector<bool> isRecursive(script.facts.names.size(), false);
+    std::size_t unit = 0;
+    for (const UseFact& use : script.facts.uses) {
+        while (use.span.begin >= script.facts.units[unit].span.end) {
+            ++unit;
+        }
+        const int name = script.facts.units[unit].name;
+        if (use.kind == UseKind::Call && use.name == name) {
+            isRecursive[static_cast<std::size_t>(name)] = true;
+        }
+    }
+    return isRecursive;
+}
+
+}  // namespace
+
+void FindUnusedStores(const Script& script, std::vector<Diagnostic>& found) {
+    const std::vector<bool> isRecursive = RecursiveNames(script);
+    for (const Graph& graph : script.graphs) {
+        if (!isRecursive[static_cast<std::size_t>(script.unit(graph.unit).name)]) {
+            FindInUnit(script, graph, found);
+        }
+    }
+}
