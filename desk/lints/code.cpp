@@ -61,26 +61,29 @@ std::string_view LabelIn(std::string_view item) {
                                            : item.substr(blank + 1);
 }
 
-std::string_view CodeAt(const Facts& facts, int item) {
-    const bool isThere = item >= 0 && item < static_cast<int>(facts.items.size());
-    return isThere ? facts.codeOf(facts.items[static_cast<std::size_t>(item)].text)
-                   : std::string_view();
+Code::Code(const Facts& ofFacts) : facts(ofFacts) {
+    operations.reserve(facts.items.size());
+    for (const ItemFact& item : facts.items) {
+        operations.push_back(OperationOf(facts.codeOf(item.text)));
+    }
 }
 
-Operation OperationAt(const Facts& facts, int item) {
-    return OperationOf(CodeAt(facts, item));
+std::string_view Code::text(int item) const {
+    return item >= 0 && item < count()
+               ? facts.codeOf(facts.items[static_cast<std::size_t>(item)].text)
+               : std::string_view();
 }
 
-bool IsTestOfFor(const Facts& facts, int load) {
-    return CodeAt(facts, load + 1) == "MOV $POP #R0";
+Token Code::kind(int item) const {
+    const int index = statement(item);
+    return index == NONE ? TOKEN_UNKNOWN
+                         : facts.statements[static_cast<std::size_t>(index)].kind;
 }
 
-bool IsStepOfFor(const Facts& facts, int loadOrStore) {
-    return IsStep(CodeAt(facts, loadOrStore + 1)) || IsStep(CodeAt(facts, loadOrStore - 1));
+bool Code::isTestOfFor(int load) const {
+    return text(load + 1) == "MOV $POP #R0";
 }
 
-Token StatementKindAt(const Facts& facts, int item) {
-    const int statement = facts.items[static_cast<std::size_t>(item)].statement;
-    return statement == NONE ? TOKEN_UNKNOWN
-                             : facts.statements[static_cast<std::size_t>(statement)].kind;
+bool Code::isStepOfFor(int loadOrStore) const {
+    return IsStep(text(loadOrStore + 1)) || IsStep(text(loadOrStore - 1));
 }

@@ -4,6 +4,7 @@
 #include "facts/facts.h"
 
 #include <string_view>
+#include <vector>
 
 enum class Operation : unsigned char {
     Other,
@@ -23,14 +24,26 @@ Operation OperationOf(std::string_view item);
 // The name of a label, or the label that a jump names.
 std::string_view LabelIn(std::string_view item);
 
-// The operation and the text of an item; an index beyond both ends gives an empty item.
-std::string_view CodeAt(const Facts& facts, int item);
-Operation OperationAt(const Facts& facts, int item);
+// The items of a script. Those before the first and after the last are empty.
+struct Code {
+    explicit Code(const Facts& ofFacts);
 
-// What the compiler writes for a FOR beside its start: the load of the test, then load, step and
-// store of the variable.
-bool IsTestOfFor(const Facts& facts, int load);
-bool IsStepOfFor(const Facts& facts, int loadOrStore);
+    const Facts& facts;
+    std::vector<Operation> operations;
 
-// The kind of the statement that an item is written for, TOKEN_UNKNOWN outside of statements.
-Token StatementKindAt(const Facts& facts, int item);
+    int count() const { return static_cast<int>(operations.size()); }
+    std::string_view text(int item) const;
+    Operation operation(int item) const { return operations[static_cast<std::size_t>(item)]; }
+
+    // The statement that an item is written for, and the code of its first token; NONE and
+    // TOKEN_UNKNOWN outside of statements.
+    int statement(int item) const {
+        return facts.items[static_cast<std::size_t>(item)].statement;
+    }
+    Token kind(int item) const;
+
+    // What the compiler writes for a FOR beside its start: the load of the test, then load, step
+    // and store of the variable.
+    bool isTestOfFor(int load) const;
+    bool isStepOfFor(int loadOrStore) const;
+};

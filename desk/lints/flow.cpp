@@ -9,7 +9,8 @@ std::vector<Diagnostic> FlowLints(const Source& source, const Facts& facts) {
     if (!facts.isCompiled()) {
         return found;
     }
-    const Script script = {source, facts, StepsOf(facts), LayoutOf(facts), GraphsOf(facts)};
+    const Code code(facts);
+    const Script script = {source, facts, code, LayoutOf(code), UnitFlowsOf(code)};
     FindUnsetReads(script, found);
     FindUnusedStores(script, found);
     FindUnreachableCode(script, found);

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "check/diagnostic.h"
-#include "lints/graph.h"
 #include "lints/layout.h"
 #include "lints/variables.h"
 
@@ -12,9 +11,9 @@
 struct Script {
     const Source& source;
     const Facts& facts;
-    std::vector<Step> steps;
+    Code code;
     Layout layout;
-    std::vector<Graph> graphs;
+    std::vector<UnitFlow> units;
 
     const ItemFact& item(int index) const { return facts.items[static_cast<std::size_t>(index)]; }
     const NameFact& name(int index) const { return facts.names[static_cast<std::size_t>(index)]; }

@@ -1,7 +1,5 @@
 #include "lints/graph.h"
 
-#include "lints/code.h"
-
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
@@ -32,10 +30,9 @@ bool IsJump(Operation operation) {
 // ---------------------------------------------------------------------------------------------
 
 // The body begins at the label BODY: or MAIN:, of which the first item of a unit is neither.
-int BeginOfBody(const Facts& facts, int begin, int end) {
+int BeginOfBody(const Code& code, int begin, int end) {
     for (int item = begin + 1; item < end; ++item) {
-        const std::string_view code = CodeAt(facts, item);
-        if (code == "BODY:" || code == "MAIN:") {
+        if (code.text(item) == "BODY:" || code.text(item) == "MAIN:") {
             return item;
         }
     }
@@ -43,19 +40,19 @@ int BeginOfBody(const Facts& facts, int begin, int end) {
 }
 
 // The items of a unit are written for places in it.
-int EndOfUnit(const Facts& facts, const UnitFact& unit, int begin) {
+int EndOfUnit(const Code& code, const UnitFact& unit, int begin) {
     const auto after = std::find_if(
-        facts.items.begin() + begin, facts.items.end(),
+        code.facts.items.begin() + begin, code.facts.items.end(),
         [&](const ItemFact& item) { return item.place >= unit.span.end; });
-    return static_cast<int>(after - facts.items.begin());
+    return static_cast<int>(after - code.facts.items.begin());
 }
 
-std::vector<Body> FindBodies(const Facts& facts) {
+std::vector<Body> FindBodies(const Code& code) {
     std::vector<Body> bodies;
     int item = 0;
-    for (std::size_t unit = 0; unit < facts.units.size(); ++unit) {
-        const int end = EndOfUnit(facts, facts.units[unit], item);
-        const int begin = BeginOfBody(facts, item, end);
+    for (std::size_t unit = 0; unit < code.facts.units.size(); ++unit) {
+        const int end = EndOfUnit(code, code.facts.units[unit], item);
+        const int begin = BeginOfBody(code, item, end);
         if (begin < end) {
             bodies.push_back({static_cast<int>(unit), begin, end});
         }
@@ -73,8 +70,8 @@ Body& BodyAt(Bodies& all, int item) {
 // ---------------------------------------------------------------------------------------------
 
 // Each body has a label BODY: or MAIN: of its own; a script can have labels of these names too.
-void AddLabel(const Facts& facts, Bodies& all, int item) {
-    const auto added = all.labels.emplace(LabelIn(CodeAt(facts, item)), item);
+void AddLabel(const Code& code, Bodies& all, int item) {
+    const auto added = all.labels.emplace(LabelIn(code.text(item)), item);
     const bool isBeginOfBody = BodyAt(all, item).begin == item;
     if (!added.second && !isBeginOfBody) {
         BodyAt(all, item).isCertain = false;
@@ -83,13 +80,13 @@ void AddLabel(const Facts& facts, Bodies& all, int item) {
 }
 
 // The item of the label that a jump goes to; NONE if there is none.
-int TargetOf(const Facts& facts, const Bodies& all, int jump) {
-    const auto found = all.labels.find(LabelIn(CodeAt(facts, jump)));
+int TargetOf(const Code& code, const Bodies& all, int jump) {
+    const auto found = all.labels.find(LabelIn(code.text(jump)));
     return found == all.labels.end() ? NONE : found->second;
 }
 
-void CheckJump(const Facts& facts, Bodies& all, int item) {
-    const int target = TargetOf(facts, all, item);
+void CheckJump(const Code& code, Bodies& all, int item) {
+    const int target = TargetOf(code, all, item);
     if (target == NONE) {
         BodyAt(all, item).isCertain = false;
     } else if (BodyAt(all, target).unit != BodyAt(all, item).unit) {
@@ -98,34 +95,34 @@ void CheckJump(const Facts& facts, Bodies& all, int item) {
     }
 }
 
-void FindLabels(const Facts& facts, Bodies& all) {
+void FindLabels(const Code& code, Bodies& all) {
     for (const Body& body : all.bodies) {
         for (int item = body.begin; item < body.end; ++item) {
-            if (OperationAt(facts, item) == Operation::Label) {
-                AddLabel(facts, all, item);
+            if (code.operation(item) == Operation::Label) {
+                AddLabel(code, all, item);
             }
         }
     }
 }
 
-void CheckJumps(const Facts& facts, Bodies& all) {
+void CheckJumps(const Code& code, Bodies& all) {
     for (const Body& body : all.bodies) {
         for (int item = body.begin; item < body.end; ++item) {
-            if (IsJump(OperationAt(facts, item))) {
-                CheckJump(facts, all, item);
+            if (IsJump(code.operation(item))) {
+                CheckJump(code, all, item);
             }
         }
     }
 }
 
-Bodies BodiesOf(const Facts& facts) {
-    Bodies all = {FindBodies(facts), std::vector<int>(facts.items.size(), NONE), {}};
+Bodies BodiesOf(const Code& code) {
+    Bodies all = {FindBodies(code), std::vector<int>(code.facts.items.size(), NONE), {}};
     for (std::size_t body = 0; body < all.bodies.size(); ++body) {
         std::fill(all.bodyOf.begin() + all.bodies[body].begin,
                   all.bodyOf.begin() + all.bodies[body].end, static_cast<int>(body));
     }
-    FindLabels(facts, all);
-    CheckJumps(facts, all);
+    FindLabels(code, all);
+    CheckJumps(code, all);
     return all;
 }
 
@@ -137,10 +134,10 @@ bool EndsBlock(Operation operation) {
     return IsJump(operation) || operation == Operation::Return;
 }
 
-void DivideIntoBlocks(const Facts& facts, const Body& body, Graph& graph) {
+void DivideIntoBlocks(const Code& code, const Body& body, Graph& graph) {
     bool isNew = true;
     for (int item = body.begin; item < body.end; ++item) {
-        const Operation operation = OperationAt(facts, item);
+        const Operation operation = code.operation(item);
         if (isNew || operation == Operation::Label) {
             graph.blocks.push_back({item, item});
         }
@@ -154,12 +151,12 @@ enum class Known : unsigned char { Nothing, Jumps, Passes };
 
 // A constant condition is "MOV 1 #A0", "EQ 1 #A0", "TST #A0" before the jump. That of an IF is
 // taken for a switch of the author's, and so is WHILE FALSE.
-Known WhatIsKnown(const Facts& facts, int jump) {
-    const Token kind = StatementKindAt(facts, jump);
+Known WhatIsKnown(const Code& code, int jump) {
+    const Token kind = code.kind(jump);
     const bool isConstant =
-        CodeAt(facts, jump - 1) == "TST #A0" && CodeAt(facts, jump - 2) == "EQ 1 #A0";
-    const bool isTrue = CodeAt(facts, jump - 3) == "MOV 1 #A0";
-    if (!isConstant || OperationAt(facts, jump) != Operation::JumpIfFalse) {
+        code.text(jump - 1) == "TST #A0" && code.text(jump - 2) == "EQ 1 #A0";
+    const bool isTrue = code.text(jump - 3) == "MOV 1 #A0";
+    if (!isConstant || code.operation(jump) != Operation::JumpIfFalse) {
         return Known::Nothing;
     }
     if (kind == TOKEN_REPEAT) {
@@ -168,18 +165,18 @@ Known WhatIsKnown(const Facts& facts, int jump) {
     return kind == TOKEN_WHILE && isTrue ? Known::Passes : Known::Nothing;
 }
 
-void ConnectBlock(const Facts& facts, const Bodies& all, Graph& graph, std::size_t index) {
+void ConnectBlock(const Code& code, const Bodies& all, Graph& graph, std::size_t index) {
     Block& block = graph.blocks[index];
     const int last = block.end - 1;
-    const Operation operation = OperationAt(facts, last);
-    const Known known = WhatIsKnown(facts, last);
+    const Operation operation = code.operation(last);
+    const Known known = WhatIsKnown(code, last);
     const bool passes = operation != Operation::Jump && operation != Operation::Return &&
                         known != Known::Jumps && index + 1 < graph.blocks.size();
     if (passes) {
         block.next[0] = static_cast<int>(index) + 1;
     }
     if (IsJump(operation) && known != Known::Passes) {
-        block.next[1] = graph.blockOf(TargetOf(facts, all, last));
+        block.next[1] = graph.blockOf(TargetOf(code, all, last));
     }
 }
 
@@ -198,11 +195,11 @@ void FindReached(Graph& graph) {
     }
 }
 
-Graph GraphOf(const Facts& facts, const Bodies& all, const Body& body) {
+Graph GraphOf(const Code& code, const Bodies& all, const Body& body) {
     Graph graph = {body.unit, {}};
-    DivideIntoBlocks(facts, body, graph);
+    DivideIntoBlocks(code, body, graph);
     for (std::size_t block = 0; block < graph.blocks.size(); ++block) {
-        ConnectBlock(facts, all, graph, block);
+        ConnectBlock(code, all, graph, block);
     }
     FindReached(graph);
     return graph;
@@ -217,12 +214,12 @@ int Graph::blockOf(int item) const {
     return static_cast<int>(after - blocks.begin()) - 1;
 }
 
-std::vector<Graph> GraphsOf(const Facts& facts) {
-    const Bodies all = BodiesOf(facts);
+std::vector<Graph> GraphsOf(const Code& code) {
+    const Bodies all = BodiesOf(code);
     std::vector<Graph> graphs;
     for (const Body& body : all.bodies) {
         if (body.isCertain) {
-            graphs.push_back(GraphOf(facts, all, body));
+            graphs.push_back(GraphOf(code, all, body));
         }
     }
     return graphs;
@@ -230,19 +227,19 @@ std::vector<Graph> GraphsOf(const Facts& facts) {
 
 // A loop has one conditional jump to its exit, at its head, and one jump back, at its end: the
 // way to the exit is moved from the first to the second.
-Graph WithLoopsEntered(const Facts& facts, Graph graph) {
+Graph WithLoopsEntered(const Code& code, Graph graph) {
     std::unordered_map<int, int> exits;  // by the statement
     for (Block& block : graph.blocks) {
         const int last = block.end - 1;
-        const Token kind = StatementKindAt(facts, last);
+        const Token kind = code.kind(last);
         if (kind != TOKEN_WHILE && kind != TOKEN_FOR) {
             continue;
         }
-        const int statement = facts.items[static_cast<std::size_t>(last)].statement;
-        if (OperationAt(facts, last) == Operation::JumpIfFalse) {
+        const int statement = code.statement(last);
+        if (code.operation(last) == Operation::JumpIfFalse) {
             exits[statement] = block.next[1];
             block.next[1] = NONE;
-        } else if (OperationAt(facts, last) == Operation::Jump) {
+        } else if (code.operation(last) == Operation::Jump) {
             block.next[0] = exits[statement];
         }
     }

@@ -1,7 +1,7 @@
 // The ways through a unit, read from its target code.
 #pragma once
 
-#include "facts/facts.h"
+#include "lints/code.h"
 
 #include <array>
 #include <vector>
@@ -29,8 +29,8 @@ struct Graph {
 
 // The graphs of a script that compiles; units whose jumps have no certain target are left out.
 // A WHILE TRUE and an UNTIL of a constant are known to hold or not, other conditions are not.
-std::vector<Graph> GraphsOf(const Facts& facts);
+std::vector<Graph> GraphsOf(const Code& code);
 
 // The same ways, but that the body of each FOR and WHILE is gone through before the loop ends
 // by its condition.
-Graph WithLoopsEntered(const Facts& facts, Graph graph);
+Graph WithLoopsEntered(const Code& code, Graph graph);

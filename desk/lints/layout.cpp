@@ -1,7 +1,5 @@
 #include "lints/layout.h"
 
-#include "lints/code.h"
-
 namespace {
 
 // What is known of a statement while its items are read.
@@ -12,7 +10,7 @@ struct Part {
 };
 
 struct Reader {
-    const Facts& facts;
+    const Code& code;
     Layout layout;
     std::vector<Part> parts;
     int body = 0;  // where the statements of the unit begin
@@ -25,13 +23,13 @@ Part& PartOf(Reader& reader, int statement) {
 // The body of a REPEAT runs whenever the statement does.
 void Begin(Reader& reader, int statement, int item) {
     StatementCode& code = reader.layout.statements[static_cast<std::size_t>(statement)];
-    const StatementFact& fact = reader.facts.statements[static_cast<std::size_t>(statement)];
+    const StatementFact& fact = reader.code.facts.statements[static_cast<std::size_t>(statement)];
     const bool isOuter = fact.parent == NONE;
     code.begin = item;
     code.branch = isOuter ? reader.body : PartOf(reader, fact.parent).lastOwn + 1;
     const bool isRepeated =
         !isOuter &&
-        reader.facts.statements[static_cast<std::size_t>(fact.parent)].kind == TOKEN_REPEAT;
+        reader.code.facts.statements[static_cast<std::size_t>(fact.parent)].kind == TOKEN_REPEAT;
     Part& part = PartOf(reader, statement);
     part.region = isRepeated ? PartOf(reader, fact.parent).region : code.branch;
     part.operand = part.region;
@@ -41,9 +39,9 @@ void Begin(Reader& reader, int statement, int item) {
 // an OR.
 void PassLabel(Reader& reader, int statement, int item) {
     Part& part = PartOf(reader, statement);
-    const bool isNextBranch = StatementKindAt(reader.facts, item) == TOKEN_IF &&
+    const bool isNextBranch = reader.code.kind(item) == TOKEN_IF &&
                               part.lastOwn == item - 1 &&
-                              OperationAt(reader.facts, item - 1) == Operation::Jump;
+                              reader.code.operation(item - 1) == Operation::Jump;
     if (isNextBranch) {
         part.region = item + 1;
     }
@@ -55,7 +53,7 @@ void ReadItem(Reader& reader, int statement, int item) {
     if (code.begin == NONE) {
         Begin(reader, statement, item);
     }
-    const Operation operation = OperationAt(reader.facts, item);
+    const Operation operation = reader.code.operation(item);
     if (operation == Operation::Label) {
         PassLabel(reader, statement, item);
     }
@@ -70,7 +68,7 @@ void ReadItem(Reader& reader, int statement, int item) {
 
 // Labels outside of statements begin a unit and its body.
 void ReadOutside(Reader& reader, int item) {
-    if (OperationAt(reader.facts, item) == Operation::Label) {
+    if (reader.code.operation(item) == Operation::Label) {
         reader.body = item + 1;
     }
     reader.layout.regions[static_cast<std::size_t>(item)] = reader.body;
@@ -78,17 +76,17 @@ void ReadOutside(Reader& reader, int item) {
 
 }  // namespace
 
-Layout LayoutOf(const Facts& facts) {
-    Reader reader = {facts, {}, {}};
+Layout LayoutOf(const Code& code) {
+    const Facts& facts = code.facts;
+    Reader reader = {code, {}, {}};
     reader.layout.statements.resize(facts.statements.size());
     reader.layout.regions.assign(facts.items.size(), NONE);
     reader.parts.resize(facts.statements.size());
-    for (std::size_t item = 0; item < facts.items.size(); ++item) {
-        const int statement = facts.items[item].statement;
-        if (statement == NONE) {
-            ReadOutside(reader, static_cast<int>(item));
+    for (int item = 0; item < code.count(); ++item) {
+        if (code.statement(item) == NONE) {
+            ReadOutside(reader, item);
         } else {
-            ReadItem(reader, statement, static_cast<int>(item));
+            ReadItem(reader, code.statement(item), item);
         }
     }
     return std::move(reader.layout);

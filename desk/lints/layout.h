@@ -1,7 +1,7 @@
 // Where the code of statements begins and ends, and what decides whether it runs.
 #pragma once
 
-#include "facts/facts.h"
+#include "lints/code.h"
 
 #include <vector>
 
@@ -24,4 +24,4 @@ struct Layout {
     }
 };
 
-Layout LayoutOf(const Facts& facts);
+Layout LayoutOf(const Code& code);

@@ -1,76 +1,157 @@
 #include "lints/spread.h"
 
-#include <deque>
+#include <algorithm>
 
 namespace {
 
-void AddWay(Ways& ways, int from, int to) {
-    ways.to[static_cast<std::size_t>(ways.isForwards ? from : to)].push_back(ways.isForwards ? to
-                                                                                           : from);
-}
+constexpr std::size_t MASK_BITS = 64;
 
-// Blocks that are to be visited, each at most once at a time.
-struct Queue {
-    std::deque<int> blocks;
-    std::vector<bool> isIn;
+// A group of variables takes two visits of each block, and one more for each level of loops.
+constexpr long long VISITS_PER_BLOCK = 300;
+
+// A block on the way through the graph, and which of the next ones is to be gone to.
+struct Stop {
+    int block;
+    std::size_t next;
 };
 
-void Add(Queue& queue, int block) {
-    if (!queue.isIn[static_cast<std::size_t>(block)]) {
-        queue.isIn[static_cast<std::size_t>(block)] = true;
-        queue.blocks.push_back(block);
+// Goes to the next block that was not visited yet; false if there is none.
+bool GoOn(const Graph& graph, std::vector<bool>& isVisited, std::vector<Stop>& way) {
+    const Block& block = graph.blocks[static_cast<std::size_t>(way.back().block)];
+    while (way.back().next < block.next.size()) {
+        const int next = block.next[way.back().next];
+        ++way.back().next;
+        if (next != NONE && !isVisited[static_cast<std::size_t>(next)]) {
+            isVisited[static_cast<std::size_t>(next)] = true;
+            way.push_back({next, 0});
+            return true;
+        }
     }
+    return false;
 }
 
-int Take(Queue& queue) {
-    const int block = queue.blocks.front();
-    queue.blocks.pop_front();
-    queue.isIn[static_cast<std::size_t>(block)] = false;
-    return block;
+// The blocks that can be reached, in the reverse of the order in which they are left for good.
+std::vector<int> OrderOf(const Graph& graph) {
+    std::vector<int> order;
+    std::vector<bool> isVisited(graph.blocks.size(), false);
+    std::vector<Stop> way = {{0, 0}};
+    isVisited.front() = true;
+    while (!way.empty()) {
+        if (!GoOn(graph, isVisited, way)) {
+            order.push_back(way.back().block);
+            way.pop_back();
+        }
+    }
+    std::reverse(order.begin(), order.end());
+    return order;
 }
 
-// All blocks, those first that pass on to others rather than the other way round.
-Queue QueueOf(const Ways& ways) {
-    const int count = static_cast<int>(ways.to.size());
-    Queue queue = {{}, std::vector<bool>(ways.to.size(), false)};
-    for (int block = 0; block < count; ++block) {
-        Add(queue, ways.isForwards ? block : count - 1 - block);
+std::array<int, 2> NextPlaces(const Block& block, const std::vector<int>& places,
+                              bool throughCalls) {
+    std::array<int, 2> next = {NONE, NONE};
+    for (std::size_t i = 0; i < next.size(); ++i) {
+        next[i] = block.next[i] == NONE ? NONE : places[static_cast<std::size_t>(block.next[i])];
     }
-    return queue;
+    if (throughCalls && block.isEnd()) {
+        next[0] = 0;
+    }
+    return next;
+}
+
+// Whether there are visits left for all blocks once more, which are then used.
+bool UseVisits(Ways& ways) {
+    const auto count = static_cast<long long>(ways.order.size());
+    const bool areLeft = ways.visitsLeft >= count;
+    ways.visitsLeft -= areLeft ? count : 0;
+    return areLeft;
+}
+
+// Whether something went back to a block that had been visited in this round.
+bool PassForwards(const Ways& ways, const std::vector<Transfer>& transfers,
+                  std::vector<Mask>& come) {
+    bool isAgain = false;
+    for (std::size_t place = 0; place < ways.order.size(); ++place) {
+        const auto block = static_cast<std::size_t>(ways.order[place]);
+        const Mask passed = transfers[block].after(come[block]);
+        for (const int next : ways.next[place]) {
+            if (next == NONE) {
+                continue;
+            }
+            Mask& known = come[static_cast<std::size_t>(ways.order[static_cast<std::size_t>(next)])];
+            isAgain = isAgain || (next <= static_cast<int>(place) && (passed & ~known) != 0);
+            known |= passed;
+        }
+    }
+    return isAgain;
+}
+
+// Whether something more came to a block.
+bool PassBackwards(const Ways& ways, const std::vector<Transfer>& transfers,
+                   std::vector<Mask>& come) {
+    bool isMore = false;
+    for (std::size_t place = ways.order.size(); place-- > 0;) {
+        Mask& known = come[static_cast<std::size_t>(ways.order[place])];
+        Mask found = known;
+        for (const int next : ways.next[place]) {
+            if (next != NONE) {
+                const auto block =
+                    static_cast<std::size_t>(ways.order[static_cast<std::size_t>(next)]);
+                found |= transfers[block].after(come[block]);
+            }
+        }
+        isMore = isMore || found != known;
+        known = found;
+    }
+    return isMore;
 }
 
 }  // namespace
 
-Ways WaysOf(const Graph& graph, Direction direction) {
-    Ways ways = {direction == Direction::Forwards,
-                 std::vector<std::vector<int>>(graph.blocks.size())};
-    for (std::size_t index = 0; index < graph.blocks.size(); ++index) {
-        const Block& block = graph.blocks[index];
-        for (const int next : block.next) {
-            if (block.isReached && next != NONE) {
-                AddWay(ways, static_cast<int>(index), next);
-            }
+std::vector<Group> GroupsOf(const std::vector<const Variable*>& variables) {
+    std::vector<Group> groups;
+    for (const Variable* variable : variables) {
+        if (groups.empty() || groups.back().size() == MASK_BITS) {
+            groups.emplace_back();
         }
-        if (direction == Direction::BackwardsThroughCalls && block.isReached && block.isEnd()) {
-            AddWay(ways, static_cast<int>(index), 0);
-        }
+        groups.back().push_back(variable);
     }
+    return groups;
+}
+
+Ways WaysOf(const Graph& graph, bool throughCalls) {
+    Ways ways = {OrderOf(graph), {}, 0};
+    std::vector<int> places(graph.blocks.size(), NONE);
+    for (std::size_t place = 0; place < ways.order.size(); ++place) {
+        places[static_cast<std::size_t>(ways.order[place])] = static_cast<int>(place);
+    }
+    for (const int block : ways.order) {
+        ways.next.push_back(
+            NextPlaces(graph.blocks[static_cast<std::size_t>(block)], places, throughCalls));
+    }
+    ways.visitsLeft = static_cast<long long>(ways.order.size()) * VISITS_PER_BLOCK;
     return ways;
 }
 
-std::vector<Mask> Spread(const Ways& ways, const std::vector<Transfer>& transfers,
-                         std::vector<Mask> come) {
-    Queue queue = QueueOf(ways);
-    while (!queue.blocks.empty()) {
-        const auto block = static_cast<std::size_t>(Take(queue));
-        const Mask passed = transfers[block].after(come[block]);
-        for (const int to : ways.to[block]) {
-            Mask& known = come[static_cast<std::size_t>(to)];
-            if ((passed & ~known) != 0) {
-                known |= passed;
-                Add(queue, to);
-            }
+std::vector<Mask> SpreadForwards(Ways& ways, const std::vector<Transfer>& transfers,
+                                 std::vector<Mask> come) {
+    bool isAgain = true;
+    while (isAgain) {
+        if (!UseVisits(ways)) {
+            return {};
         }
+        isAgain = PassForwards(ways, transfers, come);
+    }
+    return come;
+}
+
+std::vector<Mask> SpreadBackwards(Ways& ways, const std::vector<Transfer>& transfers,
+                                  std::vector<Mask> come) {
+    bool isMore = true;
+    while (isMore) {
+        if (!UseVisits(ways)) {
+            return {};
+        }
+        isMore = PassBackwards(ways, transfers, come);
     }
     return come;
 }

@@ -1,7 +1,5 @@
 #include "lints/steps.h"
 
-#include "lints/code.h"
-
 #include <algorithm>
 
 namespace {
@@ -9,7 +7,7 @@ namespace {
 // The compiler writes the loads and stores in the order in which it meets the names, so the next
 // item of a kind belongs to the next use of that kind.
 struct Reader {
-    const Facts& facts;
+    const Code& code;
     std::vector<Step> steps;
     std::size_t nextRead;  // and reference
     std::size_t nextWrite;
@@ -38,27 +36,27 @@ int NextUse(const Facts& facts, std::size_t& from, bool isOfKind(const UseFact&)
 
 void AddUse(Reader& reader, StepKind kind, int item) {
     const bool isStore = kind == StepKind::Store;
-    const int use = isStore ? NextUse(reader.facts, reader.nextWrite, IsWrite)
-                            : NextUse(reader.facts, reader.nextRead, IsReadOrReference);
+    const int use = isStore ? NextUse(reader.code.facts, reader.nextWrite, IsWrite)
+                            : NextUse(reader.code.facts, reader.nextRead, IsReadOrReference);
     if (use == NONE) {
         reader.fits = false;
         return;
     }
-    const int name = reader.facts.uses[static_cast<std::size_t>(use)].name;
+    const int name = reader.code.facts.uses[static_cast<std::size_t>(use)].name;
     reader.steps.push_back({kind, item, name, use});
 }
 
 // The variable of a FOR is the one that the first store of the statement is made to.
 void AddStore(Reader& reader, int item) {
     AddUse(reader, StepKind::Store, item);
-    if (StatementKindAt(reader.facts, item) == TOKEN_FOR && reader.fits) {
-        const int statement = reader.facts.items[static_cast<std::size_t>(item)].statement;
+    if (reader.code.kind(item) == TOKEN_FOR && reader.fits) {
+        const int statement = reader.code.statement(item);
         reader.variablesOfFor[static_cast<std::size_t>(statement)] = reader.steps.back().name;
     }
 }
 
 void AddPartOfFor(Reader& reader, StepKind kind, int item) {
-    const int statement = reader.facts.items[static_cast<std::size_t>(item)].statement;
+    const int statement = reader.code.statement(item);
     const int name = reader.variablesOfFor[static_cast<std::size_t>(statement)];
     reader.steps.push_back({kind, item, name, NONE});
 }
@@ -70,13 +68,13 @@ void AddLoadOfResult(Reader& reader, int item) {
         return;
     }
     reader.steps.push_back({StepKind::Load, item, reader.results[reader.nextResult], NONE});
-    const bool isEndOfUnit = StatementKindAt(reader.facts, item) == TOKEN_UNKNOWN;
+    const bool isEndOfUnit = reader.code.kind(item) == TOKEN_UNKNOWN;
     reader.nextResult += isEndOfUnit ? 1 : 0;
 }
 
 void AddLoad(Reader& reader, int item) {
-    const Token kind = StatementKindAt(reader.facts, item);
-    const bool isOfFor = IsTestOfFor(reader.facts, item) || IsStepOfFor(reader.facts, item);
+    const Token kind = reader.code.kind(item);
+    const bool isOfFor = reader.code.isTestOfFor(item) || reader.code.isStepOfFor(item);
     if (kind == TOKEN_UNKNOWN || kind == TOKEN_EXIT) {
         AddLoadOfResult(reader, item);
     } else if (kind == TOKEN_FOR && isOfFor) {
@@ -88,14 +86,14 @@ void AddLoad(Reader& reader, int item) {
 
 // Outside of statements parameters are stored, which no use asks for.
 void AddItem(Reader& reader, int item) {
-    const Operation operation = OperationAt(reader.facts, item);
+    const Operation operation = reader.code.operation(item);
     if (operation == Operation::Load) {
         AddLoad(reader, item);
-    } else if (StatementKindAt(reader.facts, item) == TOKEN_UNKNOWN) {
+    } else if (reader.code.kind(item) == TOKEN_UNKNOWN) {
         return;
     } else if (operation == Operation::Address) {
         AddUse(reader, StepKind::Reference, item);
-    } else if (operation == Operation::Store && IsStepOfFor(reader.facts, item)) {
+    } else if (operation == Operation::Store && reader.code.isStepOfFor(item)) {
         AddPartOfFor(reader, StepKind::Store, item);
     } else if (operation == Operation::Store) {
         AddStore(reader, item);
@@ -115,10 +113,11 @@ std::vector<int> ResultsOf(const Facts& facts) {
 
 }  // namespace
 
-std::vector<Step> StepsOf(const Facts& facts) {
-    Reader reader = {facts, {}, 0, 0, {}, ResultsOf(facts), 0, true};
+std::vector<Step> StepsOf(const Code& code) {
+    const Facts& facts = code.facts;
+    Reader reader = {code, {}, 0, 0, {}, ResultsOf(facts), 0, true};
     reader.variablesOfFor.assign(facts.statements.size(), NONE);
-    for (int item = 0; item < static_cast<int>(facts.items.size()) && reader.fits; ++item) {
+    for (int item = 0; item < code.count() && reader.fits; ++item) {
         AddItem(reader, item);
     }
     const bool isAllUsed = NextUse(facts, reader.nextRead, IsReadOrReference) == NONE &&

@@ -1,7 +1,7 @@
 // What the code does with variables, step by step, and where in the script it is asked to.
 #pragma once
 
-#include "facts/facts.h"
+#include "lints/code.h"
 
 #include <vector>
 
@@ -17,4 +17,4 @@ struct Step {
 
 // The steps of the statements of a script that compiles, and the loads of results, in the order
 // of the code. None at all if code and uses do not fit together.
-std::vector<Step> StepsOf(const Facts& facts);
+std::vector<Step> StepsOf(const Code& code);

@@ -1,6 +1,5 @@
 // Statements that no way leads to.
 
-#include "lints/code.h"
 #include "lints/flow_rules.h"
 
 #include <algorithm>
@@ -22,8 +21,8 @@ struct Reached {
 
 Reached ReachedItems(const Script& script) {
     std::vector<int> counts(script.facts.items.size() + 1, 1);
-    for (const Graph& graph : script.graphs) {
-        for (const Block& block : graph.blocks) {
+    for (const UnitFlow& unit : script.units) {
+        for (const Block& block : unit.graph.blocks) {
             std::fill(counts.begin() + block.begin, counts.begin() + block.end,
                       block.isReached ? 1 : 0);
         }

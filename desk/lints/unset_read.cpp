@@ -6,8 +6,8 @@
 // without is only told of if no condition stands between the two: none that the read is under,
 // and none under which the unit or the loop was left. Loops are taken to run at least once.
 
-#include "lints/code.h"
 #include "lints/flow_rules.h"
+#include "lints/spread.h"
 
 #include <algorithm>
 #include <climits>
@@ -20,7 +20,6 @@ constexpr const char* ID = "unset-read";
 struct Look {
     const Script& script;
     const Graph& graph;
-    const Ways& ways;
     const Group& group;
     std::vector<Transfer> stores;  // by block
     std::vector<Mask> unset;       // by block, that come to it without a value on some way
@@ -72,8 +71,8 @@ std::vector<const Variable*> CandidatesOf(const Script& script,
 // What comes where
 // ---------------------------------------------------------------------------------------------
 
-// A read ends the doubt: what follows from it is not told of again.
-void FindStates(Look& look) {
+// A read ends the doubt: what follows from it is not told of again. False if it is too much.
+bool FindStates(Look& look, Ways& ways) {
     const std::size_t count = look.graph.blocks.size();
     std::vector<Transfer> uses(count);
     look.stores.assign(count, Transfer());
@@ -85,9 +84,10 @@ void FindStates(Look& look) {
         }
     }
     std::vector<Mask> begin(count, 0);
-    look.set = Spread(look.ways, look.stores, begin);
+    look.set = SpreadForwards(ways, look.stores, begin);
     begin.front() = ~Mask(0);
-    look.unset = Spread(look.ways, uses, begin);
+    look.unset = SpreadForwards(ways, uses, begin);
+    return !look.set.empty() && !look.unset.empty();
 }
 
 bool IsLeaving(Token kind) {
@@ -108,7 +108,7 @@ void FindDoubts(Look& look) {
     look.doubts.assign(look.group.size(), INT_MAX);
     for (std::size_t index = 0; index < look.graph.blocks.size(); ++index) {
         const int last = look.graph.blocks[index].end - 1;
-        const Token kind = StatementKindAt(look.script.facts, last);
+        const Token kind = look.script.code.kind(last);
         if (kind == TOKEN_GOTO) {
             DoubtFrom(look, ~Mask(0), 0);
         } else if (IsLeaving(kind)) {
@@ -187,13 +187,14 @@ void FindInVariable(const Look& look, std::size_t index, std::vector<Diagnostic>
     }
 }
 
-void FindInUnit(const Script& script, const Graph& graph, std::vector<Diagnostic>& found) {
-    const std::vector<Variable> variables = VariablesOf(graph, script.steps);
-    const Graph entered = WithLoopsEntered(script.facts, graph);
-    const Ways ways = WaysOf(entered, Direction::Forwards);
-    for (const Group& group : GroupsOf(CandidatesOf(script, variables))) {
-        Look look = {script, entered, ways, group, {}, {}, {}, {}};
-        FindStates(look);
+void FindInUnit(const Script& script, const UnitFlow& unit, std::vector<Diagnostic>& found) {
+    const Graph graph = WithLoopsEntered(script.code, unit.graph);
+    Ways ways = WaysOf(graph, false);
+    for (const Group& group : GroupsOf(CandidatesOf(script, unit.variables))) {
+        Look look = {script, graph, group, {}, {}, {}, {}};
+        if (!FindStates(look, ways)) {
+            return;
+        }
         FindDoubts(look);
         for (std::size_t index = 0; index < group.size(); ++index) {
             FindInVariable(look, index, found);
@@ -204,9 +205,9 @@ void FindInUnit(const Script& script, const Graph& graph, std::vector<Diagnostic
 }  // namespace
 
 void FindUnsetReads(const Script& script, std::vector<Diagnostic>& found) {
-    for (const Graph& graph : script.graphs) {
-        if (script.unit(graph.unit).kind != TOKEN_PROGRAM) {
-            FindInUnit(script, graph, found);
+    for (const UnitFlow& unit : script.units) {
+        if (script.unit(unit.graph.unit).kind != TOKEN_PROGRAM) {
+            FindInUnit(script, unit, found);
         }
     }
 }

@@ -5,8 +5,8 @@
 // any time are left alone. A constant that some ways overwrite later is a default, and a call
 // whose value is not used may be made for what it does.
 
-#include "lints/code.h"
 #include "lints/flow_rules.h"
+#include "lints/spread.h"
 
 #include <algorithm>
 
@@ -18,7 +18,6 @@ constexpr const char* ID = "unused-store";
 struct Look {
     const Script& script;
     const Graph& graph;
-    const Ways& ways;
     const Group& group;
     std::vector<Mask> needed;  // by block, whose values are read after it on some way
 };
@@ -38,7 +37,7 @@ bool IsRead(const PlacedStep& step) {
 // Whether it is a store by an assignment.
 bool IsAssigned(const Script& script, const PlacedStep& step) {
     return step.kind == StepKind::Store && step.use != NONE &&
-           StatementKindAt(script.facts, step.item) != TOKEN_FOR;
+           script.code.kind(step.item) != TOKEN_FOR;
 }
 
 // The step after one in its block, or null.
@@ -127,7 +126,7 @@ template <typename Predicate>
 bool AnyBefore(const Script& script, int store, Predicate predicate) {
     const int statement = script.item(store).statement;
     for (int item = store - 1; item >= 0 && script.item(item).statement == statement; --item) {
-        if (predicate(CodeAt(script.facts, item))) {
+        if (predicate(item)) {
             return true;
         }
     }
@@ -135,8 +134,8 @@ bool AnyBefore(const Script& script, int store, Predicate predicate) {
 }
 
 bool HasCall(const Script& script, const PlacedStep& store) {
-    return AnyBefore(script, store.item, [](std::string_view code) {
-        return OperationOf(code) == Operation::Call;
+    return AnyBefore(script, store.item, [&](int item) {
+        return script.code.operation(item) == Operation::Call;
     });
 }
 
@@ -149,7 +148,7 @@ bool IsPartOfConstant(std::string_view code) {
 
 bool IsConstant(const Script& script, const PlacedStep& store) {
     return !AnyBefore(script, store.item,
-                      [](std::string_view code) { return !IsPartOfConstant(code); });
+                      [&](int item) { return !IsPartOfConstant(script.code.text(item)); });
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -211,13 +210,14 @@ void FindInVariable(const Look& look, std::size_t index, std::vector<Diagnostic>
     }
 }
 
-void FindInUnit(const Script& script, const Graph& graph, std::vector<Diagnostic>& found) {
-    const std::vector<Variable> variables = VariablesOf(graph, script.steps);
-    const Ways ways = WaysOf(graph, IsProgram(script, graph) ? Direction::Backwards
-                                                             : Direction::BackwardsThroughCalls);
-    for (const Group& group : GroupsOf(CandidatesOf(script, graph, variables))) {
-        Look look = {script, graph, ways, group, {}};
-        look.needed = Spread(ways, TransfersOf(look), NeededAtEnd(look));
+void FindInUnit(const Script& script, const UnitFlow& unit, std::vector<Diagnostic>& found) {
+    Ways ways = WaysOf(unit.graph, !IsProgram(script, unit.graph));
+    for (const Group& group : GroupsOf(CandidatesOf(script, unit.graph, unit.variables))) {
+        Look look = {script, unit.graph, group, {}};
+        look.needed = SpreadBackwards(ways, TransfersOf(look), NeededAtEnd(look));
+        if (look.needed.empty()) {
+            return;
+        }
         for (std::size_t index = 0; index < group.size(); ++index) {
             FindInVariable(look, index, found);
         }
@@ -244,9 +244,9 @@ std::vector<bool> RecursiveNames(const Script& script) {
 
 void FindUnusedStores(const Script& script, std::vector<Diagnostic>& found) {
     const std::vector<bool> isRecursive = RecursiveNames(script);
-    for (const Graph& graph : script.graphs) {
-        if (!isRecursive[static_cast<std::size_t>(script.unit(graph.unit).name)]) {
-            FindInUnit(script, graph, found);
+    for (const UnitFlow& unit : script.units) {
+        if (!isRecursive[static_cast<std::size_t>(script.unit(unit.graph.unit).name)]) {
+            FindInUnit(script, unit, found);
         }
     }
 }

@@ -1,31 +1,44 @@
 #include "lints/variables.h"
 
 #include <algorithm>
-#include <unordered_map>
 
-std::vector<Variable> VariablesOf(const Graph& graph, const std::vector<Step>& steps) {
-    std::vector<Variable> variables;
-    std::unordered_map<int, std::size_t> indexes;  // by name
-    auto step = std::lower_bound(steps.begin(), steps.end(), graph.begin(),
-                                 [](const Step& one, int item) { return one.item < item; });
-    for (; step != steps.end() && step->item < graph.end(); ++step) {
-        const auto added = indexes.emplace(step->name, variables.size());
-        if (added.second) {
-            variables.push_back({step->name, {}});
-        }
-        variables[added.first->second].steps.push_back(
-            {step->kind, step->item, step->use, graph.blockOf(step->item)});
+namespace {
+
+// Where the variables are in the list of their unit, by name.
+using Indexes = std::vector<int>;
+
+Variable& VariableOf(UnitFlow& unit, Indexes& indexes, int name) {
+    int& index = indexes[static_cast<std::size_t>(name)];
+    if (index == NONE) {
+        index = static_cast<int>(unit.variables.size());
+        unit.variables.push_back({name, {}});
     }
-    return variables;
+    return unit.variables[static_cast<std::size_t>(index)];
 }
 
-std::vector<Group> GroupsOf(const std::vector<const Variable*>& variables) {
-    std::vector<Group> groups;
-    for (const Variable* variable : variables) {
-        if (groups.empty() || groups.back().size() == MASK_BITS) {
-            groups.emplace_back();
+// The steps of a unit follow each other, and so do its blocks.
+void AddSteps(UnitFlow& unit, Indexes& indexes, const std::vector<Step>& steps) {
+    auto step = std::lower_bound(steps.begin(), steps.end(), unit.graph.begin(),
+                                 [](const Step& one, int item) { return one.item < item; });
+    int block = 0;
+    for (; step != steps.end() && step->item < unit.graph.end(); ++step) {
+        while (step->item >= unit.graph.blocks[static_cast<std::size_t>(block)].end) {
+            ++block;
         }
-        groups.back().push_back(variable);
+        VariableOf(unit, indexes, step->name)
+            .steps.push_back({step->kind, step->item, step->use, block});
     }
-    return groups;
+}
+
+}  // namespace
+
+std::vector<UnitFlow> UnitFlowsOf(const Code& code) {
+    const std::vector<Step> steps = StepsOf(code);
+    Indexes indexes(code.facts.names.size(), NONE);
+    std::vector<UnitFlow> units;
+    for (Graph& graph : GraphsOf(code)) {
+        units.push_back({std::move(graph), {}});
+        AddSteps(units.back(), indexes, steps);
+    }
+    return units;
 }

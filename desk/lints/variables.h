@@ -2,7 +2,6 @@
 #pragma once
 
 #include "lints/graph.h"
-#include "lints/spread.h"
 #include "lints/steps.h"
 
 #include <vector>
@@ -19,14 +18,10 @@ struct Variable {
     std::vector<PlacedStep> steps;  // in the order of the code, at least one
 };
 
-// The variables that a unit uses, in the order in which it does; the steps are those of the
-// script.
-std::vector<Variable> VariablesOf(const Graph& graph, const std::vector<Step>& steps);
+// A unit and the variables that it uses, in the order in which it does.
+struct UnitFlow {
+    Graph graph;
+    std::vector<Variable> variables;
+};
 
-// Variables that are looked at together, each for a bit of a mask.
-using Group = std::vector<const Variable*>;
-std::vector<Group> GroupsOf(const std::vector<const Variable*>& variables);
-
-inline Mask BitOf(std::size_t index) {
-    return Mask(1) << index;
-}
+std::vector<UnitFlow> UnitFlowsOf(const Code& code);
