@@ -139,8 +139,8 @@ Diagnostic DiagnosticOfRead(const Look& look, const Variable& variable, const Pl
                             bool isSetSomewhere) {
     const QString text =
         isSetSomewhere
-            ? QStringLiteral("The variable %1 is read here, but not every way here sets it")
-            : QStringLiteral("The variable %1 is read here, but no way here sets it");
+            ? QStringLiteral("The variable %1 is read here, but not set on every way to here")
+            : QStringLiteral("The variable %1 is read here, but nothing sets it before");
     return Warn(ID, text.arg(Quoted(look.script, variable.name)),
                 look.script.use(step.use).span);
 }
@@ -149,8 +149,8 @@ Diagnostic DiagnosticOfRead(const Look& look, const Variable& variable, const Pl
 Diagnostic DiagnosticOfResult(const Look& look, const PlacedStep& step, bool isSetSomewhere) {
     const QString text =
         isSetSomewhere
-            ? QStringLiteral("The function %1 ends here, but not every way here sets \"RESULT\"")
-            : QStringLiteral("The function %1 ends here, but no way here sets \"RESULT\"");
+            ? QStringLiteral("The function %1 ends here, but \"RESULT\" is not set on every way")
+            : QStringLiteral("The function %1 ends here, but nothing sets \"RESULT\" before");
     const int name = look.script.unit(look.graph.unit).name;
     return Warn(ID, text.arg(Quoted(look.script, name)),
                 TokenAt(look.script.facts, look.script.item(step.item).place));

@@ -108,11 +108,18 @@ std::vector<Transfer> TransfersOf(const Look& look) {
     return transfers;
 }
 
-std::vector<Mask> NeededAtEnd(const Look& look) {
-    std::vector<Mask> needed(look.graph.blocks.size(), 0);
+// What is needed at the end of the program, and in loops that have none; nothing at all if there
+// are no visits left.
+std::vector<Mask> NeededByOthers(const Script& script, const Graph& graph, Ways& ways) {
+    std::vector<Mask> needed(graph.blocks.size(), 0);
     for (std::size_t index = 0; index < needed.size(); ++index) {
-        const bool isEnd = look.graph.blocks[index].isEnd();
-        needed[index] = isEnd && IsProgram(look.script, look.graph) ? ~Mask(0) : 0;
+        needed[index] = graph.blocks[index].isEnd() ? 1 : 0;
+    }
+    needed = SpreadBackwards(ways, std::vector<Transfer>(needed.size()), needed);
+    for (std::size_t index = 0; index < needed.size(); ++index) {
+        const bool isEnd = graph.blocks[index].isEnd();
+        const bool isSeen = isEnd ? IsProgram(script, graph) : needed[index] == 0;
+        needed[index] = isSeen ? ~Mask(0) : 0;
     }
     return needed;
 }
@@ -181,6 +188,14 @@ bool IsOverwritten(const Variable& variable, const PlacedStep& step) {
     return next != nullptr && next->kind == StepKind::Store;
 }
 
+// What a program leaves behind counts as read, so that there each value that is not has another
+// after it.
+QString MessageOf(const Look& look, const Variable& variable, const PlacedStep& step) {
+    return IsProgram(look.script, look.graph) || IsOverwritten(variable, step)
+               ? QStringLiteral("The variable %1 gets another value before this one is read")
+               : QStringLiteral("Nothing reads this value of the variable %1");
+}
+
 bool IsUnused(const Look& look, std::size_t index, const PlacedStep& step) {
     const auto block = static_cast<std::size_t>(step.block);
     const Variable& variable = *look.group[index];
@@ -200,21 +215,17 @@ void FindInVariable(const Look& look, std::size_t index, std::vector<Diagnostic>
     }
     for (const PlacedStep& step : variable.steps) {
         if (IsUnused(look, index, step)) {
-            const bool isOverwritten = IsOverwritten(variable, step);
-            found.push_back(DiagnosticOf(
-                look, step,
-                isOverwritten
-                    ? QStringLiteral("The variable %1 gets another value before this one is read")
-                    : QStringLiteral("Nothing reads this value of the variable %1")));
+            found.push_back(DiagnosticOf(look, step, MessageOf(look, variable, step)));
         }
     }
 }
 
 void FindInUnit(const Script& script, const UnitFlow& unit, std::vector<Diagnostic>& found) {
     Ways ways = WaysOf(unit.graph, !IsProgram(script, unit.graph));
+    const std::vector<Mask> byOthers = NeededByOthers(script, unit.graph, ways);
     for (const Group& group : GroupsOf(CandidatesOf(script, unit.graph, unit.variables))) {
         Look look = {script, unit.graph, group, {}};
-        look.needed = SpreadBackwards(ways, TransfersOf(look), NeededAtEnd(look));
+        look.needed = SpreadBackwards(ways, TransfersOf(look), byOthers);
         if (look.needed.empty()) {
             return;
         }
