@@ -9,8 +9,8 @@ std::vector<Diagnostic> FlowLints(const Source& source, const Facts& facts) {
     if (!facts.isCompiled()) {
         return found;
     }
-    const Code code(facts);
-    const Script script = {source, facts, code, LayoutOf(code), UnitFlowsOf(code)};
+    const FlowCode code(facts);
+    const FlowScript script = {source, facts, code, FlowLayoutOf(code), UnitFlowsOf(code)};
     FindUnsetReads(script, found);
     FindUnusedStores(script, found);
     FindUnreachableCode(script, found);

@@ -2,17 +2,17 @@
 #pragma once
 
 #include "check/diagnostic.h"
-#include "lints/layout.h"
-#include "lints/variables.h"
+#include "lints/flow_layout.h"
+#include "lints/flow_variables.h"
 
 #include <vector>
 
 // A script that compiles and what was read from its code.
-struct Script {
+struct FlowScript {
     const Source& source;
     const Facts& facts;
-    Code code;
-    Layout layout;
+    FlowCode code;
+    FlowLayout layout;
     std::vector<UnitFlow> units;
 
     const ItemFact& item(int index) const { return facts.items[static_cast<std::size_t>(index)]; }
@@ -25,17 +25,17 @@ struct Script {
 };
 
 // Each appends what it finds, in any order.
-void FindUnsetReads(const Script& script, std::vector<Diagnostic>& found);
-void FindUnusedStores(const Script& script, std::vector<Diagnostic>& found);
-void FindUnreachableCode(const Script& script, std::vector<Diagnostic>& found);
-void FindChangedLoopVariables(const Script& script, std::vector<Diagnostic>& found);
+void FindUnsetReads(const FlowScript& script, std::vector<Diagnostic>& found);
+void FindUnusedStores(const FlowScript& script, std::vector<Diagnostic>& found);
+void FindUnreachableCode(const FlowScript& script, std::vector<Diagnostic>& found);
+void FindChangedLoopVariables(const FlowScript& script, std::vector<Diagnostic>& found);
 
 // The text of a name in the quotes of a message.
-inline QString Quoted(const Script& script, int name) {
+inline QString Quoted(const FlowScript& script, int name) {
     return QLatin1Char('"') + script.facts.textOf(script.name(name).text).toString() +
            QLatin1Char('"');
 }
 
-inline Diagnostic Warn(const char* id, const QString& message, Span span) {
+inline Diagnostic FlowWarning(const char* id, const QString& message, Span span) {
     return {Level::Warning, QString::fromLatin1(id), message, span, {}, std::nullopt};
 }

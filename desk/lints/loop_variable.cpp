@@ -25,7 +25,7 @@ struct Parameters {
     std::vector<bool> isChanged;  // by name
 };
 
-Parameters ParametersOf(const Script& script) {
+Parameters ParametersOf(const FlowScript& script) {
     Parameters all;
     all.isChanged.assign(script.facts.names.size(), false);
     for (std::size_t name = 0; name < script.facts.names.size(); ++name) {
@@ -63,10 +63,9 @@ bool Changes(Parameters& all, const UseFact& use) {
         BeginCall(all, use.name);
         return false;
     }
-    const bool isChange =
-        use.kind == UseKind::Write ||
-        (use.kind == UseKind::Reference &&
-         all.isChanged[static_cast<std::size_t>(TakeParameter(all))]);
+    const bool isChange = use.kind == UseKind::Write ||
+                          (use.kind == UseKind::Reference &&
+                           all.isChanged[static_cast<std::size_t>(TakeParameter(all))]);
     if (isChange) {
         all.isChanged[static_cast<std::size_t>(use.name)] = true;
     }
@@ -89,7 +88,7 @@ struct Loops {
     int next = 0;                         // the statement that may begin
 };
 
-void Close(const Script& script, Loops& loops, int place) {
+void Close(const FlowScript& script, Loops& loops, int place) {
     while (!loops.open.empty() &&
            script.statement(loops.open.back().statement).span.end <= place) {
         if (loops.open.back().variable != NONE) {
@@ -99,7 +98,7 @@ void Close(const Script& script, Loops& loops, int place) {
     }
 }
 
-void MoveTo(const Script& script, Loops& loops, int place) {
+void MoveTo(const FlowScript& script, Loops& loops, int place) {
     const int count = static_cast<int>(script.facts.statements.size());
     while (loops.next < count && script.statement(loops.next).span.begin <= place) {
         Close(script, loops, script.statement(loops.next).span.begin);
@@ -110,7 +109,7 @@ void MoveTo(const Script& script, Loops& loops, int place) {
 }
 
 // Whether the use is that of a FOR for its variable, which then counts for what is within.
-bool BeginsLoop(const Script& script, Loops& loops, const UseFact& use) {
+bool BeginsLoop(const FlowScript& script, Loops& loops, const UseFact& use) {
     OpenStatement& statement = loops.open.back();
     const bool isBegin = use.kind == UseKind::Write && statement.variable == NONE &&
                          script.statement(statement.statement).kind == TOKEN_FOR;
@@ -129,7 +128,7 @@ int LoopsAround(const Loops& loops, int variable) {
 }
 
 // The last statements of the runs of statements, by the first item of the run.
-std::unordered_map<int, int> LastStatements(const Script& script) {
+std::unordered_map<int, int> LastStatements(const FlowScript& script) {
     std::unordered_map<int, int> last;
     for (std::size_t statement = 0; statement < script.layout.statements.size(); ++statement) {
         last[script.layout.statements[statement].branch] = static_cast<int>(statement);
@@ -137,22 +136,23 @@ std::unordered_map<int, int> LastStatements(const Script& script) {
     return last;
 }
 
-bool LeavesLoop(const Script& script, int statement) {
+bool LeavesLoop(const FlowScript& script, int statement) {
     const Token kind = script.statement(statement).kind;
     return kind == TOKEN_BREAK || kind == TOKEN_EXIT || kind == TOKEN_GOTO;
 }
 
-Diagnostic DiagnosticOf(const Script& script, const UseFact& use) {
-    return Warn(ID,
-                QStringLiteral("The variable %1 of a \"FOR\" loop is changed within the loop")
-                    .arg(Quoted(script, use.name)),
-                use.span);
+Diagnostic DiagnosticOf(const FlowScript& script, const UseFact& use) {
+    return FlowWarning(
+        ID,
+        QStringLiteral("The variable %1 of a \"FOR\" loop is changed within the loop")
+            .arg(Quoted(script, use.name)),
+        use.span);
 }
 
 }  // namespace
 
 // A change after which the loop is left, at the end of the run of statements, does not count.
-void FindChangedLoopVariables(const Script& script, std::vector<Diagnostic>& found) {
+void FindChangedLoopVariables(const FlowScript& script, std::vector<Diagnostic>& found) {
     const std::unordered_map<int, int> last = LastStatements(script);
     Parameters parameters = ParametersOf(script);
     Loops loops;

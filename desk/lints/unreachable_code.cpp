@@ -15,14 +15,15 @@ struct Reached {
     std::vector<int> before;
 
     bool isAny(int begin, int last) const {
-        return before[static_cast<std::size_t>(last) + 1] != before[static_cast<std::size_t>(begin)];
+        return before[static_cast<std::size_t>(last) + 1] !=
+               before[static_cast<std::size_t>(begin)];
     }
 };
 
-Reached ReachedItems(const Script& script) {
+Reached ReachedItems(const FlowScript& script) {
     std::vector<int> counts(script.facts.items.size() + 1, 1);
     for (const UnitFlow& unit : script.units) {
-        for (const Block& block : unit.graph.blocks) {
+        for (const FlowBlock& block : unit.graph.blocks) {
             std::fill(counts.begin() + block.begin, counts.begin() + block.end,
                       block.isReached ? 1 : 0);
         }
@@ -35,7 +36,7 @@ Reached ReachedItems(const Script& script) {
 }
 
 // What keeps the way from a statement: the jump before it or what else stands there.
-QString MessageAfter(const Script& script, int previous) {
+QString MessageAfter(const FlowScript& script, int previous) {
     const Token kind = previous == NONE ? TOKEN_UNKNOWN : script.statement(previous).kind;
     if (kind == TOKEN_EXIT || kind == TOKEN_BREAK || kind == TOKEN_CONTINUE ||
         kind == TOKEN_GOTO) {
@@ -47,15 +48,15 @@ QString MessageAfter(const Script& script, int previous) {
     return QStringLiteral("This statement is never reached");
 }
 
-bool IsUnreached(const Script& script, const Reached& reached, int statement) {
-    const StatementCode& code = script.layout.of(statement);
+bool IsUnreached(const FlowScript& script, const Reached& reached, int statement) {
+    const StatementItems& code = script.layout.of(statement);
     return !reached.isAny(code.begin, code.last);
 }
 
 }  // namespace
 
 // Of a run of statements the first is told of, of those within a statement none.
-void FindUnreachableCode(const Script& script, std::vector<Diagnostic>& found) {
+void FindUnreachableCode(const FlowScript& script, std::vector<Diagnostic>& found) {
     const Reached reached = ReachedItems(script);
     std::unordered_map<int, int> lastOf;  // by branch, the statement before
     for (int statement = 0; statement < static_cast<int>(script.facts.statements.size());
@@ -64,12 +65,11 @@ void FindUnreachableCode(const Script& script, std::vector<Diagnostic>& found) {
         const int previous = added.first->second;
         added.first->second = statement;
         const StatementFact& fact = script.statement(statement);
-        const bool isFirst =
-            (previous == NONE || !IsUnreached(script, reached, previous)) &&
-            (fact.parent == NONE || !IsUnreached(script, reached, fact.parent));
+        const bool isFirst = (previous == NONE || !IsUnreached(script, reached, previous)) &&
+                             (fact.parent == NONE || !IsUnreached(script, reached, fact.parent));
         if (isFirst && IsUnreached(script, reached, statement)) {
-            found.push_back(Warn(ID, MessageAfter(script, previous),
-                                 TokenAt(script.facts, fact.span.begin)));
+            found.push_back(FlowWarning(ID, MessageAfter(script, previous),
+                                        TokenAt(script.facts, fact.span.begin)));
         }
     }
 }

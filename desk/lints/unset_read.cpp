@@ -7,7 +7,7 @@
 // and none under which the unit or the loop was left. Loops are taken to run at least once.
 
 #include "lints/flow_rules.h"
-#include "lints/spread.h"
+#include "lints/flow_spread.h"
 
 #include <algorithm>
 #include <climits>
@@ -18,13 +18,13 @@ constexpr const char* ID = "unset-read";
 
 // A unit with a group of its variables.
 struct Look {
-    const Script& script;
-    const Graph& graph;
-    const Group& group;
-    std::vector<Transfer> stores;  // by block
-    std::vector<Mask> unset;       // by block, that come to it without a value on some way
-    std::vector<Mask> set;         // by block, that come to it with a value on some way
-    std::vector<int> doubts;       // by variable, the first item after which nothing is certain
+    const FlowScript& script;
+    const FlowGraph& graph;
+    const VariableGroup& group;
+    std::vector<MaskTransfer> stores;  // by block
+    std::vector<VariableMask> unset;   // by block, that come to it without a value on some way
+    std::vector<VariableMask> set;     // by block, that come to it with a value on some way
+    std::vector<int> doubts;  // by variable, the first item after which nothing is certain
 };
 
 // ---------------------------------------------------------------------------------------------
@@ -37,29 +37,28 @@ bool HasInitialValue(const Facts& facts, const NameFact& name) {
     const auto found =
         std::lower_bound(facts.tokens.begin(), facts.tokens.end(), name.span.begin,
                          [](const TokenFact& token, int at) { return token.span.begin < at; });
-    return facts.tokens.end() - found > AFTER_TYPE &&
-           (found + AFTER_TYPE)->code == TOKEN_ASSIGN;
+    return facts.tokens.end() - found > AFTER_TYPE && (found + AFTER_TYPE)->code == TOKEN_ASSIGN;
 }
 
-bool IsStore(const PlacedStep& step) {
-    return step.kind == StepKind::Store && step.use != NONE;
+bool IsStore(const PlacedUse& step) {
+    return step.kind == FlowUse::Store && step.use != NONE;
 }
 
 // The compiler itself warns of a variable that nothing sets.
-bool IsCandidate(const Script& script, const Variable& variable) {
+bool IsCandidate(const FlowScript& script, const FlowVariable& variable) {
     const NameFact& name = script.name(variable.name);
     const bool isOwn = name.section == TOKEN_RESULT ||
                        (name.section == TOKEN_VAR && !HasInitialValue(script.facts, name));
-    const PlacedStep& first = variable.steps.front();
-    const bool isSetAtOnce = first.kind == StepKind::Store && first.block == 0;
+    const PlacedUse& first = variable.steps.front();
+    const bool isSetAtOnce = first.kind == FlowUse::Store && first.block == 0;
     return isOwn && !isSetAtOnce &&
            std::any_of(variable.steps.begin(), variable.steps.end(), IsStore);
 }
 
-std::vector<const Variable*> CandidatesOf(const Script& script,
-                                          const std::vector<Variable>& variables) {
-    std::vector<const Variable*> candidates;
-    for (const Variable& variable : variables) {
+std::vector<const FlowVariable*> CandidatesOf(const FlowScript& script,
+                                              const std::vector<FlowVariable>& variables) {
+    std::vector<const FlowVariable*> candidates;
+    for (const FlowVariable& variable : variables) {
         if (IsCandidate(script, variable)) {
             candidates.push_back(&variable);
         }
@@ -72,20 +71,20 @@ std::vector<const Variable*> CandidatesOf(const Script& script,
 // ---------------------------------------------------------------------------------------------
 
 // A read ends the doubt: what follows from it is not told of again. False if it is too much.
-bool FindStates(Look& look, Ways& ways) {
+bool FindStates(Look& look, FlowWays& ways) {
     const std::size_t count = look.graph.blocks.size();
-    std::vector<Transfer> uses(count);
-    look.stores.assign(count, Transfer());
+    std::vector<MaskTransfer> uses(count);
+    look.stores.assign(count, MaskTransfer());
     for (std::size_t index = 0; index < look.group.size(); ++index) {
-        for (const PlacedStep& step : look.group[index]->steps) {
+        for (const PlacedUse& step : look.group[index]->steps) {
             const auto block = static_cast<std::size_t>(step.block);
             uses[block].kill |= BitOf(index);
-            look.stores[block].make |= step.kind == StepKind::Load ? 0 : BitOf(index);
+            look.stores[block].make |= step.kind == FlowUse::Load ? 0 : BitOf(index);
         }
     }
-    std::vector<Mask> begin(count, 0);
+    std::vector<VariableMask> begin(count, 0);
     look.set = SpreadForwards(ways, look.stores, begin);
-    begin.front() = ~Mask(0);
+    begin.front() = ~VariableMask(0);
     look.unset = SpreadForwards(ways, uses, begin);
     return !look.set.empty() && !look.unset.empty();
 }
@@ -94,7 +93,7 @@ bool IsLeaving(Token kind) {
     return kind == TOKEN_EXIT || kind == TOKEN_BREAK || kind == TOKEN_CONTINUE;
 }
 
-void DoubtFrom(Look& look, Mask variables, int item) {
+void DoubtFrom(Look& look, VariableMask variables, int item) {
     for (std::size_t index = 0; index < look.group.size(); ++index) {
         if ((variables & BitOf(index)) != 0) {
             look.doubts[index] = std::min(look.doubts[index], item);
@@ -110,9 +109,10 @@ void FindDoubts(Look& look) {
         const int last = look.graph.blocks[index].end - 1;
         const Token kind = look.script.code.kind(last);
         if (kind == TOKEN_GOTO) {
-            DoubtFrom(look, ~Mask(0), 0);
+            DoubtFrom(look, ~VariableMask(0), 0);
         } else if (IsLeaving(kind)) {
-            const Mask either = look.unset[index] & look.set[index] & ~look.stores[index].make;
+            const VariableMask either =
+                look.unset[index] & look.set[index] & ~look.stores[index].make;
             DoubtFrom(look, either, last);
         }
     }
@@ -123,74 +123,73 @@ void FindDoubts(Look& look) {
 // ---------------------------------------------------------------------------------------------
 
 // Whether the way to a read forks within what runs together with it.
-bool IsCertain(const Look& look, std::size_t index, const PlacedStep& step) {
+bool IsCertain(const Look& look, std::size_t index, const PlacedUse& step) {
     const int region = look.script.layout.regions[static_cast<std::size_t>(step.item)];
     const auto block = static_cast<std::size_t>(look.graph.blockOf(region));
     return (look.set[block] & BitOf(index)) == 0 && step.item < look.doubts[index];
 }
 
 // The compiler warns of what is read above all that sets it.
-bool IsBelowStore(const Variable& variable, const PlacedStep& step) {
+bool IsBelowStore(const FlowVariable& variable, const PlacedUse& step) {
     const auto store = std::find_if(variable.steps.begin(), variable.steps.end(), IsStore);
     return step.use == NONE || store->item < step.item;
 }
 
-Diagnostic DiagnosticOfRead(const Look& look, const Variable& variable, const PlacedStep& step,
+Diagnostic DiagnosticOfRead(const Look& look, const FlowVariable& variable, const PlacedUse& step,
                             bool isSetSomewhere) {
     const QString text =
         isSetSomewhere
             ? QStringLiteral("The variable %1 is read here, but not set on every way to here")
             : QStringLiteral("The variable %1 is read here, but nothing sets it before");
-    return Warn(ID, text.arg(Quoted(look.script, variable.name)),
-                look.script.use(step.use).span);
+    return FlowWarning(ID, text.arg(Quoted(look.script, variable.name)),
+                       look.script.use(step.use).span);
 }
 
 // The result is read where the function ends: at EXIT or END_FUNCTION.
-Diagnostic DiagnosticOfResult(const Look& look, const PlacedStep& step, bool isSetSomewhere) {
+Diagnostic DiagnosticOfResult(const Look& look, const PlacedUse& step, bool isSetSomewhere) {
     const QString text =
         isSetSomewhere
             ? QStringLiteral("The function %1 ends here, but \"RESULT\" is not set on every way")
             : QStringLiteral("The function %1 ends here, but nothing sets \"RESULT\" before");
     const int name = look.script.unit(look.graph.unit).name;
-    return Warn(ID, text.arg(Quoted(look.script, name)),
-                TokenAt(look.script.facts, look.script.item(step.item).place));
+    return FlowWarning(ID, text.arg(Quoted(look.script, name)),
+                       TokenAt(look.script.facts, look.script.item(step.item).place));
 }
 
-void TellOf(const Look& look, std::size_t index, const PlacedStep& step, bool isSetSomewhere,
+void TellOf(const Look& look, std::size_t index, const PlacedUse& step, bool isSetSomewhere,
             std::vector<Diagnostic>& found) {
-    const Variable& variable = *look.group[index];
+    const FlowVariable& variable = *look.group[index];
     const bool isSure = !isSetSomewhere || IsCertain(look, index, step);
     if (!isSure || !IsBelowStore(variable, step)) {
         return;
     }
-    found.push_back(step.use == NONE
-                        ? DiagnosticOfResult(look, step, isSetSomewhere)
-                        : DiagnosticOfRead(look, variable, step, isSetSomewhere));
+    found.push_back(step.use == NONE ? DiagnosticOfResult(look, step, isSetSomewhere)
+                                     : DiagnosticOfRead(look, variable, step, isSetSomewhere));
 }
 
 void FindInVariable(const Look& look, std::size_t index, std::vector<Diagnostic>& found) {
     int current = NONE;
     bool isUnset = false;
     bool isSet = false;
-    for (const PlacedStep& step : look.group[index]->steps) {
+    for (const PlacedUse& step : look.group[index]->steps) {
         const auto block = static_cast<std::size_t>(step.block);
         if (step.block != current) {
             current = step.block;
             isUnset = (look.unset[block] & BitOf(index)) != 0;
             isSet = (look.set[block] & BitOf(index)) != 0;
         }
-        if (step.kind == StepKind::Load && isUnset) {
+        if (step.kind == FlowUse::Load && isUnset) {
             TellOf(look, index, step, isSet, found);
         }
         isUnset = false;
-        isSet = isSet || step.kind != StepKind::Load;
+        isSet = isSet || step.kind != FlowUse::Load;
     }
 }
 
-void FindInUnit(const Script& script, const UnitFlow& unit, std::vector<Diagnostic>& found) {
-    const Graph graph = WithLoopsEntered(script.code, unit.graph);
-    Ways ways = WaysOf(graph, false);
-    for (const Group& group : GroupsOf(CandidatesOf(script, unit.variables))) {
+void FindInUnit(const FlowScript& script, const UnitFlow& unit, std::vector<Diagnostic>& found) {
+    const FlowGraph graph = WithLoopsEntered(script.code, unit.graph);
+    FlowWays ways = WaysOf(graph, false);
+    for (const VariableGroup& group : GroupsOf(CandidatesOf(script, unit.variables))) {
         Look look = {script, graph, group, {}, {}, {}, {}};
         if (!FindStates(look, ways)) {
             return;
@@ -204,7 +203,7 @@ void FindInUnit(const Script& script, const UnitFlow& unit, std::vector<Diagnost
 
 }  // namespace
 
-void FindUnsetReads(const Script& script, std::vector<Diagnostic>& found) {
+void FindUnsetReads(const FlowScript& script, std::vector<Diagnostic>& found) {
     for (const UnitFlow& unit : script.units) {
         if (script.unit(unit.graph.unit).kind != TOKEN_PROGRAM) {
             FindInUnit(script, unit, found);

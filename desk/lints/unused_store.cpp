@@ -6,7 +6,7 @@
 // whose value is not used may be made for what it does.
 
 #include "lints/flow_rules.h"
-#include "lints/spread.h"
+#include "lints/flow_spread.h"
 
 #include <algorithm>
 
@@ -16,13 +16,13 @@ constexpr const char* ID = "unused-store";
 
 // A unit with a group of its variables.
 struct Look {
-    const Script& script;
-    const Graph& graph;
-    const Group& group;
-    std::vector<Mask> needed;  // by block, whose values are read after it on some way
+    const FlowScript& script;
+    const FlowGraph& graph;
+    const VariableGroup& group;
+    std::vector<VariableMask> needed;  // by block, whose values are read after it on some way
 };
 
-bool IsProgram(const Script& script, const Graph& graph) {
+bool IsProgram(const FlowScript& script, const FlowGraph& graph) {
     return script.unit(graph.unit).kind == TOKEN_PROGRAM;
 }
 
@@ -30,53 +30,52 @@ bool IsProgram(const Script& script, const Graph& graph) {
 // Which variables
 // ---------------------------------------------------------------------------------------------
 
-bool IsRead(const PlacedStep& step) {
-    return step.kind != StepKind::Store;
+bool IsRead(const PlacedUse& step) {
+    return step.kind != FlowUse::Store;
 }
 
 // Whether it is a store by an assignment.
-bool IsAssigned(const Script& script, const PlacedStep& step) {
-    return step.kind == StepKind::Store && step.use != NONE &&
+bool IsAssigned(const FlowScript& script, const PlacedUse& step) {
+    return step.kind == FlowUse::Store && step.use != NONE &&
            script.code.kind(step.item) != TOKEN_FOR;
 }
 
 // The step after one in its block, or null.
-const PlacedStep* NextInBlock(const Variable& variable, const PlacedStep& step) {
-    const PlacedStep* const next = &step + 1;
+const PlacedUse* NextInBlock(const FlowVariable& variable, const PlacedUse& step) {
+    const PlacedUse* const next = &step + 1;
     const bool isThere = next != variable.steps.data() + variable.steps.size();
     return isThere && next->block == step.block ? next : nullptr;
 }
 
-bool MayBeUnused(const Script& script, const Variable& variable, const PlacedStep& step) {
-    const PlacedStep* const next = NextInBlock(variable, step);
+bool MayBeUnused(const FlowScript& script, const FlowVariable& variable, const PlacedUse& step) {
+    const PlacedUse* const next = NextInBlock(variable, step);
     return IsAssigned(script, step) && (next == nullptr || !IsRead(*next));
 }
 
-bool IsOfSection(const Script& script, const Graph& graph, const Variable& variable) {
+bool IsOfSection(const FlowScript& script, const FlowGraph& graph, const FlowVariable& variable) {
     const Token section = script.name(variable.name).section;
     return section == TOKEN_VAR || section == TOKEN_RESULT ||
            section == (IsProgram(script, graph) ? TOKEN_VAR_OUTPUT : TOKEN_VAR_ARG);
 }
 
 // What is only read where no way leads is not told of: the cause is another.
-bool IsCandidate(const Script& script, const Graph& graph, const Variable& variable) {
+bool IsCandidate(const FlowScript& script, const FlowGraph& graph, const FlowVariable& variable) {
     const auto begin = variable.steps.begin();
     const auto end = variable.steps.end();
     return IsOfSection(script, graph, variable) &&
-           std::any_of(begin, end,
-                       [&](const PlacedStep& step) {
-                           return MayBeUnused(script, variable, step);
-                       }) &&
-           std::none_of(begin, end, [&](const PlacedStep& step) {
+           std::any_of(
+               begin, end,
+               [&](const PlacedUse& step) { return MayBeUnused(script, variable, step); }) &&
+           std::none_of(begin, end, [&](const PlacedUse& step) {
                return IsRead(step) &&
                       !graph.blocks[static_cast<std::size_t>(step.block)].isReached;
            });
 }
 
-std::vector<const Variable*> CandidatesOf(const Script& script, const Graph& graph,
-                                          const std::vector<Variable>& variables) {
-    std::vector<const Variable*> candidates;
-    for (const Variable& variable : variables) {
+std::vector<const FlowVariable*> CandidatesOf(const FlowScript& script, const FlowGraph& graph,
+                                              const std::vector<FlowVariable>& variables) {
+    std::vector<const FlowVariable*> candidates;
+    for (const FlowVariable& variable : variables) {
         if (IsCandidate(script, graph, variable)) {
             candidates.push_back(&variable);
         }
@@ -89,12 +88,12 @@ std::vector<const Variable*> CandidatesOf(const Script& script, const Graph& gra
 // ---------------------------------------------------------------------------------------------
 
 // The first step in a block decides; an argument has a new value at the begin of each call.
-std::vector<Transfer> TransfersOf(const Look& look) {
-    std::vector<Transfer> transfers(look.graph.blocks.size());
+std::vector<MaskTransfer> TransfersOf(const Look& look) {
+    std::vector<MaskTransfer> transfers(look.graph.blocks.size());
     for (std::size_t index = 0; index < look.group.size(); ++index) {
         int current = NONE;
-        for (const PlacedStep& step : look.group[index]->steps) {
-            Transfer& transfer = transfers[static_cast<std::size_t>(step.block)];
+        for (const PlacedUse& step : look.group[index]->steps) {
+            MaskTransfer& transfer = transfers[static_cast<std::size_t>(step.block)];
             if (step.block != current) {
                 (IsRead(step) ? transfer.make : transfer.kill) |= BitOf(index);
             }
@@ -110,16 +109,17 @@ std::vector<Transfer> TransfersOf(const Look& look) {
 
 // What is needed at the end of the program, and in loops that have none; nothing at all if there
 // are no visits left.
-std::vector<Mask> NeededByOthers(const Script& script, const Graph& graph, Ways& ways) {
-    std::vector<Mask> needed(graph.blocks.size(), 0);
+std::vector<VariableMask> NeededByOthers(const FlowScript& script, const FlowGraph& graph,
+                                         FlowWays& ways) {
+    std::vector<VariableMask> needed(graph.blocks.size(), 0);
     for (std::size_t index = 0; index < needed.size(); ++index) {
         needed[index] = graph.blocks[index].isEnd() ? 1 : 0;
     }
-    needed = SpreadBackwards(ways, std::vector<Transfer>(needed.size()), needed);
+    needed = SpreadBackwards(ways, std::vector<MaskTransfer>(needed.size()), needed);
     for (std::size_t index = 0; index < needed.size(); ++index) {
         const bool isEnd = graph.blocks[index].isEnd();
         const bool isSeen = isEnd ? IsProgram(script, graph) : needed[index] == 0;
-        needed[index] = isSeen ? ~Mask(0) : 0;
+        needed[index] = isSeen ? ~VariableMask(0) : 0;
     }
     return needed;
 }
@@ -130,7 +130,7 @@ std::vector<Mask> NeededByOthers(const Script& script, const Graph& graph, Ways&
 
 // Whether a predicate holds for any, or all, of the items of a statement before a store.
 template <typename Predicate>
-bool AnyBefore(const Script& script, int store, Predicate predicate) {
+bool AnyBefore(const FlowScript& script, int store, Predicate predicate) {
     const int statement = script.item(store).statement;
     for (int item = store - 1; item >= 0 && script.item(item).statement == statement; --item) {
         if (predicate(item)) {
@@ -140,10 +140,9 @@ bool AnyBefore(const Script& script, int store, Predicate predicate) {
     return false;
 }
 
-bool HasCall(const Script& script, const PlacedStep& store) {
-    return AnyBefore(script, store.item, [&](int item) {
-        return script.code.operation(item) == Operation::Call;
-    });
+bool HasCall(const FlowScript& script, const PlacedUse& store) {
+    return AnyBefore(script, store.item,
+                     [&](int item) { return script.code.operation(item) == FlowKind::Call; });
 }
 
 // A literal with its sign, TRUE or FALSE: "MOV 5 #A0", "SUB 0 #A0", "EQ 1 #A0", "TST #A0"
@@ -153,7 +152,7 @@ bool IsPartOfConstant(std::string_view code) {
     return isLiteral || code == "SUB 0 #A0" || code == "EQ 1 #A0" || code == "TST #A0";
 }
 
-bool IsConstant(const Script& script, const PlacedStep& store) {
+bool IsConstant(const FlowScript& script, const PlacedUse& store) {
     return !AnyBefore(script, store.item,
                       [&](int item) { return !IsPartOfConstant(script.code.text(item)); });
 }
@@ -162,43 +161,44 @@ bool IsConstant(const Script& script, const PlacedStep& store) {
 // What is told
 // ---------------------------------------------------------------------------------------------
 
-Diagnostic DiagnosticOf(const Look& look, const PlacedStep& step, const QString& text) {
+Diagnostic DiagnosticOf(const Look& look, const PlacedUse& step, const QString& text) {
     const UseFact& use = look.script.use(step.use);
-    return Warn(ID, text.arg(Quoted(look.script, use.name)), use.span);
+    return FlowWarning(ID, text.arg(Quoted(look.script, use.name)), use.span);
 }
 
 // A variable that is never read is told of once; one that only takes values of calls is there to
 // take them.
-void TellOfUnread(const Look& look, const Variable& variable, std::vector<Diagnostic>& found) {
-    const PlacedStep* first = nullptr;
-    for (const PlacedStep& step : variable.steps) {
+void TellOfUnread(const Look& look, const FlowVariable& variable,
+                  std::vector<Diagnostic>& found) {
+    const PlacedUse* first = nullptr;
+    for (const PlacedUse& step : variable.steps) {
         const bool isReached = look.graph.blocks[static_cast<std::size_t>(step.block)].isReached;
         if (!isReached || HasCall(look.script, step)) {
             return;
         }
         first = first == nullptr ? &step : first;
     }
-    found.push_back(DiagnosticOf(
-        look, *first, QStringLiteral("The variable %1 is assigned but never read")));
+    found.push_back(
+        DiagnosticOf(look, *first, QStringLiteral("The variable %1 is assigned but never read")));
 }
 
 // Whether the next value in the same block takes the place of this one.
-bool IsOverwritten(const Variable& variable, const PlacedStep& step) {
-    const PlacedStep* const next = NextInBlock(variable, step);
-    return next != nullptr && next->kind == StepKind::Store;
+bool IsOverwritten(const FlowVariable& variable, const PlacedUse& step) {
+    const PlacedUse* const next = NextInBlock(variable, step);
+    return next != nullptr && next->kind == FlowUse::Store;
 }
 
 // What a program leaves behind counts as read, so that there each value that is not has another
 // after it.
-QString MessageOf(const Look& look, const Variable& variable, const PlacedStep& step) {
+QString MessageOf(const Look& look, const FlowVariable& variable, const PlacedUse& step) {
     return IsProgram(look.script, look.graph) || IsOverwritten(variable, step)
                ? QStringLiteral("The variable %1 gets another value before this one is read")
                : QStringLiteral("Nothing reads this value of the variable %1");
 }
 
-bool IsUnused(const Look& look, std::size_t index, const PlacedStep& step) {
+bool IsUnused(const Look& look, std::size_t index, const PlacedUse& step) {
     const auto block = static_cast<std::size_t>(step.block);
-    const Variable& variable = *look.group[index];
+    const FlowVariable& variable = *look.group[index];
     const bool isNeeded = (look.needed[block] & BitOf(index)) != 0;
     const bool isOverwritten = IsOverwritten(variable, step);
     return MayBeUnused(look.script, variable, step) && look.graph.blocks[block].isReached &&
@@ -207,23 +207,24 @@ bool IsUnused(const Look& look, std::size_t index, const PlacedStep& step) {
 }
 
 void FindInVariable(const Look& look, std::size_t index, std::vector<Diagnostic>& found) {
-    const Variable& variable = *look.group[index];
+    const FlowVariable& variable = *look.group[index];
     const bool isRead = std::any_of(variable.steps.begin(), variable.steps.end(), IsRead);
     if (!isRead && !IsProgram(look.script, look.graph)) {
         TellOfUnread(look, variable, found);
         return;
     }
-    for (const PlacedStep& step : variable.steps) {
+    for (const PlacedUse& step : variable.steps) {
         if (IsUnused(look, index, step)) {
             found.push_back(DiagnosticOf(look, step, MessageOf(look, variable, step)));
         }
     }
 }
 
-void FindInUnit(const Script& script, const UnitFlow& unit, std::vector<Diagnostic>& found) {
-    Ways ways = WaysOf(unit.graph, !IsProgram(script, unit.graph));
-    const std::vector<Mask> byOthers = NeededByOthers(script, unit.graph, ways);
-    for (const Group& group : GroupsOf(CandidatesOf(script, unit.graph, unit.variables))) {
+void FindInUnit(const FlowScript& script, const UnitFlow& unit, std::vector<Diagnostic>& found) {
+    FlowWays ways = WaysOf(unit.graph, !IsProgram(script, unit.graph));
+    const std::vector<VariableMask> byOthers = NeededByOthers(script, unit.graph, ways);
+    for (const VariableGroup& group :
+         GroupsOf(CandidatesOf(script, unit.graph, unit.variables))) {
         Look look = {script, unit.graph, group, {}};
         look.needed = SpreadBackwards(ways, TransfersOf(look), byOthers);
         if (look.needed.empty()) {
@@ -236,7 +237,7 @@ void FindInUnit(const Script& script, const UnitFlow& unit, std::vector<Diagnost
 }
 
 // Whether a definition calls itself: then a call within may read what it has stored.
-std::vector<bool> RecursiveNames(const Script& script) {
+std::vector<bool> RecursiveNames(const FlowScript& script) {
     std::vector<bool> isRecursive(script.facts.names.size(), false);
     std::size_t unit = 0;
     for (const UseFact& use : script.facts.uses) {
@@ -253,7 +254,7 @@ std::vector<bool> RecursiveNames(const Script& script) {
 
 }  // namespace
 
-void FindUnusedStores(const Script& script, std::vector<Diagnostic>& found) {
+void FindUnusedStores(const FlowScript& script, std::vector<Diagnostic>& found) {
     const std::vector<bool> isRecursive = RecursiveNames(script);
     for (const UnitFlow& unit : script.units) {
         if (!isRecursive[static_cast<std::size_t>(script.unit(unit.graph.unit).name)]) {

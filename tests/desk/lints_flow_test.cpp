@@ -108,8 +108,8 @@ TEST(UnsetRead, ConditionsThatMayGoTogether) {
     EXPECT_EQ(FoundInBlock("IF ok THEN x := 1; END_IF; IF NOT ok THEN r := 1; EXIT; END_IF;"
                            "r := x;"),
               "");
-    EXPECT_EQ(FoundInBlock("IF ok THEN x := 1; END_IF; IF NOT ok OR (x > 1) THEN r := 1; END_IF;"),
-              "");
+    EXPECT_EQ(
+        FoundInBlock("IF ok THEN x := 1; END_IF; IF NOT ok OR (x > 1) THEN r := 1; END_IF;"), "");
     EXPECT_EQ(FoundInBlock("IF ok THEN x := 1; END_IF;"
                            "IF NOT ok THEN r := 0; ELSIF x > 1 THEN r := 1; END_IF;"),
               "");
@@ -332,7 +332,8 @@ TEST(LoopVariable, ChangedOutsideOfTheBody) {
 }
 
 TEST(LoopVariable, TheLoopIsLeftAtOnce) {
-    EXPECT_EQ(FoundInProgram("FOR i := 1 TO 9 DO IF ok THEN i := 0; BREAK; END_IF; END_FOR;"), "");
+    EXPECT_EQ(FoundInProgram("FOR i := 1 TO 9 DO IF ok THEN i := 0; BREAK; END_IF; END_FOR;"),
+              "");
     EXPECT_EQ(FoundInProgram("FOR i := 1 TO 9 DO IF ok THEN\ni := 0; r := 1; END_IF; END_FOR;"),
               "3:1 loop-variable-changed");
 }
@@ -342,22 +343,26 @@ TEST(LoopVariable, TheLoopIsLeftAtOnce) {
 // ---------------------------------------------------------------------------------------------
 
 TEST(FlowLints, ScriptsWithErrorsHaveNone) {
-    const Source source(QStringLiteral("test"),
-                        QStringLiteral("PROGRAM P VAR x : INT; END_VAR EXIT; x := 1; x := TRUE;"));
+    const Source source(
+        QStringLiteral("test"),
+        QStringLiteral("PROGRAM P VAR x : INT; END_VAR EXIT; x := 1; x := TRUE;"));
     EXPECT_TRUE(FlowLints(source, *CompileAndWait(source).facts).empty());
 }
 
-// Where a label of another unit is jumped to, or two labels have one name, the ways are not known.
+// Where a label of another unit is jumped to, or two labels have one name, the ways are not
+// known.
 TEST(FlowLints, UncertainJumps) {
-    EXPECT_EQ(Found(QStringLiteral(
-                  "FUNCTION_BLOCK B VAR_ARG a : INT; END_VAR EXIT; in: a := 1; END_FUNCTION_BLOCK "
-                  "FUNCTION_BLOCK C VAR_ARG a : INT; END_VAR\n"
-                  "yxSetGV(1, a); EXIT; a := 1; END_FUNCTION_BLOCK "
-                  "PROGRAM P VAR END_VAR B(1); C(1); GOTO in; B(2); END_PROGRAM")),
-              "2:22 unreachable-code");
-    EXPECT_EQ(Found(QStringLiteral("PROGRAM P VAR x : INT := 0; END_VAR "
-                                   "IF x = 1 THEN EXIT; x := 2; END_IF; L2: x := 3; END_PROGRAM")),
-              "");
+    EXPECT_EQ(
+        Found(QStringLiteral(
+            "FUNCTION_BLOCK B VAR_ARG a : INT; END_VAR EXIT; in: a := 1; END_FUNCTION_BLOCK "
+            "FUNCTION_BLOCK C VAR_ARG a : INT; END_VAR\n"
+            "yxSetGV(1, a); EXIT; a := 1; END_FUNCTION_BLOCK "
+            "PROGRAM P VAR END_VAR B(1); C(1); GOTO in; B(2); END_PROGRAM")),
+        "2:22 unreachable-code");
+    EXPECT_EQ(
+        Found(QStringLiteral("PROGRAM P VAR x : INT := 0; END_VAR "
+                             "IF x = 1 THEN EXIT; x := 2; END_IF; L2: x := 3; END_PROGRAM")),
+        "");
 }
 
 TEST(FlowLints, NamesOfTheCode) {

@@ -1,4 +1,4 @@
-#include "lints/variables.h"
+#include "lints/flow_variables.h"
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@ namespace {
 // Where the variables are in the list of their unit, by name.
 using Indexes = std::vector<int>;
 
-Variable& VariableOf(UnitFlow& unit, Indexes& indexes, int name) {
+FlowVariable& VariableOf(UnitFlow& unit, Indexes& indexes, int name) {
     int& index = indexes[static_cast<std::size_t>(name)];
     if (index == NONE) {
         index = static_cast<int>(unit.variables.size());
@@ -17,9 +17,9 @@ Variable& VariableOf(UnitFlow& unit, Indexes& indexes, int name) {
 }
 
 // The steps of a unit follow each other, and so do its blocks.
-void AddSteps(UnitFlow& unit, Indexes& indexes, const std::vector<Step>& steps) {
+void AddSteps(UnitFlow& unit, Indexes& indexes, const std::vector<FlowStep>& steps) {
     auto step = std::lower_bound(steps.begin(), steps.end(), unit.graph.begin(),
-                                 [](const Step& one, int item) { return one.item < item; });
+                                 [](const FlowStep& one, int item) { return one.item < item; });
     int block = 0;
     for (; step != steps.end() && step->item < unit.graph.end(); ++step) {
         while (step->item >= unit.graph.blocks[static_cast<std::size_t>(block)].end) {
@@ -32,11 +32,11 @@ void AddSteps(UnitFlow& unit, Indexes& indexes, const std::vector<Step>& steps) 
 
 }  // namespace
 
-std::vector<UnitFlow> UnitFlowsOf(const Code& code) {
-    const std::vector<Step> steps = StepsOf(code);
+std::vector<UnitFlow> UnitFlowsOf(const FlowCode& code) {
+    const std::vector<FlowStep> steps = FlowStepsOf(code);
     Indexes indexes(code.facts.names.size(), NONE);
     std::vector<UnitFlow> units;
-    for (Graph& graph : GraphsOf(code)) {
+    for (FlowGraph& graph : FlowGraphsOf(code)) {
         units.push_back({std::move(graph), {}});
         AddSteps(units.back(), indexes, steps);
     }

@@ -1,4 +1,4 @@
-#include "lints/steps.h"
+#include "lints/flow_steps.h"
 
 #include <algorithm>
 
@@ -7,8 +7,8 @@ namespace {
 // The compiler writes the loads and stores in the order in which it meets the names, so the next
 // item of a kind belongs to the next use of that kind.
 struct Reader {
-    const Code& code;
-    std::vector<Step> steps;
+    const FlowCode& code;
+    std::vector<FlowStep> steps;
     std::size_t nextRead;  // and reference
     std::size_t nextWrite;
     std::vector<int> variablesOfFor;  // by the statement
@@ -28,14 +28,14 @@ bool IsReadOrReference(const UseFact& use) {
 // The next use of a kind from an index on, which then stands after it; NONE if there is none.
 int NextUse(const Facts& facts, std::size_t& from, bool isOfKind(const UseFact&)) {
     const auto begin = facts.uses.begin();
-    const auto found = std::find_if(begin + static_cast<std::ptrdiff_t>(from), facts.uses.end(),
-                                    isOfKind);
+    const auto found =
+        std::find_if(begin + static_cast<std::ptrdiff_t>(from), facts.uses.end(), isOfKind);
     from = static_cast<std::size_t>(found - begin);
     return found == facts.uses.end() ? NONE : static_cast<int>(from++);
 }
 
-void AddUse(Reader& reader, StepKind kind, int item) {
-    const bool isStore = kind == StepKind::Store;
+void AddUse(Reader& reader, FlowUse kind, int item) {
+    const bool isStore = kind == FlowUse::Store;
     const int use = isStore ? NextUse(reader.code.facts, reader.nextWrite, IsWrite)
                             : NextUse(reader.code.facts, reader.nextRead, IsReadOrReference);
     if (use == NONE) {
@@ -48,14 +48,14 @@ void AddUse(Reader& reader, StepKind kind, int item) {
 
 // The variable of a FOR is the one that the first store of the statement is made to.
 void AddStore(Reader& reader, int item) {
-    AddUse(reader, StepKind::Store, item);
+    AddUse(reader, FlowUse::Store, item);
     if (reader.code.kind(item) == TOKEN_FOR && reader.fits) {
         const int statement = reader.code.statement(item);
         reader.variablesOfFor[static_cast<std::size_t>(statement)] = reader.steps.back().name;
     }
 }
 
-void AddPartOfFor(Reader& reader, StepKind kind, int item) {
+void AddPartOfFor(Reader& reader, FlowUse kind, int item) {
     const int statement = reader.code.statement(item);
     const int name = reader.variablesOfFor[static_cast<std::size_t>(statement)];
     reader.steps.push_back({kind, item, name, NONE});
@@ -67,7 +67,7 @@ void AddLoadOfResult(Reader& reader, int item) {
         reader.fits = false;
         return;
     }
-    reader.steps.push_back({StepKind::Load, item, reader.results[reader.nextResult], NONE});
+    reader.steps.push_back({FlowUse::Load, item, reader.results[reader.nextResult], NONE});
     const bool isEndOfUnit = reader.code.kind(item) == TOKEN_UNKNOWN;
     reader.nextResult += isEndOfUnit ? 1 : 0;
 }
@@ -78,24 +78,24 @@ void AddLoad(Reader& reader, int item) {
     if (kind == TOKEN_UNKNOWN || kind == TOKEN_EXIT) {
         AddLoadOfResult(reader, item);
     } else if (kind == TOKEN_FOR && isOfFor) {
-        AddPartOfFor(reader, StepKind::Load, item);
+        AddPartOfFor(reader, FlowUse::Load, item);
     } else {
-        AddUse(reader, StepKind::Load, item);
+        AddUse(reader, FlowUse::Load, item);
     }
 }
 
 // Outside of statements parameters are stored, which no use asks for.
 void AddItem(Reader& reader, int item) {
-    const Operation operation = reader.code.operation(item);
-    if (operation == Operation::Load) {
+    const FlowKind operation = reader.code.operation(item);
+    if (operation == FlowKind::Load) {
         AddLoad(reader, item);
     } else if (reader.code.kind(item) == TOKEN_UNKNOWN) {
         return;
-    } else if (operation == Operation::Address) {
-        AddUse(reader, StepKind::Reference, item);
-    } else if (operation == Operation::Store && reader.code.isStepOfFor(item)) {
-        AddPartOfFor(reader, StepKind::Store, item);
-    } else if (operation == Operation::Store) {
+    } else if (operation == FlowKind::Address) {
+        AddUse(reader, FlowUse::Reference, item);
+    } else if (operation == FlowKind::Store && reader.code.isStepOfFor(item)) {
+        AddPartOfFor(reader, FlowUse::Store, item);
+    } else if (operation == FlowKind::Store) {
         AddStore(reader, item);
     }
 }
@@ -113,7 +113,7 @@ std::vector<int> ResultsOf(const Facts& facts) {
 
 }  // namespace
 
-std::vector<Step> StepsOf(const Code& code) {
+std::vector<FlowStep> FlowStepsOf(const FlowCode& code) {
     const Facts& facts = code.facts;
     Reader reader = {code, {}, 0, 0, {}, ResultsOf(facts), 0, true};
     reader.variablesOfFor.assign(facts.statements.size(), NONE);
@@ -122,5 +122,5 @@ std::vector<Step> StepsOf(const Code& code) {
     }
     const bool isAllUsed = NextUse(facts, reader.nextRead, IsReadOrReference) == NONE &&
                            NextUse(facts, reader.nextWrite, IsWrite) == NONE;
-    return reader.fits && isAllUsed ? std::move(reader.steps) : std::vector<Step>();
+    return reader.fits && isAllUsed ? std::move(reader.steps) : std::vector<FlowStep>();
 }

@@ -1,15 +1,15 @@
 // What the code does with variables, step by step, and where in the script it is asked to.
 #pragma once
 
-#include "lints/code.h"
+#include "lints/flow_code.h"
 
 #include <vector>
 
-enum class StepKind : unsigned char { Load, Store, Reference };
+enum class FlowUse : unsigned char { Load, Store, Reference };
 
 // An item that uses a variable.
-struct Step {
-    StepKind kind;
+struct FlowStep {
+    FlowUse kind;
     int item;
     int name;  // of the variable
     int use;   // NONE for what no name in the statements asks for: parts of FOR, the result
@@ -17,4 +17,4 @@ struct Step {
 
 // The steps of the statements of a script that compiles, and the loads of results, in the order
 // of the code. None at all if code and uses do not fit together.
-std::vector<Step> StepsOf(const Code& code);
+std::vector<FlowStep> FlowStepsOf(const FlowCode& code);

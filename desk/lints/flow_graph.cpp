@@ -1,4 +1,4 @@
-#include "lints/graph.h"
+#include "lints/flow_graph.h"
 
 #include <algorithm>
 #include <string_view>
@@ -16,13 +16,13 @@ struct Body {
 
 struct Bodies {
     std::vector<Body> bodies;
-    std::vector<int> bodyOf;                            // by item; NONE for declarations
+    std::vector<int> bodyOf;                           // by item; NONE for declarations
     std::unordered_map<std::string_view, int> labels;  // the items
 };
 
-bool IsJump(Operation operation) {
-    return operation == Operation::Jump || operation == Operation::JumpIfFalse ||
-           operation == Operation::JumpIfTrue;
+bool IsJump(FlowKind operation) {
+    return operation == FlowKind::Jump || operation == FlowKind::JumpIfFalse ||
+           operation == FlowKind::JumpIfTrue;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -30,7 +30,7 @@ bool IsJump(Operation operation) {
 // ---------------------------------------------------------------------------------------------
 
 // The body begins at the label BODY: or MAIN:, of which the first item of a unit is neither.
-int BeginOfBody(const Code& code, int begin, int end) {
+int BeginOfBody(const FlowCode& code, int begin, int end) {
     for (int item = begin + 1; item < end; ++item) {
         if (code.text(item) == "BODY:" || code.text(item) == "MAIN:") {
             return item;
@@ -40,14 +40,14 @@ int BeginOfBody(const Code& code, int begin, int end) {
 }
 
 // The items of a unit are written for places in it.
-int EndOfUnit(const Code& code, const UnitFact& unit, int begin) {
-    const auto after = std::find_if(
-        code.facts.items.begin() + begin, code.facts.items.end(),
-        [&](const ItemFact& item) { return item.place >= unit.span.end; });
+int EndOfUnit(const FlowCode& code, const UnitFact& unit, int begin) {
+    const auto after =
+        std::find_if(code.facts.items.begin() + begin, code.facts.items.end(),
+                     [&](const ItemFact& item) { return item.place >= unit.span.end; });
     return static_cast<int>(after - code.facts.items.begin());
 }
 
-std::vector<Body> FindBodies(const Code& code) {
+std::vector<Body> FindBodies(const FlowCode& code) {
     std::vector<Body> bodies;
     int item = 0;
     for (std::size_t unit = 0; unit < code.facts.units.size(); ++unit) {
@@ -70,8 +70,8 @@ Body& BodyAt(Bodies& all, int item) {
 // ---------------------------------------------------------------------------------------------
 
 // Each body has a label BODY: or MAIN: of its own; a script can have labels of these names too.
-void AddLabel(const Code& code, Bodies& all, int item) {
-    const auto added = all.labels.emplace(LabelIn(code.text(item)), item);
+void AddLabel(const FlowCode& code, Bodies& all, int item) {
+    const auto added = all.labels.emplace(LabelInItem(code.text(item)), item);
     const bool isBeginOfBody = BodyAt(all, item).begin == item;
     if (!added.second && !isBeginOfBody) {
         BodyAt(all, item).isCertain = false;
@@ -80,12 +80,12 @@ void AddLabel(const Code& code, Bodies& all, int item) {
 }
 
 // The item of the label that a jump goes to; NONE if there is none.
-int TargetOf(const Code& code, const Bodies& all, int jump) {
-    const auto found = all.labels.find(LabelIn(code.text(jump)));
+int TargetOf(const FlowCode& code, const Bodies& all, int jump) {
+    const auto found = all.labels.find(LabelInItem(code.text(jump)));
     return found == all.labels.end() ? NONE : found->second;
 }
 
-void CheckJump(const Code& code, Bodies& all, int item) {
+void CheckJump(const FlowCode& code, Bodies& all, int item) {
     const int target = TargetOf(code, all, item);
     if (target == NONE) {
         BodyAt(all, item).isCertain = false;
@@ -95,17 +95,17 @@ void CheckJump(const Code& code, Bodies& all, int item) {
     }
 }
 
-void FindLabels(const Code& code, Bodies& all) {
+void FindLabels(const FlowCode& code, Bodies& all) {
     for (const Body& body : all.bodies) {
         for (int item = body.begin; item < body.end; ++item) {
-            if (code.operation(item) == Operation::Label) {
+            if (code.operation(item) == FlowKind::Label) {
                 AddLabel(code, all, item);
             }
         }
     }
 }
 
-void CheckJumps(const Code& code, Bodies& all) {
+void CheckJumps(const FlowCode& code, Bodies& all) {
     for (const Body& body : all.bodies) {
         for (int item = body.begin; item < body.end; ++item) {
             if (IsJump(code.operation(item))) {
@@ -115,7 +115,7 @@ void CheckJumps(const Code& code, Bodies& all) {
     }
 }
 
-Bodies BodiesOf(const Code& code) {
+Bodies BodiesOf(const FlowCode& code) {
     Bodies all = {FindBodies(code), std::vector<int>(code.facts.items.size(), NONE), {}};
     for (std::size_t body = 0; body < all.bodies.size(); ++body) {
         std::fill(all.bodyOf.begin() + all.bodies[body].begin,
@@ -130,15 +130,15 @@ Bodies BodiesOf(const Code& code) {
 // Blocks
 // ---------------------------------------------------------------------------------------------
 
-bool EndsBlock(Operation operation) {
-    return IsJump(operation) || operation == Operation::Return;
+bool EndsBlock(FlowKind operation) {
+    return IsJump(operation) || operation == FlowKind::Return;
 }
 
-void DivideIntoBlocks(const Code& code, const Body& body, Graph& graph) {
+void DivideIntoBlocks(const FlowCode& code, const Body& body, FlowGraph& graph) {
     bool isNew = true;
     for (int item = body.begin; item < body.end; ++item) {
-        const Operation operation = code.operation(item);
-        if (isNew || operation == Operation::Label) {
+        const FlowKind operation = code.operation(item);
+        if (isNew || operation == FlowKind::Label) {
             graph.blocks.push_back({item, item});
         }
         graph.blocks.back().end = item + 1;
@@ -151,12 +151,11 @@ enum class Known : unsigned char { Nothing, Jumps, Passes };
 
 // A constant condition is "MOV 1 #A0", "EQ 1 #A0", "TST #A0" before the jump. That of an IF is
 // taken for a switch of the author's, and so is WHILE FALSE.
-Known WhatIsKnown(const Code& code, int jump) {
+Known WhatIsKnown(const FlowCode& code, int jump) {
     const Token kind = code.kind(jump);
-    const bool isConstant =
-        code.text(jump - 1) == "TST #A0" && code.text(jump - 2) == "EQ 1 #A0";
+    const bool isConstant = code.text(jump - 1) == "TST #A0" && code.text(jump - 2) == "EQ 1 #A0";
     const bool isTrue = code.text(jump - 3) == "MOV 1 #A0";
-    if (!isConstant || code.operation(jump) != Operation::JumpIfFalse) {
+    if (!isConstant || code.operation(jump) != FlowKind::JumpIfFalse) {
         return Known::Nothing;
     }
     if (kind == TOKEN_REPEAT) {
@@ -165,12 +164,12 @@ Known WhatIsKnown(const Code& code, int jump) {
     return kind == TOKEN_WHILE && isTrue ? Known::Passes : Known::Nothing;
 }
 
-void ConnectBlock(const Code& code, const Bodies& all, Graph& graph, std::size_t index) {
-    Block& block = graph.blocks[index];
+void ConnectBlock(const FlowCode& code, const Bodies& all, FlowGraph& graph, std::size_t index) {
+    FlowBlock& block = graph.blocks[index];
     const int last = block.end - 1;
-    const Operation operation = code.operation(last);
+    const FlowKind operation = code.operation(last);
     const Known known = WhatIsKnown(code, last);
-    const bool passes = operation != Operation::Jump && operation != Operation::Return &&
+    const bool passes = operation != FlowKind::Jump && operation != FlowKind::Return &&
                         known != Known::Jumps && index + 1 < graph.blocks.size();
     if (passes) {
         block.next[0] = static_cast<int>(index) + 1;
@@ -180,11 +179,11 @@ void ConnectBlock(const Code& code, const Bodies& all, Graph& graph, std::size_t
     }
 }
 
-void FindReached(Graph& graph) {
+void FindReached(FlowGraph& graph) {
     std::vector<int> open = {0};
     graph.blocks.front().isReached = true;
     while (!open.empty()) {
-        const Block& block = graph.blocks[static_cast<std::size_t>(open.back())];
+        const FlowBlock& block = graph.blocks[static_cast<std::size_t>(open.back())];
         open.pop_back();
         for (const int next : block.next) {
             if (next != NONE && !graph.blocks[static_cast<std::size_t>(next)].isReached) {
@@ -195,8 +194,8 @@ void FindReached(Graph& graph) {
     }
 }
 
-Graph GraphOf(const Code& code, const Bodies& all, const Body& body) {
-    Graph graph = {body.unit, {}};
+FlowGraph GraphOf(const FlowCode& code, const Bodies& all, const Body& body) {
+    FlowGraph graph = {body.unit, {}};
     DivideIntoBlocks(code, body, graph);
     for (std::size_t block = 0; block < graph.blocks.size(); ++block) {
         ConnectBlock(code, all, graph, block);
@@ -207,16 +206,16 @@ Graph GraphOf(const Code& code, const Bodies& all, const Body& body) {
 
 }  // namespace
 
-int Graph::blockOf(int item) const {
+int FlowGraph::blockOf(int item) const {
     const auto after =
         std::upper_bound(blocks.begin(), blocks.end(), item,
-                         [](int at, const Block& block) { return at < block.begin; });
+                         [](int at, const FlowBlock& block) { return at < block.begin; });
     return static_cast<int>(after - blocks.begin()) - 1;
 }
 
-std::vector<Graph> GraphsOf(const Code& code) {
+std::vector<FlowGraph> FlowGraphsOf(const FlowCode& code) {
     const Bodies all = BodiesOf(code);
-    std::vector<Graph> graphs;
+    std::vector<FlowGraph> graphs;
     for (const Body& body : all.bodies) {
         if (body.isCertain) {
             graphs.push_back(GraphOf(code, all, body));
@@ -227,19 +226,19 @@ std::vector<Graph> GraphsOf(const Code& code) {
 
 // A loop has one conditional jump to its exit, at its head, and one jump back, at its end: the
 // way to the exit is moved from the first to the second.
-Graph WithLoopsEntered(const Code& code, Graph graph) {
+FlowGraph WithLoopsEntered(const FlowCode& code, FlowGraph graph) {
     std::unordered_map<int, int> exits;  // by the statement
-    for (Block& block : graph.blocks) {
+    for (FlowBlock& block : graph.blocks) {
         const int last = block.end - 1;
         const Token kind = code.kind(last);
         if (kind != TOKEN_WHILE && kind != TOKEN_FOR) {
             continue;
         }
         const int statement = code.statement(last);
-        if (code.operation(last) == Operation::JumpIfFalse) {
+        if (code.operation(last) == FlowKind::JumpIfFalse) {
             exits[statement] = block.next[1];
             block.next[1] = NONE;
-        } else if (code.operation(last) == Operation::Jump) {
+        } else if (code.operation(last) == FlowKind::Jump) {
             block.next[0] = exits[statement];
         }
     }

@@ -1,4 +1,4 @@
-#include "lints/spread.h"
+#include "lints/flow_spread.h"
 
 #include <algorithm>
 
@@ -16,8 +16,8 @@ struct Stop {
 };
 
 // Goes to the next block that was not visited yet; false if there is none.
-bool GoOn(const Graph& graph, std::vector<bool>& isVisited, std::vector<Stop>& way) {
-    const Block& block = graph.blocks[static_cast<std::size_t>(way.back().block)];
+bool GoOn(const FlowGraph& graph, std::vector<bool>& isVisited, std::vector<Stop>& way) {
+    const FlowBlock& block = graph.blocks[static_cast<std::size_t>(way.back().block)];
     while (way.back().next < block.next.size()) {
         const int next = block.next[way.back().next];
         ++way.back().next;
@@ -31,7 +31,7 @@ bool GoOn(const Graph& graph, std::vector<bool>& isVisited, std::vector<Stop>& w
 }
 
 // The blocks that can be reached, in the reverse of the order in which they are left for good.
-std::vector<int> OrderOf(const Graph& graph) {
+std::vector<int> OrderOf(const FlowGraph& graph) {
     std::vector<int> order;
     std::vector<bool> isVisited(graph.blocks.size(), false);
     std::vector<Stop> way = {{0, 0}};
@@ -46,7 +46,7 @@ std::vector<int> OrderOf(const Graph& graph) {
     return order;
 }
 
-std::array<int, 2> NextPlaces(const Block& block, const std::vector<int>& places,
+std::array<int, 2> NextPlaces(const FlowBlock& block, const std::vector<int>& places,
                               bool throughCalls) {
     std::array<int, 2> next = {NONE, NONE};
     for (std::size_t i = 0; i < next.size(); ++i) {
@@ -59,7 +59,7 @@ std::array<int, 2> NextPlaces(const Block& block, const std::vector<int>& places
 }
 
 // Whether there are visits left for all blocks once more, which are then used.
-bool UseVisits(Ways& ways) {
+bool UseVisits(FlowWays& ways) {
     const auto count = static_cast<long long>(ways.order.size());
     const bool areLeft = ways.visitsLeft >= count;
     ways.visitsLeft -= areLeft ? count : 0;
@@ -67,17 +67,18 @@ bool UseVisits(Ways& ways) {
 }
 
 // Whether something went back to a block that had been visited in this round.
-bool PassForwards(const Ways& ways, const std::vector<Transfer>& transfers,
-                  std::vector<Mask>& come) {
+bool PassForwards(const FlowWays& ways, const std::vector<MaskTransfer>& transfers,
+                  std::vector<VariableMask>& come) {
     bool isAgain = false;
     for (std::size_t place = 0; place < ways.order.size(); ++place) {
         const auto block = static_cast<std::size_t>(ways.order[place]);
-        const Mask passed = transfers[block].after(come[block]);
+        const VariableMask passed = transfers[block].after(come[block]);
         for (const int next : ways.next[place]) {
             if (next == NONE) {
                 continue;
             }
-            Mask& known = come[static_cast<std::size_t>(ways.order[static_cast<std::size_t>(next)])];
+            VariableMask& known =
+                come[static_cast<std::size_t>(ways.order[static_cast<std::size_t>(next)])];
             isAgain = isAgain || (next <= static_cast<int>(place) && (passed & ~known) != 0);
             known |= passed;
         }
@@ -86,12 +87,12 @@ bool PassForwards(const Ways& ways, const std::vector<Transfer>& transfers,
 }
 
 // Whether something more came to a block.
-bool PassBackwards(const Ways& ways, const std::vector<Transfer>& transfers,
-                   std::vector<Mask>& come) {
+bool PassBackwards(const FlowWays& ways, const std::vector<MaskTransfer>& transfers,
+                   std::vector<VariableMask>& come) {
     bool isMore = false;
     for (std::size_t place = ways.order.size(); place-- > 0;) {
-        Mask& known = come[static_cast<std::size_t>(ways.order[place])];
-        Mask found = known;
+        VariableMask& known = come[static_cast<std::size_t>(ways.order[place])];
+        VariableMask found = known;
         for (const int next : ways.next[place]) {
             if (next != NONE) {
                 const auto block =
@@ -107,9 +108,9 @@ bool PassBackwards(const Ways& ways, const std::vector<Transfer>& transfers,
 
 }  // namespace
 
-std::vector<Group> GroupsOf(const std::vector<const Variable*>& variables) {
-    std::vector<Group> groups;
-    for (const Variable* variable : variables) {
+std::vector<VariableGroup> GroupsOf(const std::vector<const FlowVariable*>& variables) {
+    std::vector<VariableGroup> groups;
+    for (const FlowVariable* variable : variables) {
         if (groups.empty() || groups.back().size() == MASK_BITS) {
             groups.emplace_back();
         }
@@ -118,8 +119,8 @@ std::vector<Group> GroupsOf(const std::vector<const Variable*>& variables) {
     return groups;
 }
 
-Ways WaysOf(const Graph& graph, bool throughCalls) {
-    Ways ways = {OrderOf(graph), {}, 0};
+FlowWays WaysOf(const FlowGraph& graph, bool throughCalls) {
+    FlowWays ways = {OrderOf(graph), {}, 0};
     std::vector<int> places(graph.blocks.size(), NONE);
     for (std::size_t place = 0; place < ways.order.size(); ++place) {
         places[static_cast<std::size_t>(ways.order[place])] = static_cast<int>(place);
@@ -132,8 +133,9 @@ Ways WaysOf(const Graph& graph, bool throughCalls) {
     return ways;
 }
 
-std::vector<Mask> SpreadForwards(Ways& ways, const std::vector<Transfer>& transfers,
-                                 std::vector<Mask> come) {
+std::vector<VariableMask> SpreadForwards(FlowWays& ways,
+                                         const std::vector<MaskTransfer>& transfers,
+                                         std::vector<VariableMask> come) {
     bool isAgain = true;
     while (isAgain) {
         if (!UseVisits(ways)) {
@@ -144,8 +146,9 @@ std::vector<Mask> SpreadForwards(Ways& ways, const std::vector<Transfer>& transf
     return come;
 }
 
-std::vector<Mask> SpreadBackwards(Ways& ways, const std::vector<Transfer>& transfers,
-                                  std::vector<Mask> come) {
+std::vector<VariableMask> SpreadBackwards(FlowWays& ways,
+                                          const std::vector<MaskTransfer>& transfers,
+                                          std::vector<VariableMask> come) {
     bool isMore = true;
     while (isMore) {
         if (!UseVisits(ways)) {

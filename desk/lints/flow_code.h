@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-enum class Operation : unsigned char {
+enum class FlowKind : unsigned char {
     Other,
     Label,
     Jump,
@@ -19,21 +19,21 @@ enum class Operation : unsigned char {
     Call      // of a definition, or of a built-in that reaches objects of the engine
 };
 
-Operation OperationOf(std::string_view item);
+FlowKind FlowKindOf(std::string_view item);
 
 // The name of a label, or the label that a jump names.
-std::string_view LabelIn(std::string_view item);
+std::string_view LabelInItem(std::string_view item);
 
 // The items of a script. Those before the first and after the last are empty.
-struct Code {
-    explicit Code(const Facts& ofFacts);
+struct FlowCode {
+    explicit FlowCode(const Facts& ofFacts);
 
     const Facts& facts;
-    std::vector<Operation> operations;
+    std::vector<FlowKind> operations;
 
     int count() const { return static_cast<int>(operations.size()); }
     std::string_view text(int item) const;
-    Operation operation(int item) const { return operations[static_cast<std::size_t>(item)]; }
+    FlowKind operation(int item) const { return operations[static_cast<std::size_t>(item)]; }
 
     // The statement that an item is written for, and the code of its first token; NONE and
     // TOKEN_UNKNOWN outside of statements.

@@ -1,17 +1,17 @@
-#include "lints/layout.h"
+#include "lints/flow_layout.h"
 
 namespace {
 
 // What is known of a statement while its items are read.
 struct Part {
-    int region = NONE;    // that its condition is a part of
-    int operand = NONE;   // that the next item is a part of
-    int lastOwn = NONE;   // the last item so far that is no inner statement's
+    int region = NONE;   // that its condition is a part of
+    int operand = NONE;  // that the next item is a part of
+    int lastOwn = NONE;  // the last item so far that is no inner statement's
 };
 
 struct Reader {
-    const Code& code;
-    Layout layout;
+    const FlowCode& code;
+    FlowLayout layout;
     std::vector<Part> parts;
     int body = 0;  // where the statements of the unit begin
 };
@@ -22,7 +22,7 @@ Part& PartOf(Reader& reader, int statement) {
 
 // The body of a REPEAT runs whenever the statement does.
 void Begin(Reader& reader, int statement, int item) {
-    StatementCode& code = reader.layout.statements[static_cast<std::size_t>(statement)];
+    StatementItems& code = reader.layout.statements[static_cast<std::size_t>(statement)];
     const StatementFact& fact = reader.code.facts.statements[static_cast<std::size_t>(statement)];
     const bool isOuter = fact.parent == NONE;
     code.begin = item;
@@ -39,9 +39,8 @@ void Begin(Reader& reader, int statement, int item) {
 // an OR.
 void PassLabel(Reader& reader, int statement, int item) {
     Part& part = PartOf(reader, statement);
-    const bool isNextBranch = reader.code.kind(item) == TOKEN_IF &&
-                              part.lastOwn == item - 1 &&
-                              reader.code.operation(item - 1) == Operation::Jump;
+    const bool isNextBranch = reader.code.kind(item) == TOKEN_IF && part.lastOwn == item - 1 &&
+                              reader.code.operation(item - 1) == FlowKind::Jump;
     if (isNextBranch) {
         part.region = item + 1;
     }
@@ -49,17 +48,17 @@ void PassLabel(Reader& reader, int statement, int item) {
 }
 
 void ReadItem(Reader& reader, int statement, int item) {
-    StatementCode& code = reader.layout.statements[static_cast<std::size_t>(statement)];
+    StatementItems& code = reader.layout.statements[static_cast<std::size_t>(statement)];
     if (code.begin == NONE) {
         Begin(reader, statement, item);
     }
-    const Operation operation = reader.code.operation(item);
-    if (operation == Operation::Label) {
+    const FlowKind operation = reader.code.operation(item);
+    if (operation == FlowKind::Label) {
         PassLabel(reader, statement, item);
     }
     Part& part = PartOf(reader, statement);
     reader.layout.regions[static_cast<std::size_t>(item)] = part.operand;
-    if (operation == Operation::JumpIfTrue) {
+    if (operation == FlowKind::JumpIfTrue) {
         part.operand = item + 1;
     }
     part.lastOwn = item;
@@ -68,7 +67,7 @@ void ReadItem(Reader& reader, int statement, int item) {
 
 // Labels outside of statements begin a unit and its body.
 void ReadOutside(Reader& reader, int item) {
-    if (reader.code.operation(item) == Operation::Label) {
+    if (reader.code.operation(item) == FlowKind::Label) {
         reader.body = item + 1;
     }
     reader.layout.regions[static_cast<std::size_t>(item)] = reader.body;
@@ -76,7 +75,7 @@ void ReadOutside(Reader& reader, int item) {
 
 }  // namespace
 
-Layout LayoutOf(const Code& code) {
+FlowLayout FlowLayoutOf(const FlowCode& code) {
     const Facts& facts = code.facts;
     Reader reader = {code, {}, {}};
     reader.layout.statements.resize(facts.statements.size());

@@ -1,15 +1,15 @@
 // The ways through a unit, read from its target code.
 #pragma once
 
-#include "lints/code.h"
+#include "lints/flow_code.h"
 
 #include <array>
 #include <vector>
 
 // Items that run one after the other, from the first to the last.
-struct Block {
+struct FlowBlock {
     int begin;
-    int end;                               // after the last item
+    int end;                                 // after the last item
     std::array<int, 2> next = {NONE, NONE};  // blocks; none of both leaves the unit
     bool isReached = false;
 
@@ -17,9 +17,9 @@ struct Block {
 };
 
 // A unit whose jumps stay in it.
-struct Graph {
+struct FlowGraph {
     int unit;
-    std::vector<Block> blocks;  // in the order of the code, the first is entered by a call
+    std::vector<FlowBlock> blocks;  // in the order of the code, the first is entered by a call
 
     int begin() const { return blocks.front().begin; }
     int end() const { return blocks.back().end; }
@@ -29,8 +29,8 @@ struct Graph {
 
 // The graphs of a script that compiles; units whose jumps have no certain target are left out.
 // A WHILE TRUE and an UNTIL of a constant are known to hold or not, other conditions are not.
-std::vector<Graph> GraphsOf(const Code& code);
+std::vector<FlowGraph> FlowGraphsOf(const FlowCode& code);
 
 // The same ways, but that the body of each FOR and WHILE is gone through before the loop ends
 // by its condition.
-Graph WithLoopsEntered(const Code& code, Graph graph);
+FlowGraph WithLoopsEntered(const FlowCode& code, FlowGraph graph);
