@@ -39,3 +39,10 @@ inline QString Quoted(const FlowScript& script, int name) {
 inline Diagnostic FlowWarning(const char* id, const QString& message, Span span) {
     return {Level::Warning, QString::fromLatin1(id), message, span, {}, std::nullopt};
 }
+
+// The same with a help, which may be about another place.
+inline Diagnostic FlowWarning(const char* id, const QString& message, Span span,
+                              const QString& help, Span helpSpan = {}) {
+    return {Level::Warning, QString::fromLatin1(id),       message,
+            span,           {{QString(), help, helpSpan}}, std::nullopt};
+}

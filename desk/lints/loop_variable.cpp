@@ -146,7 +146,8 @@ Diagnostic DiagnosticOf(const FlowScript& script, const UseFact& use) {
         ID,
         QStringLiteral("The variable %1 of a \"FOR\" loop is changed within the loop")
             .arg(Quoted(script, use.name)),
-        use.span);
+        use.span,
+        QStringLiteral("`BREAK` leaves a loop; to count in another way write a `WHILE`"));
 }
 
 }  // namespace

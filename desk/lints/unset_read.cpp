@@ -142,7 +142,8 @@ Diagnostic DiagnosticOfRead(const Look& look, const FlowVariable& variable, cons
             ? QStringLiteral("The variable %1 is read here, but not set on every way to here")
             : QStringLiteral("The variable %1 is read here, but nothing sets it before");
     return FlowWarning(ID, text.arg(Quoted(look.script, variable.name)),
-                       look.script.use(step.use).span);
+                       look.script.use(step.use).span,
+                       QStringLiteral("set it on every way, or give it an initial value"));
 }
 
 // The result is read where the function ends: at EXIT or END_FUNCTION.
@@ -153,7 +154,8 @@ Diagnostic DiagnosticOfResult(const Look& look, const PlacedUse& step, bool isSe
             : QStringLiteral("The function %1 ends here, but nothing sets \"RESULT\" before");
     const int name = look.script.unit(look.graph.unit).name;
     return FlowWarning(ID, text.arg(Quoted(look.script, name)),
-                       TokenAt(look.script.facts, look.script.item(step.item).place));
+                       TokenAt(look.script.facts, look.script.item(step.item).place),
+                       QStringLiteral("set `RESULT` before the first condition"));
 }
 
 void TellOf(const Look& look, std::size_t index, const PlacedUse& step, bool isSetSomewhere,

@@ -166,6 +166,15 @@ Diagnostic DiagnosticOf(const Look& look, const PlacedUse& step, const QString& 
     return FlowWarning(ID, text.arg(Quoted(look.script, use.name)), use.span);
 }
 
+// The help marks the value that takes the place.
+Diagnostic DiagnosticOf(const Look& look, const PlacedUse& step, const QString& text,
+                        const PlacedUse& next) {
+    const UseFact& use = look.script.use(step.use);
+    return FlowWarning(ID, text.arg(Quoted(look.script, use.name)), use.span,
+                       QStringLiteral("the next value is set here"),
+                       look.script.use(next.use).span);
+}
+
 // A variable that is never read is told of once; one that only takes values of calls is there to
 // take them.
 void TellOfUnread(const Look& look, const FlowVariable& variable,
@@ -182,25 +191,34 @@ void TellOfUnread(const Look& look, const FlowVariable& variable,
         DiagnosticOf(look, *first, QStringLiteral("The variable %1 is assigned but never read")));
 }
 
-// Whether the next value in the same block takes the place of this one.
-bool IsOverwritten(const FlowVariable& variable, const PlacedUse& step) {
+// The store in the same block whose value takes the place of this one, or null.
+const PlacedUse* OverwriterOf(const FlowVariable& variable, const PlacedUse& step) {
     const PlacedUse* const next = NextInBlock(variable, step);
-    return next != nullptr && next->kind == FlowUse::Store;
+    const bool isStore = next != nullptr && next->kind == FlowUse::Store && next->use != NONE;
+    return isStore ? next : nullptr;
 }
 
 // What a program leaves behind counts as read, so that there each value that is not has another
 // after it.
-QString MessageOf(const Look& look, const FlowVariable& variable, const PlacedUse& step) {
-    return IsProgram(look.script, look.graph) || IsOverwritten(variable, step)
-               ? QStringLiteral("The variable %1 gets another value before this one is read")
-               : QStringLiteral("Nothing reads this value of the variable %1");
+Diagnostic DiagnosticOfUnused(const Look& look, const FlowVariable& variable,
+                              const PlacedUse& step) {
+    const QString overwritten =
+        QStringLiteral("The variable %1 gets another value before this one is read");
+    const PlacedUse* const next = OverwriterOf(variable, step);
+    if (next != nullptr) {
+        return DiagnosticOf(look, step, overwritten, *next);
+    }
+    return DiagnosticOf(look, step,
+                        IsProgram(look.script, look.graph)
+                            ? overwritten
+                            : QStringLiteral("Nothing reads this value of the variable %1"));
 }
 
 bool IsUnused(const Look& look, std::size_t index, const PlacedUse& step) {
     const auto block = static_cast<std::size_t>(step.block);
     const FlowVariable& variable = *look.group[index];
     const bool isNeeded = (look.needed[block] & BitOf(index)) != 0;
-    const bool isOverwritten = IsOverwritten(variable, step);
+    const bool isOverwritten = OverwriterOf(variable, step) != nullptr;
     return MayBeUnused(look.script, variable, step) && look.graph.blocks[block].isReached &&
            (isOverwritten || (!isNeeded && !IsConstant(look.script, step))) &&
            !HasCall(look.script, step);
@@ -215,7 +233,7 @@ void FindInVariable(const Look& look, std::size_t index, std::vector<Diagnostic>
     }
     for (const PlacedUse& step : variable.steps) {
         if (IsUnused(look, index, step)) {
-            found.push_back(DiagnosticOf(look, step, MessageOf(look, variable, step)));
+            found.push_back(DiagnosticOfUnused(look, variable, step));
         }
     }
 }
@@ -226,7 +244,8 @@ void FindInUnit(const FlowScript& script, const UnitFlow& unit, std::vector<Diag
     for (const VariableGroup& group :
          GroupsOf(CandidatesOf(script, unit.graph, unit.variables))) {
         Look look = {script, unit.graph, group, {}};
-        look.needed = SpreadBackwards(ways, TransfersOf(look), byOthers);
+        look.needed =
+            byOthers.empty() ? byOthers : SpreadBackwards(ways, TransfersOf(look), byOthers);
         if (look.needed.empty()) {
             return;
         }

@@ -373,6 +373,34 @@ TEST(FlowLints, NamesOfTheCode) {
               "2:1 unreachable-code, 3:1 unreachable-code");
 }
 
+// The helps of a script, each with the place of its own if it has one.
+std::string HelpsOf(const QString& text) {
+    const Source source(QStringLiteral("test"), text);
+    QStringList helps;
+    for (const Diagnostic& diagnostic : FlowLints(source, *CompileAndWait(source).facts)) {
+        for (const Help& help : diagnostic.helps) {
+            const QString mark = source.text(help.span).toString();
+            helps.append(help.text + (mark.isEmpty() ? mark : QStringLiteral(": ") + mark));
+        }
+    }
+    return helps.join(QLatin1Char('\n')).toStdString();
+}
+
+TEST(FlowLints, Helps) {
+    EXPECT_EQ(HelpsOf(QStringLiteral(
+                  "FUNCTION F : INT VAR_ARG a : INT; END_VAR VAR x : INT; i : INT; END_VAR "
+                  "IF a > 1 THEN x := 1; END_IF; yxSetGV(1, x); x := a; X := 2; yxSetGV(1, x);"
+                  "FOR i := 1 TO 9 DO i := a; RESULT := 1; END_FOR; IF a > 2 THEN RESULT := 2; "
+                  "END_IF; END_FUNCTION "
+                  "FUNCTION G : INT VAR_ARG a : INT; END_VAR IF a > 1 THEN RESULT := 1; END_IF; "
+                  "END_FUNCTION PROGRAM P VAR n : INT := 0; END_VAR n := F(n) + G(n); "
+                  "END_PROGRAM")),
+              "set it on every way, or give it an initial value\n"
+              "the next value is set here: X\n"
+              "`BREAK` leaves a loop; to count in another way write a `WHILE`\n"
+              "set `RESULT` before the first condition");
+}
+
 // Groups of variables are looked at one after the other.
 TEST(FlowLints, ManyVariables) {
     QString declarations;
