@@ -55,7 +55,7 @@ bool IsUnreached(const FlowScript& script, const Reached& reached, int statement
 
 }  // namespace
 
-// Of a run of statements the first is told of, of those within a statement none.
+// Of a run of statements the first is reported, of those within a statement none.
 void FindUnreachableCode(const FlowScript& script, std::vector<Diagnostic>& found) {
     const Reached reached = ReachedItems(script);
     std::unordered_map<int, int> lastOf;  // by branch, the statement before

@@ -3,7 +3,7 @@
 //
 // That a variable is set under one condition and read under another is no fault where the two go
 // together, and nobody can tell in general. So a read that some ways reach with a value and some
-// without is only told of if no condition stands between the two: none that the read is under,
+// without is only reported if no condition stands between the two: none that the read is under,
 // and none under which the unit or the loop was left. Loops are taken to run at least once.
 
 #include "lints/flow_rules.h"
@@ -70,7 +70,7 @@ std::vector<const FlowVariable*> CandidatesOf(const FlowScript& script,
 // What comes where
 // ---------------------------------------------------------------------------------------------
 
-// A read ends the doubt: what follows from it is not told of again. False if it is too much.
+// A read ends the doubt: what follows from it is not reported again. False if it is too much.
 bool FindStates(Look& look, FlowWays& ways) {
     const std::size_t count = look.graph.blocks.size();
     std::vector<MaskTransfer> uses(count);
@@ -119,7 +119,7 @@ void FindDoubts(Look& look) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// What is told
+// What is reported
 // ---------------------------------------------------------------------------------------------
 
 // Whether the way to a read forks within what runs together with it.

@@ -58,7 +58,7 @@ bool IsOfSection(const FlowScript& script, const FlowGraph& graph, const FlowVar
            section == (IsProgram(script, graph) ? TOKEN_VAR_OUTPUT : TOKEN_VAR_ARG);
 }
 
-// What is only read where no way leads is not told of: the cause is another.
+// What is only read where no way leads is not reported: the cause is another.
 bool IsCandidate(const FlowScript& script, const FlowGraph& graph, const FlowVariable& variable) {
     const auto begin = variable.steps.begin();
     const auto end = variable.steps.end();
@@ -158,7 +158,7 @@ bool IsConstant(const FlowScript& script, const PlacedUse& store) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// What is told
+// What is reported
 // ---------------------------------------------------------------------------------------------
 
 Diagnostic DiagnosticOf(const Look& look, const PlacedUse& step, const QString& text) {
@@ -175,7 +175,7 @@ Diagnostic DiagnosticOf(const Look& look, const PlacedUse& step, const QString& 
                        look.script.use(next.use).span);
 }
 
-// A variable that is never read is told of once; one that only takes values of calls is there to
+// A variable that is never read is reported once; one that only takes values of calls is there to
 // take them.
 void TellOfUnread(const Look& look, const FlowVariable& variable,
                   std::vector<Diagnostic>& found) {
@@ -198,8 +198,8 @@ const PlacedUse* OverwriterOf(const FlowVariable& variable, const PlacedUse& ste
     return isStore ? next : nullptr;
 }
 
-// What a program leaves behind counts as read, so that there each value that is not has another
-// after it.
+// What a program holds at its end counts as read, so that there each value that is not has
+// another after it.
 Diagnostic DiagnosticOfUnused(const Look& look, const FlowVariable& variable,
                               const PlacedUse& step) {
     const QString overwritten =

@@ -11,7 +11,7 @@
 
 namespace {
 
-// What is found in a script, as "LINE:COLUMN id" in the order in which it is told.
+// What is found in a script, as "LINE:COLUMN id" in the order of the findings.
 std::string Found(const QString& text) {
     const Source source(QStringLiteral("test"), text);
     const CompileResult result = CompileAndWait(source);
