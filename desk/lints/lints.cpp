@@ -3,6 +3,7 @@
 #include "check/context.h"
 #include "explain/distance.h"
 #include "lints/allow.h"
+#include "lints/flow.h"
 #include "lints/lints_table.h"
 
 #include "qyx_text.h"
@@ -11,6 +12,10 @@
 
 namespace {
 
+// Those that are found together.
+constexpr QLatin1String FLOW_LINTS[] = {
+    QLatin1String("unset-read"), QLatin1String("unused-store"), QLatin1String("unreachable-code"),
+    QLatin1String("loop-variable-changed")};
 const QString USELESS_ALLOW = QStringLiteral("useless-allow");
 
 const Lints& AllLints() {
@@ -27,7 +32,7 @@ const Lints& AllLints() {
 }
 
 std::vector<Diagnostic> AllFindings(const Subject& subject) {
-    std::vector<Diagnostic> findings;
+    std::vector<Diagnostic> findings = FlowLints(subject.source, subject.facts);
     for (const Lint& lint : AllLints()) {
         for (Diagnostic& each : lint.find(subject)) {
             each.id = lint.id;
@@ -148,6 +153,9 @@ QStringList LintIds() {
     QStringList ids;
     for (const Lint& lint : AllLints()) {
         ids.append(QString(lint.id));
+    }
+    for (const QLatin1String id : FLOW_LINTS) {
+        ids.append(QString(id));
     }
     return ids << USELESS_ALLOW;
 }

@@ -131,8 +131,8 @@ inline std::vector<LintCase> CasesOfDeclarations() {
          "\"999999999999999999...999999999999999999\" does not fit into \"w\": a \"UDINT\" is "
          "from"
          " 0 to 4294967295"},
-        {"constant-out-of-range", LintedFunction("RESULT := 70000 (* all *); i := n; n := i;"),
-         "70000", "\"70000\" does not fit into \"RESULT\": a \"INT\" is from -32768 to 32767"},
+        {"constant-out-of-range", LintedFunction("RESULT := 70000 (* all *);"), "70000",
+         "\"70000\" does not fit into \"RESULT\": a \"INT\" is from -32768 to 32767"},
         {"look-alike-names",
          Declared("VAR_INPUT\n Alarm : INT;\n Аlarm : INT;\nEND_VAR Alarm := Аlarm;"), "Аlarm",
          "\"Аlarm\" is another name than \"Alarm\", which looks like it: the letter \"А\" at "
@@ -246,7 +246,7 @@ inline std::vector<LintCase> CasesOfValues() {
         {constant, LintedStatements("REPEAT a := a + 1; UNTIL TRUE END_REPEAT;"), "TRUE",
          "The loop runs once"},
         {constant,
-         LintedStatements("WHILE TRUE DO a := a + 1; END_WHILE; WHILE x DO BREAK; END_WHILE;"),
+         LintedStatements("WHILE x DO BREAK; END_WHILE; WHILE TRUE DO a := a + 1; END_WHILE;"),
          "TRUE", "The loop never ends"},
         {"useless-allow", LintedStatements("a := b; // yxst:allow real-equality"),
          "real-equality", "\"real-equality\" finds nothing on this line",
@@ -266,7 +266,7 @@ inline std::vector<QString> ScriptsWithoutLints() {
     std::vector<QString> scripts = {
         LintedFunction("FOR i := 1 TO n DO IF i = 3 THEN RESULT := i; n := 1; EXIT; END_IF;\n"
                        "END_FOR; RESULT := n;"),
-        LintedFunction("RESULT := n; i := 1; EXIT;"),
+        LintedFunction("RESULT := n; EXIT;"),
         Declared("VAR\n  CONSTANT low : INT := 1;\n  high : INT := 2;\nEND_VAR\n"
                  "VAR_INPUT a : INT; END_VAR a := low + high;"),
         Declared(

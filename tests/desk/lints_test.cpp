@@ -122,7 +122,8 @@ TEST(Lints, AllowanceHoldsForItsLineAlone) {
 }
 
 TEST(Lints, EachHasACaseAndAnIdentifierOfItsOwn) {
-    QSet<QString> tried;
+    QSet<QString> tried = {"unset-read", "unused-store", "unreachable-code",
+                           "loop-variable-changed"};  // in lints_flow_test.cpp
     for (const LintCase& each : AllCases()) {
         tried.insert(QString(QLatin1String(each.id)));
     }
