@@ -13,9 +13,8 @@
 namespace {
 
 // Those that are found together.
-constexpr QLatin1String FLOW_LINTS[] = {
-    QLatin1String("unset-read"), QLatin1String("unused-store"), QLatin1String("unreachable-code"),
-    QLatin1String("loop-variable-changed")};
+constexpr QLatin1String FLOW_LINTS[] = {"unset-read"_L1, "unused-store"_L1, "unreachable-code"_L1,
+                                        "loop-variable-changed"_L1};
 const QString USELESS_ALLOW = QStringLiteral("useless-allow");
 
 const Lints& AllLints() {

@@ -1,5 +1,7 @@
 #include "lints/literals.h"
 
+#include "qyx_text.h"
+
 #include <iterator>
 
 namespace {
@@ -9,8 +11,7 @@ struct Base {
     int base;
 };
 
-constexpr Base BASES[] = {
-    {QLatin1String("16#"), 16}, {QLatin1String("8#"), 8}, {QLatin1String("2#"), 2}};
+constexpr Base BASES[] = {{"16#"_L1, 16}, {"8#"_L1, 8}, {"2#"_L1, 2}};
 
 double DigitsOf(QStringView digits, int base) {
     double value = 0;
