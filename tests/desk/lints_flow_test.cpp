@@ -203,7 +203,7 @@ TEST(UnusedStore, AWayReads) {
     EXPECT_EQ(FoundInProgram("x := a; IF ok THEN x := 1; END_IF; r := x;"), "");
     EXPECT_EQ(FoundInProgram("x := a; x := x + 1; r := x;"), "");
     EXPECT_EQ(FoundInProgram("x := a; Show(1, x); x := 1; r := x;"), "");
-    EXPECT_EQ(FoundInBlock("x := 0; REPEAT r := x; IF a > 1 THEN r := 0; END_IF; x := a + r;"
+    EXPECT_EQ(FoundInBlock("x := 0; REPEAT IF a > 1 THEN r := x; END_IF; x := a;"
                            "UNTIL ok END_REPEAT;"),
               "");
     EXPECT_EQ(FoundInProgram("x := a; WHILE x < 9 DO x := x + 1; END_WHILE;"), "");
