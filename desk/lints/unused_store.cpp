@@ -179,16 +179,16 @@ Diagnostic DiagnosticOf(const Look& look, const PlacedUse& step, const QString& 
 // take them.
 void TellOfUnread(const Look& look, const FlowVariable& variable,
                   std::vector<Diagnostic>& found) {
-    const PlacedUse* first = nullptr;
-    for (const PlacedUse& step : variable.steps) {
-        const bool isReached = look.graph.blocks[static_cast<std::size_t>(step.block)].isReached;
-        if (!isReached || HasCall(look.script, step)) {
-            return;
-        }
-        first = first == nullptr ? &step : first;
+    const bool isToBeLeft =
+        std::any_of(variable.steps.begin(), variable.steps.end(), [&](const PlacedUse& step) {
+            return !look.graph.blocks[static_cast<std::size_t>(step.block)].isReached ||
+                   HasCall(look.script, step);
+        });
+    if (!isToBeLeft) {
+        found.push_back(
+            DiagnosticOf(look, variable.steps.front(),
+                         QStringLiteral("The variable %1 is assigned but never read")));
     }
-    found.push_back(
-        DiagnosticOf(look, *first, QStringLiteral("The variable %1 is assigned but never read")));
 }
 
 // The store in the same block whose value takes the place of this one, or null.
