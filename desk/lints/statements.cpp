@@ -160,9 +160,10 @@ std::vector<Diagnostic> FindUnusedLabels(const Subject& subject) {
     std::vector<Diagnostic> findings;
     for (const UnusedLabel& each : UnusedLabels(subject)) {
         if (!each.isBranch) {
-            findings.push_back(
-                Finding(each.name.span, QStringLiteral("No \"GOTO\" names the label %1")
-                                            .arg(Quoted(subject.textOf(each.name)))));
+            findings.push_back(Finding(each.name.span,
+                                       QStringLiteral("No \"GOTO\" names the label %1")
+                                           .arg(Quoted(subject.textOf(each.name))),
+                                       QStringLiteral("leave the label out")));
         }
     }
     return findings;

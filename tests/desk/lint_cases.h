@@ -78,10 +78,10 @@ inline std::vector<LintCase> CasesOfStatements() {
          "Others", "\"Others:\" begins no branch of the \"CASE\": it is a label for \"GOTO\"",
          "the branch for all other values is `ELSE`, without a `:`"},
         {"unused-label", LintedStatements("again: a := b;"), "again",
-         "No \"GOTO\" names the label \"again\""},
+         "No \"GOTO\" names the label \"again\"", "leave the label out"},
         {"unused-label",
          LintedStatements("CASE a OF 1: IF x THEN again: b := 2; END_IF; END_CASE;"), "again",
-         "No \"GOTO\" names the label \"again\""},
+         "No \"GOTO\" names the label \"again\"", "leave the label out"},
         {"hidden-case-range",
          LintedStatements("CASE a OF\n-1..10, 20: b := 1;\n21..30: b := 2;\n 2 .. 5: b := 3;\n"
                           "END_CASE;"),
