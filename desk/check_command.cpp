@@ -27,14 +27,6 @@ struct CheckArguments {
     bool isWarningError = false;
 };
 
-void MakeWarningsErrors(FileReport& report) {
-    for (Diagnostic& diagnostic : report.diagnostics) {
-        if (diagnostic.level == Level::Warning) {
-            diagnostic.level = Level::Error;
-        }
-    }
-}
-
 // Reports the files as they are handed over, and keeps count.
 class Reporter {
 public:

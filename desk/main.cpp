@@ -26,6 +26,7 @@ struct Subcommand {
 constexpr Subcommand SUBCOMMANDS[] = {
     {"check", "Show all errors and warnings of scripts", DeclareCheck},
     {"facts", "Show what the compiler tells about a script, as JSON", DeclareFacts},
+    {"verify", "Prove that target code is sound", DeclareVerify},
     {"explain", "Explain a message", DeclareExplain},
 };
 

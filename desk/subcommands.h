@@ -14,3 +14,4 @@ using Runner = std::function<Status()>;
 Runner DeclareCheck(CLI::App& command);
 Runner DeclareExplain(CLI::App& command);
 Runner DeclareFacts(CLI::App& command);
+Runner DeclareVerify(CLI::App& command);

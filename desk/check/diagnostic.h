@@ -2,13 +2,12 @@
 #pragma once
 
 #include "check/edits.h"
+#include "facts/level.h"
 
 #include <QString>
 
 #include <optional>
 #include <vector>
-
-enum class Level : unsigned char { Note, Warning, Error };
 
 // An advice on how to mend what a diagnostic tells.
 struct Help {

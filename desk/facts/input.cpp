@@ -18,20 +18,25 @@ QString CompilersName(const QString& path) {
     return QString::fromLatin1(QFile::encodeName(path));
 }
 
-Input ReadStandardInput() {
-    QFile input;
+// Everything that there is to read; nothing if it cannot be read whole.
+std::optional<QByteArray> ReadAll(QFile& input) {
     QByteArray bytes;
     QByteArray block;
+    do {
+        block = input.read(BLOCK_SIZE);
+        bytes.append(block);
+    } while (!block.isEmpty() && bytes.size() <= MAX_SOURCE_SIZE);
+    const bool isWhole = input.error() == QFileDevice::NoError && bytes.size() <= MAX_SOURCE_SIZE;
+    return isWhole ? std::optional<QByteArray>(bytes) : std::nullopt;
+}
+
+InputBytes ReadStandardInput() {
+    QFile input;
+    std::optional<QByteArray> bytes;
     if (input.open(STDIN_FILENO, QIODevice::ReadOnly)) {
-        do {
-            block = input.read(BLOCK_SIZE);
-            bytes.append(block);
-        } while (!block.isEmpty() && bytes.size() <= MAX_SOURCE_SIZE);
+        bytes = ReadAll(input);
     }
-    if (input.error() != QFileDevice::NoError || bytes.size() > MAX_SOURCE_SIZE) {
-        return {std::nullopt, QStringLiteral("standard input cannot be read whole")};
-    }
-    return {Source(QStringLiteral("<stdin>"), SourceText(bytes)), QString()};
+    return {bytes, bytes ? QString() : QStringLiteral("standard input cannot be read whole")};
 }
 
 QString WhyUnreadable(const QString& path) {
@@ -64,13 +69,31 @@ QStringList FilesIn(const QString& folder, const QStringList& suffixes) {
 
 Input ReadInput(const QString& path) {
     if (path == QLatin1String(STANDARD_INPUT)) {
-        return ReadStandardInput();
+        const InputBytes input = ReadStandardInput();
+        return input.bytes ? Input{Source(NameOfInput(path), SourceText(*input.bytes)), QString()}
+                           : Input{std::nullopt, input.failure};
     }
     const FileHandle file(CompilersName(path), true);
     if (!file.isOpened()) {
         return {std::nullopt, WhyUnreadable(path)};
     }
     return {Source(path, file.text()), QString()};
+}
+
+InputBytes ReadInputBytes(const QString& path) {
+    if (path == QLatin1String(STANDARD_INPUT)) {
+        return ReadStandardInput();
+    }
+    QFile file(path);
+    std::optional<QByteArray> bytes;
+    if (!QFileInfo(path).isDir() && file.open(QIODevice::ReadOnly)) {
+        bytes = ReadAll(file);
+    }
+    return {bytes, bytes ? QString() : WhyUnreadable(path)};
+}
+
+QString NameOfInput(const QString& path) {
+    return path == QLatin1String(STANDARD_INPUT) ? QStringLiteral("<stdin>") : path;
 }
 
 FoundFiles FindFiles(const QStringList& paths, const QStringList& suffixes) {

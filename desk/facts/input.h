@@ -3,6 +3,7 @@
 
 #include "facts/source.h"
 
+#include <QByteArray>
 #include <QStringList>
 
 #include <optional>
@@ -17,6 +18,16 @@ struct Input {
 
 // Reads a script; "-" is standard input.
 Input ReadInput(const QString& path);
+
+// A file as it is, or why it was not read.
+struct InputBytes {
+    std::optional<QByteArray> bytes;
+    QString failure;
+};
+InputBytes ReadInputBytes(const QString& path);
+
+// What messages call the file of that path.
+QString NameOfInput(const QString& path);
 
 // The files that paths stand for, in the order of the paths; those of a folder by name.
 struct FoundFiles {

@@ -7,6 +7,22 @@
 
 namespace {
 
+constexpr std::size_t FIELDS_BEFORE_NUMBERS = 3;  // of a declaration: name, code, type
+
+struct FixedOperand {
+    QLatin1String text;
+    OperandKind kind;
+};
+
+constexpr FixedOperand FIXED_OPERANDS[] = {
+    {ACCUMULATOR, OperandKind::Accumulator},
+    {REGISTER_0, OperandKind::Register0},
+    {PUSH, OperandKind::Push},
+    {POP, OperandKind::Pop},
+    {NIL, OperandKind::Nil},
+    {TICK, OperandKind::Tick},
+};
+
 // Decodes the items of a text one after the other.
 class Decoder {
 public:
@@ -30,7 +46,10 @@ private:
     int item_ = 0;  // the number of the item read last
     std::optional<CodeFault> fault_;
     QHash<QString, int> literals_;
-    std::vector<QString> targets_;  // the name in each instruction that has one
+    std::vector<QString> targets_;               // the name in each instruction that has one
+    QHash<QString, int> labels_;                 // the instructions after them, by name
+    QHash<QPair<int, QString>, int> ownLabels_;  // by unit and name
+    QHash<QString, int> units_;                  // by name, without the program
 
     CodeUnit& unit() { return code_.units.back(); }
     std::string_view next() const {
@@ -105,49 +124,75 @@ private:
         const std::vector<std::string_view> fields = WordsOf(text);
         Declaration declaration = {
             TextOf(fields[0]), SectionOf(fields[1]), TypeOf(fields[2]), {}, item_};
-        for (std::size_t index = 3; index < fields.size(); ++index) {
+        for (std::size_t index = FIELDS_BEFORE_NUMBERS; index < fields.size(); ++index) {
             declaration.numbers.push_back(literalOf(fields[index]));
         }
         checkDeclaration(declaration);
+        checkPlace(declaration);
         add(std::move(declaration));
     }
 
     void checkDeclaration(const Declaration& declaration) {
-        const bool isResult = IsResult(declaration);
         if (!IsName(declaration.name)) {
             fail(QStringLiteral("no name stands before the code of the section"));
         } else if (declaration.type == TYP_NONE) {
             fail(QStringLiteral("no type stands after the code of the section"));
-        } else if (declaration.type >= TYP_STRING && !isResult) {
+        } else if (declaration.type >= TYP_STRING && !isResult(declaration)) {
             fail(QStringLiteral("no variable can have that type"));
+        } else if (!hasValuesOfItsType(declaration)) {
+            fail(QStringLiteral("that is no value for a declaration of this kind"));
         }
     }
 
-    static bool IsResult(const Declaration& declaration) {
-        return declaration.section == Section::Local && declaration.name == sRESULT;
+    // The variable of a function that holds what it gives.
+    bool isResult(const Declaration& declaration) {
+        return unit().kind != UnitKind::Program && declaration.section == Section::Local &&
+               declaration.name == sRESULT;
+    }
+
+    bool hasValuesOfItsType(const Declaration& declaration) {
+        const bool isFilledLater = isParameter(declaration.section) || isResult(declaration);
+        const bool isTruth = declaration.type == TYP_BOOL;
+        return std::all_of(declaration.numbers.begin(), declaration.numbers.end(),
+                           [=](const Literal& value) {
+                               const bool isZero = value.text == "0"_L1;
+                               const bool isOne = value.text == "1"_L1;
+                               return value.type != TYP_STRING && (isZero || !isFilledLater) &&
+                                      (isZero || isOne || !isTruth);
+                           });
+    }
+
+    void checkPlace(const Declaration& declaration) {
+        const bool isProgram = unit().kind == UnitKind::Program;
+        const bool isPassed = isParameter(declaration.section);
+        const bool isLocal = declaration.section == Section::Local;
+        const std::size_t before = unit().declarations.size();
+        const std::size_t results = unit().result == NOWHERE ? 0 : 1;
+        if (isProgram ? isPassed : !isPassed && !isLocal) {
+            fail(QStringLiteral("a section that this kind of unit does not have"));
+        } else if (FoldedName(declaration.name) == FoldedName(sRESULT) &&
+                   (!isResult(declaration) || before > 0)) {
+            fail(QStringLiteral("RESULT is the first declaration of a function, and no other"));
+        } else if (isPassed && before > unit().parameters.size() + results) {
+            fail(QStringLiteral("a parameter is declared after a variable"));
+        } else if (unit().variables.contains(FoldedName(declaration.name))) {
+            fail(QStringLiteral("the unit declares that name twice"));
+        }
     }
 
     void add(Declaration declaration) {
         const int index = static_cast<int>(unit().declarations.size());
-        const bool isProgram = unit().kind == UnitKind::Program;
-        const QString name = FoldedName(declaration.name);
-        if (unit().variables.contains(name)) {
-            fail(QStringLiteral("the unit declares that name twice"));
-        } else if (IsResult(declaration) && !isProgram) {
+        if (isResult(declaration)) {
             unit().kind = UnitKind::Function;
             unit().result = index;
-        } else if (IsParameter(declaration.section)) {
+        } else if (isParameter(declaration.section)) {
             unit().parameters.push_back(index);
         }
-        if (isProgram == IsParameter(declaration.section) &&
-            declaration.section != Section::Local) {
-            fail(QStringLiteral("a section that this kind of unit does not have"));
-        }
-        unit().variables.insert(name, index);
+        unit().variables.insert(FoldedName(declaration.name), index);
         unit().declarations.push_back(std::move(declaration));
     }
 
-    static bool IsParameter(Section section) {
+    static bool isParameter(Section section) {
         return section == Section::Argument || section == Section::Reference;
     }
 
@@ -155,18 +200,24 @@ private:
     // Instructions
     // -----------------------------------------------------------------------------------------
 
+    std::string_view itemAhead(int count) const {
+        return item_ + count <= code_.items.count() ? code_.items.item(item_ + count)
+                                                    : std::string_view();
+    }
+
+    static bool isDeclarationText(std::string_view item) {
+        const std::vector<std::string_view> words = WordsOf(item);
+        return words.size() > FIELDS_BEFORE_NUMBERS && FieldsOf(words[1]) == words.size() &&
+               TypeOf(words[2]) != TYP_NONE;
+    }
+
     // The division has told units apart; another one begins with an entry after a return.
     bool isAtUnit() const {
-        const bool isAfterReturn = code_.items.item(item_) == RETURN;
-        const std::string_view second =
-            item_ + 2 <= code_.items.count() ? code_.items.item(item_ + 2) : std::string_view();
-        const std::vector<std::string_view> words = WordsOf(second);
-        const bool isDeclaration = words.size() > 3 && FieldsOf(words[1]) == words.size() &&
-                                   TypeOf(words[2]) != TYP_NONE;
-        const bool isHead = second == BODY_ENTRY || second.empty() || isDeclaration;
-        const bool isProgram = next() == PROGRAM_ENTRY && item_ + 3 <= code_.items.count() &&
-                               code_.items.item(item_ + 3) == DECLARATIONS_ENTRY;
-        return isAfterReturn && IsLabelText(next()) && (isHead || isProgram);
+        const std::string_view second = itemAhead(2);
+        const bool isEmpty = second.empty() && item_ + 2 <= code_.items.count();
+        const bool isHead = second == BODY_ENTRY || isEmpty || isDeclarationText(second);
+        const bool isProgram = next() == PROGRAM_ENTRY && itemAhead(3) == DECLARATIONS_ENTRY;
+        return code_.items.item(item_) == RETURN && IsLabelText(next()) && (isHead || isProgram);
     }
 
     void readInstructions() {
@@ -194,23 +245,15 @@ private:
         const InstructionForm& form = *FormOf(words[0]);
         Instruction instruction = {form.operation, {}, {}, NOWHERE, item_};
         QString target;
-        switch (form.shape) {
-            case Shape::Move:
-            case Shape::Binary:
-                instruction.from = operandOf(words[1]);
-                instruction.to = operandOf(words[2]);
-                break;
-            case Shape::Unary:
-                instruction.to = operandOf(words[1]);
-                break;
-            case Shape::Jump:
-            case Shape::Call:
-                target = TextOf(words[1]);
-                break;
-            case Shape::Nothing:
-                break;
+        if (form.shape == Shape::Jump || form.shape == Shape::Call) {
+            target = TextOf(words[1]);
+        } else if (form.shape == Shape::Unary) {
+            instruction.to = operandOf(words[1]);
+        } else if (form.shape != Shape::Nothing) {
+            instruction.from = operandOf(words[1]);
+            instruction.to = operandOf(words[2]);
         }
-        if (!IsForm(form.shape, instruction, target)) {
+        if (!isForm(form.shape, instruction, target)) {
             fail(QStringLiteral("no instruction has these operands"));
         }
         code_.instructions.push_back(instruction);
@@ -218,17 +261,15 @@ private:
     }
 
     // Which places can stand as the source and destination of each shape.
-    static bool IsForm(Shape shape, const Instruction& instruction, const QString& target) {
+    bool isForm(Shape shape, const Instruction& instruction, const QString& target) const {
         const OperandKind from = instruction.from.kind;
         const OperandKind to = instruction.to.kind;
         switch (shape) {
             case Shape::Move:
-                return instruction.operation == Operation::Move ? IsMove(from, to)
-                                                                : IsAddressMove(from, to);
+                return instruction.operation == Operation::Move ? isMove(from, to)
+                                                                : isAddressMove(from, to);
             case Shape::Binary:
-                return to == OperandKind::Accumulator &&
-                       (from == OperandKind::Pop || from == OperandKind::Register0 ||
-                        from == OperandKind::Literal);
+                return to == OperandKind::Accumulator && isLeftOperand(instruction);
             case Shape::Unary:
                 return to == OperandKind::Accumulator;
             case Shape::Jump:
@@ -240,17 +281,45 @@ private:
         return false;
     }
 
-    static bool IsValue(OperandKind kind) {
+    // Any operation takes its left operand from the stack. Register 0 is compared, or added to
+    // where an index is made; a sign, the step of a loop and a truth value have a number there.
+    bool isLeftOperand(const Instruction& instruction) const {
+        const Operation operation = instruction.operation;
+        const bool isComparison = operation > Operation::Equal && operation < Operation::And;
+        switch (instruction.from.kind) {
+            case OperandKind::Pop:
+                return true;
+            case OperandKind::Register0:
+                return isComparison || operation == Operation::Add;
+            case OperandKind::Literal:
+                return isLeftNumber(operation, instruction.from.index);
+            default:
+                return false;
+        }
+    }
+
+    bool isLeftNumber(Operation operation, int literal) const {
+        const Literal& number = code_.literals[static_cast<std::size_t>(literal)];
+        if (number.type == TYP_STRING) {
+            return false;
+        }
+        const bool isOne = number.text == "1"_L1;
+        return operation == Operation::Subtract
+                   ? isOne || number.text == "0"_L1
+                   : isOne && (operation == Operation::Add || operation == Operation::Equal);
+    }
+
+    static bool isValue(OperandKind kind) {
         return kind == OperandKind::Variable || kind == OperandKind::Referred ||
                kind == OperandKind::Tick || kind == OperandKind::ElementByPop ||
                kind == OperandKind::ElementByR1;
     }
 
     // A move has the accumulator, or the stack and register 0, on one of its sides.
-    static bool IsMove(OperandKind from, OperandKind to) {
+    static bool isMove(OperandKind from, OperandKind to) {
         switch (from) {
             case OperandKind::Accumulator:
-                return IsValue(to) || to == OperandKind::Push || to == OperandKind::Register0;
+                return isValue(to) || to == OperandKind::Push || to == OperandKind::Register0;
             case OperandKind::Pop:
                 return to == OperandKind::Accumulator || to == OperandKind::Register0 ||
                        to == OperandKind::Nil;
@@ -258,11 +327,11 @@ private:
                 return to == OperandKind::Push;
             default:
                 return to == OperandKind::Accumulator &&
-                       (IsValue(from) || from == OperandKind::Literal);
+                       (isValue(from) || from == OperandKind::Literal);
         }
     }
 
-    static bool IsAddressMove(OperandKind from, OperandKind to) {
+    static bool isAddressMove(OperandKind from, OperandKind to) {
         return (from == OperandKind::Variable && to == OperandKind::Accumulator) ||
                (from == OperandKind::Accumulator && to == OperandKind::Variable);
     }
@@ -272,20 +341,16 @@ private:
     // -----------------------------------------------------------------------------------------
 
     CodeOperand operandOf(std::string_view word) {
-        static const QHash<QString, OperandKind> fixed = {
-            {ACCUMULATOR, OperandKind::Accumulator},
-            {REGISTER_0, OperandKind::Register0},
-            {PUSH, OperandKind::Push},
-            {POP, OperandKind::Pop},
-            {NIL, OperandKind::Nil},
-            {TICK, OperandKind::Tick},
-        };
         if (!word.empty() && (word[0] == BY_VALUE || word[0] == BY_REFERENCE)) {
             return variableOf(word);
         }
-        const auto found = fixed.find(TextOf(word));
-        if (found != fixed.end()) {
-            return {*found};
+        for (const FixedOperand& fixed : FIXED_OPERANDS) {
+            if (View(fixed.text) == word) {
+                return {fixed.kind};
+            }
+        }
+        if (!word.empty() && word[0] == '-') {
+            fail(QStringLiteral("an operand has no sign"));
         }
         return {OperandKind::Literal, indexOfLiteral(word)};
     }
@@ -338,7 +403,7 @@ private:
     Literal literalOf(std::string_view word) {
         const std::optional<Literal> literal = ReadLiteral(word);
         if (!literal) {
-            fail(QStringLiteral("\"%1\" is no operand and no number").arg(TextOf(word)));
+            fail(QStringLiteral("\"%1\" is no operand and no number").arg(ShownText(word)));
         }
         return literal.value_or(Literal());
     }
@@ -348,35 +413,48 @@ private:
     // -----------------------------------------------------------------------------------------
 
     // A label belongs to its unit first; those of scripts are shared by all units. Of several
-    // with one name the first one counts.
+    // with one name the first one counts, and so it is with units.
     void resolve() {
-        QHash<QString, int> everywhere;
-        QHash<QPair<int, QString>, int> inUnit;
-        for (const CodeLabel& label : code_.labels) {
-            everywhere.insert(label.name, everywhere.value(label.name, label.instruction));
-            const QPair<int, QString> own(label.unit, label.name);
-            inUnit.insert(own, inUnit.value(own, label.instruction));
-        }
-        QHash<QString, int> units;
-        for (std::size_t index = 0; index + 1 < code_.units.size(); ++index) {
-            units.insert(code_.units[index].name, static_cast<int>(index));
-        }
-        for (std::size_t index = 0; index < code_.instructions.size(); ++index) {
-            Instruction& instruction = code_.instructions[index];
-            const QString& name = targets_[index];
-            const Shape shape = FormOf(instruction.operation).shape;
-            if (shape == Shape::Jump) {
-                const QPair<int, QString> own(code_.unitOf(static_cast<int>(index)), name);
-                instruction.target = inUnit.value(own, everywhere.value(name, NOWHERE));
-            } else if (instruction.operation == Operation::Call) {
-                instruction.target = units.value(name, NOWHERE);
-            } else if (instruction.operation == Operation::Execute) {
-                instruction.target = IndexOfBuiltIn(name);
+        collectTargets();
+        for (std::size_t unit = 0; unit < code_.units.size(); ++unit) {
+            for (int index = code_.units[unit].begin; index < code_.units[unit].end; ++index) {
+                const auto at = static_cast<std::size_t>(index);
+                Instruction& instruction = code_.instructions[at];
+                instruction.target =
+                    targetOf(instruction.operation, static_cast<int>(unit), targets_[at]);
             }
         }
     }
 
-    static int IndexOfBuiltIn(const QString& name) {
+    void collectTargets() {
+        for (const CodeLabel& label : code_.labels) {
+            insertFirst(labels_, label.name, label.instruction);
+            insertFirst(ownLabels_, {label.unit, label.name}, label.instruction);
+        }
+        for (std::size_t index = 0; index + 1 < code_.units.size(); ++index) {
+            insertFirst(units_, code_.units[index].name, static_cast<int>(index));
+        }
+    }
+
+    template <typename Key>
+    static void insertFirst(QHash<Key, int>& hash, const Key& key, int value) {
+        if (!hash.contains(key)) {
+            hash.insert(key, value);
+        }
+    }
+
+    int targetOf(Operation operation, int unit, const QString& name) const {
+        if (operation == Operation::Call) {
+            return units_.value(name, NOWHERE);
+        }
+        if (operation == Operation::Execute) {
+            return indexOfBuiltIn(name);
+        }
+        const bool isJump = FormOf(operation).shape == Shape::Jump;
+        return isJump ? ownLabels_.value({unit, name}, labels_.value(name, NOWHERE)) : NOWHERE;
+    }
+
+    static int indexOfBuiltIn(const QString& name) {
         const std::vector<BuiltIn>& all = EngineBuiltIns();
         const auto found = std::find_if(all.begin(), all.end(),
                                         [&name](const BuiltIn& row) { return row.name == name; });

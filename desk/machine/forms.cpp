@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_map>
 
 namespace {
 
@@ -68,6 +69,14 @@ const SectionForm* FormOfSection(std::string_view code) {
     return found == std::end(SECTION_FORMS) ? nullptr : found;
 }
 
+std::unordered_map<std::string_view, const InstructionForm*> FormsByKeyword() {
+    std::unordered_map<std::string_view, const InstructionForm*> forms;
+    for (const InstructionForm& form : INSTRUCTION_FORMS) {
+        forms.emplace(View(form.keyword), &form);
+    }
+    return forms;
+}
+
 std::size_t OperandsOf(Shape shape) {
     switch (shape) {
         case Shape::Move:
@@ -102,8 +111,10 @@ std::size_t EndOfWord(std::string_view text, std::size_t begin) {
 }
 
 std::vector<std::string_view> WordsOf(std::string_view item) {
+    constexpr std::size_t usual = 3;
     std::vector<std::string_view> words;
-    for (std::size_t begin = 0; begin < item.size();) {
+    words.reserve(usual);
+    for (std::size_t begin = 0; begin <= item.size();) {
         const std::size_t end = EndOfWord(item, begin);
         words.push_back(item.substr(begin, end - begin));
         begin = end + 1;
@@ -137,10 +148,10 @@ Typ TypeOfShort(std::string_view letters) {
 }
 
 const InstructionForm* FormOf(std::string_view keyword) {
-    const auto* const found = std::find_if(
-        std::begin(INSTRUCTION_FORMS), std::end(INSTRUCTION_FORMS),
-        [keyword](const InstructionForm& form) { return form.keyword == Latin(keyword); });
-    return found == std::end(INSTRUCTION_FORMS) ? nullptr : found;
+    static const std::unordered_map<std::string_view, const InstructionForm*> forms =
+        FormsByKeyword();
+    const auto found = forms.find(keyword);
+    return found == forms.end() ? nullptr : found->second;
 }
 
 const InstructionForm& FormOf(Operation operation) {

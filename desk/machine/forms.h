@@ -28,7 +28,12 @@ inline QString TextOf(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<int>(utf8.size()));
 }
 
-// The words of an item; a string is a word, whatever blanks it holds.
+inline std::string_view View(QLatin1String text) {
+    return {text.data(), static_cast<std::size_t>(text.size())};
+}
+
+// The words of an item, of which there is one more than there are blanks between them; a string
+// is a word, whatever blanks it holds.
 std::vector<std::string_view> WordsOf(std::string_view item);
 // Where the word that begins there ends: at a blank or at the end of the text.
 std::size_t EndOfWord(std::string_view text, std::size_t begin);

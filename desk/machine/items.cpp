@@ -121,7 +121,7 @@ private:
             isAfterReturn = word() == RETURN;
             const std::size_t words = IsLabelText(word()) ? 1 : WordsOfInstruction(word());
             if (words == 0) {
-                fail(QStringLiteral("no instruction begins with \"%1\"").arg(TextOf(word())));
+                fail(QStringLiteral("no instruction begins with \"%1\"").arg(ShownText(word())));
                 return;
             }
             take(words);
@@ -217,10 +217,11 @@ ItemsResult DivideIntoItems(const QByteArray& text) {
     return text.contains(LINE_FEED) ? DivideListing(text) : DivideCodeFile(text);
 }
 
-QString NameOfItem(const Items& items, int number) {
+QString Shown(const QString& text) {
     constexpr int shownLength = 80;
-    const QString text = TextOf(items.item(number));
-    const QString shown =
-        text.size() > shownLength ? text.left(shownLength) + QStringLiteral("...") : text;
-    return QStringLiteral("item %1 \"%2\"").arg(number).arg(shown);
+    return text.size() > shownLength ? text.left(shownLength) + QStringLiteral("...") : text;
+}
+
+QString NameOfItem(const Items& items, int number) {
+    return QStringLiteral("item %1 \"%2\"").arg(number).arg(ShownText(items.item(number)));
 }

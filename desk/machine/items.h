@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,13 @@ struct ItemsResult {
 // Divides a code file, or a listing, which is told by its line feeds. Whatever the text is, it
 // ends, in time and memory linear in its size.
 ItemsResult DivideIntoItems(const QByteArray& text);
+
+// A text as messages show it, cut where it is long.
+QString Shown(const QString& text);
+inline QString ShownText(std::string_view utf8) {
+    constexpr std::size_t enough = 1000;
+    return Shown(QString::fromUtf8(utf8.data(), static_cast<int>(std::min(utf8.size(), enough))));
+}
 
 // An item as messages show it: `item 12 "MOV @x #A0"`.
 QString NameOfItem(const Items& items, int number);

@@ -20,3 +20,11 @@ void Summary::add(const FileReport& report) {
     files += 1;
     filesWithFindings += errorsHere + warningsHere > 0 ? 1 : 0;
 }
+
+void MakeWarningsErrors(FileReport& report) {
+    for (Diagnostic& diagnostic : report.diagnostics) {
+        if (diagnostic.level == Level::Warning) {
+            diagnostic.level = Level::Error;
+        }
+    }
+}

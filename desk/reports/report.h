@@ -14,6 +14,9 @@ struct Summary {
     void add(const FileReport& report);
 };
 
+// What "--werror" asks for.
+void MakeWarningsErrors(FileReport& report);
+
 // Written to standard output: what begin() opens, end() closes.
 class Report {
 public:

@@ -1,0 +1,4 @@
+// How much a finding matters.
+#pragma once
+
+enum class Level : unsigned char { Note, Warning, Error };
