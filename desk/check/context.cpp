@@ -336,7 +336,7 @@ Callee DefinitionOf(const Facts& facts, int unit) {
 
 }  // namespace
 
-const std::vector<Callee>& BuiltIns() {
+const std::vector<Callee>& BuiltInCallees() {
     static const std::vector<Callee> builtIns = MakeBuiltIns();
     return builtIns;
 }
@@ -350,7 +350,7 @@ std::optional<Callee> CalleeNamed(const Context& context, QStringView name) {
             return DefinitionOf(context.facts, static_cast<int>(unit));
         }
     }
-    for (const Callee& callee : BuiltIns()) {
+    for (const Callee& callee : BuiltInCallees()) {
         if (QStringView(callee.name).compare(name, Qt::CaseInsensitive) == 0) {
             return callee;
         }

@@ -150,7 +150,7 @@ struct Callee {
     std::vector<Formal> formals;
     Span span;  // where it is defined, empty for a built-in
 };
-const std::vector<Callee>& BuiltIns();
+const std::vector<Callee>& BuiltInCallees();
 std::optional<Callee> CalleeNamed(const Context& context, QStringView name);
 
 // The call in whose parentheses a piece stands.

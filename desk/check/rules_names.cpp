@@ -247,7 +247,7 @@ void AddCallees(const Context& context, std::vector<QString>& names) {
             names.push_back(NameOf(context, unit).toString());
         }
     }
-    for (const Callee& callee : BuiltIns()) {
+    for (const Callee& callee : BuiltInCallees()) {
         names.push_back(callee.name);
     }
 }

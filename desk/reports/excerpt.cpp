@@ -12,18 +12,18 @@ namespace {
 constexpr int ROOM = 100;        // columns of an excerpt
 constexpr int REACH = 2 * ROOM;  // characters on each side of a mark that may be seen
 constexpr int TAB = 4;           // columns between the stops
-constexpr Cell ELLIPSIS = {0x2026, 1};
+constexpr ShownCell ELLIPSIS = {0x2026, 1};
 
 // Characters side by side, tabs expanded.
 struct Row {
-    std::vector<Cell> cells;
+    std::vector<ShownCell> cells;
     int width = 0;
 
     void append(QStringView text);
-    void append(Cell cell);
+    void append(ShownCell cell);
 };
 
-void Row::append(Cell cell) {
+void Row::append(ShownCell cell) {
     cells.push_back(cell);
     width += cell.width;
 }
@@ -31,11 +31,11 @@ void Row::append(Cell cell) {
 void Row::append(QStringView text) {
     for (const uint character : text.toUcs4()) {
         if (character != '\t') {
-            append(CellOf(character));
+            append(ShownCellOf(character));
             continue;
         }
         for (int columns = TAB - width % TAB; columns > 0; --columns) {
-            append(Cell{U' ', 1});
+            append(ShownCell{U' ', 1});
         }
     }
 }
@@ -57,7 +57,7 @@ Columns WindowOf(int width, Columns mark) {
 }
 
 // Appends a cell at a column. One that is not wholly inside leaves blanks.
-void AppendVisible(QString& text, Cell cell, int column, Columns inside) {
+void AppendVisible(QString& text, ShownCell cell, int column, Columns inside) {
     const int from = std::max(column, inside.from);
     const int to = std::min(column + cell.width, inside.to);
     if (from == column && to == column + cell.width) {
@@ -74,7 +74,7 @@ QString VisibleText(const Row& row, Columns window) {
     const QString ellipsis = QString::fromUcs4(&ELLIPSIS.shown, 1);
     QString text = isCutBefore ? ellipsis : QString();
     int column = 0;
-    for (const Cell cell : row.cells) {
+    for (const ShownCell cell : row.cells) {
         AppendVisible(text, cell, column, inside);
         column += cell.width;
     }

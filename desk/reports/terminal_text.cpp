@@ -33,7 +33,7 @@ bool TurnsDirection(char32_t character) {
 
 }  // namespace
 
-Cell CellOf(char32_t character) {
+ShownCell ShownCellOf(char32_t character) {
     if (character < U' ') {
         return {PICTURES + character, 1};
     }
@@ -50,7 +50,7 @@ Cell CellOf(char32_t character) {
 QString Harmless(QStringView text) {
     QString shown;
     for (const uint character : text.toUcs4()) {
-        const char32_t cell = CellOf(character).shown;
+        const char32_t cell = ShownCellOf(character).shown;
         shown.append(QString::fromUcs4(&cell, 1));
     }
     return shown;
