@@ -15,3 +15,4 @@ Runner DeclareCheck(CLI::App& command);
 Runner DeclareExplain(CLI::App& command);
 Runner DeclareFacts(CLI::App& command);
 Runner DeclareVerify(CLI::App& command);
+Runner DeclareRun(CLI::App& command);

@@ -44,6 +44,19 @@ QString TextOfReal(const Value& value) {
                                   : ShortestText(value.real);
 }
 
+// A number that may do without its point: "1e-3". Not finite for a text that is none.
+double NumberOf(const QString& text) {
+    bool isNumber = false;
+    const double number = text.toDouble(&isNumber);
+    return isNumber ? number : std::numeric_limits<double>::infinity();
+}
+
+Value RealValue(Typ type, double number) {
+    const double nearest =
+        type == TYP_REAL ? static_cast<double>(static_cast<float>(number)) : number;
+    return Value::Real(type, nearest);
+}
+
 }  // namespace
 
 QString TextOf(const Value& value) {
@@ -62,16 +75,13 @@ bool ReadValue(const QString& text, Typ type, Value& value) {
     const QByteArray word = text.toUpper().toUtf8();
     const std::optional<Literal> literal =
         ReadLiteral({word.constData(), static_cast<std::size_t>(word.size())});
-    if (!literal || literal->type == TYP_STRING) {
-        return false;
-    }
-    const bool isWhole = literal->type < TYP_REAL;
+    const bool isWhole = literal && literal->type < TYP_REAL;
     if (type >= TYP_REAL) {
-        const double number = isWhole ? static_cast<double>(literal->whole) : literal->real;
-        value = Value::Real(
-            type, type == TYP_REAL ? static_cast<double>(static_cast<float>(number)) : number);
-        return std::isfinite(value.real);
+        value = RealValue(type, isWhole   ? static_cast<double>(literal->whole)
+                                : literal ? literal->real
+                                          : NumberOf(text));
+        return std::isfinite(value.real) && !(literal && literal->type == TYP_STRING);
     }
-    value = Value::Whole(type, literal->whole);
+    value = Value::Whole(type, isWhole ? literal->whole : 0);
     return isWhole && RangeOf(type).holds(literal->whole);
 }

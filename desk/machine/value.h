@@ -70,6 +70,7 @@ inline qint64 Wrapped(Typ type, qint64 number) {
 // A value as people and tables write it: TRUE and FALSE, whole numbers, reals with the fewest
 // digits that give the same number again.
 QString TextOf(const Value& value);
-// Reads a value for a variable of that type: numbers in all notations of scripts, TRUE, FALSE.
+// Reads a value for a variable of that type: numbers in all notations of scripts, reals as "1e-3"
+// too, TRUE, FALSE.
 // False where the text is none, or one that the type does not hold.
 bool ReadValue(const QString& text, Typ type, Value& value);

@@ -1,0 +1,172 @@
+#include "reports/run_report.h"
+
+#include "machine/settings.h"
+#include "reports/formats.h"
+#include "reports/output.h"
+#include "reports/terminal_text.h"
+
+#include "qyx_types.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// What a note says, in the order of Check.
+constexpr QLatin1String NOTES[] = {
+    QLatin1String("a whole number does not fit"),
+    QLatin1String("a whole number is divided by 0"),
+    QLatin1String("a real is not finite"),
+    QLatin1String("a real loses its fraction"),
+    QLatin1String("a whole number and a real are divided"),
+    QLatin1String("a shift goes beyond the operand"),
+    QLatin1String("values are left on the stack"),
+    QLatin1String("values are left on the stack"),
+    QLatin1String("the stack holds no value"),
+    QLatin1String("the unit has not ended"),
+    QLatin1String("the cycle does not end"),
+    QLatin1String("the variable is read before it has a value"),
+};
+
+QString TimesText(qint64 count) {
+    return count == 1 ? QStringLiteral("once") : QStringLiteral("%1 times").arg(count);
+}
+
+QString Counted(qint64 count, const QString& what) {
+    return QStringLiteral("%1 %2%3").arg(count).arg(what, count == 1 ? "" : "s");
+}
+
+Diagnostic DiagnosticOf(const Loaded& loaded, const Finding& finding) {
+    Diagnostic diagnostic;
+    diagnostic.level = finding.level;
+    diagnostic.id = finding.id;
+    diagnostic.message = finding.message;
+    diagnostic.span = SpanOfItem(loaded.source, *loaded.facts, finding.item);
+    return diagnostic;
+}
+
+// "pump.yx: item 12: error: ..."
+QString LineAboutItem(const Loaded& loaded, int item, const QString& text) {
+    const QString place = item == 0 ? QString() : QStringLiteral("item %1: ").arg(item);
+    return Harmless(loaded.source.name()) + QStringLiteral(": ") + place + text;
+}
+
+QString TextAbout(const Finding& finding) {
+    const QString level = QString::fromLatin1(NameOf(finding.level).data());
+    return QStringLiteral("%1: %2 [%3]").arg(level, finding.message, finding.id);
+}
+
+// The item with a mark, and those beside it.
+void PrintItems(const Items& items, int number) {
+    const int first = std::max(1, number - 1);
+    const int last = std::min(items.count(), number + 1);
+    const int digits = QString::number(last).size();
+    for (int item = first; item <= last; ++item) {
+        const QString text = Harmless(TextOf(items.item(item)));
+        Print(QStringLiteral(" %1 | %2\n").arg(item, digits).arg(text));
+        if (item == number) {
+            const QString mark(std::max(1, text.size()), u'^');
+            Print(QStringLiteral(" %1 | %2\n").arg(QString(), digits).arg(mark));
+        }
+    }
+}
+
+using TableRow = std::array<QString, 4>;
+
+TableRow RowOf(const Declaration& declaration, const Value& value) {
+    return {declaration.name, TypToStr(declaration.type), KeywordOf(declaration.section),
+            TextOf(value)};
+}
+
+void PrintTable(const std::vector<TableRow>& rows) {
+    std::array<int, 3> widths = {};
+    for (const TableRow& row : rows) {
+        for (std::size_t column = 0; column < widths.size(); ++column) {
+            widths[column] = std::max(widths[column], row[column].size());
+        }
+    }
+    for (const TableRow& row : rows) {
+        QString line;
+        for (std::size_t column = 0; column < widths.size(); ++column) {
+            line += row[column].leftJustified(widths[column] + 2);
+        }
+        Print(line + row.back() + u'\n');
+    }
+}
+
+}  // namespace
+
+std::vector<Finding> FindingsOf(const Notes& notes) {
+    std::vector<Finding> findings;
+    for (const auto& [place, count] : notes) {
+        const auto& [check, item] = place;
+        const QString message =
+            NOTES[static_cast<std::size_t>(check)] + QStringLiteral(", ") + TimesText(count);
+        findings.push_back({Level::Note, NameOf(check), message, item});
+    }
+    std::stable_sort(
+        findings.begin(), findings.end(),
+        [](const Finding& one, const Finding& other) { return one.item < other.item; });
+    return findings;
+}
+
+Finding FindingOf(const Stop& stop) {
+    return {Level::Error, NameOf(stop.check), stop.message, stop.item};
+}
+
+void PrintFindings(const Loaded& loaded, const std::vector<Finding>& findings, bool hasColors) {
+    if (loaded.isScript()) {
+        FileReport report = {loaded.source, {}};
+        for (const Finding& finding : findings) {
+            report.diagnostics.push_back(DiagnosticOf(loaded, finding));
+        }
+        MakeHumanReport(hasColors, true)->file(report);
+        return;
+    }
+    for (const Finding& finding : findings) {
+        Print(LineAboutItem(loaded, finding.item, TextAbout(finding)) + u'\n');
+        PrintItems(loaded.code.items, finding.item);
+        Print(QStringLiteral("\n"));
+    }
+}
+
+void ComplainOfFindings(const Loaded& loaded, const std::vector<Finding>& findings) {
+    for (const Finding& finding : findings) {
+        if (!loaded.isScript()) {
+            Complain(LineAboutItem(loaded, finding.item, TextAbout(finding)));
+            continue;
+        }
+        const Place place = DiagnosticOf(loaded, finding).placeIn(loaded.source);
+        Complain(PlaceText(loaded.source, place) + u' ' + TextAbout(finding));
+    }
+}
+
+void PrintFault(const Loaded& loaded, const CodeFault& fault) {
+    Print(LineAboutItem(loaded, fault.item, QStringLiteral("error: ") + Harmless(fault.message)) +
+          u'\n');
+    if (fault.item > 0 && fault.item <= loaded.code.items.count()) {
+        PrintItems(loaded.code.items, fault.item);
+    }
+}
+
+void PrintVariables(const CodeUnit& program, const std::vector<int>& variables,
+                    const Machine& machine) {
+    std::vector<TableRow> rows;
+    for (const int variable : variables) {
+        rows.push_back(RowOf(program.declarations[static_cast<std::size_t>(variable)],
+                             machine.value(variable)));
+    }
+    PrintTable(rows);
+}
+
+void PrintSummary(const Machine& machine, quint32 tickStep) {
+    Print(QStringLiteral("%1 of %2, %3\n")
+              .arg(Counted(machine.cycles(), QStringLiteral("cycle")),
+                   Counted(tickStep, QStringLiteral("tick")),
+                   Counted(machine.instructions(), QStringLiteral("instruction"))));
+    if (machine.tickSetting()) {
+        Print(QStringLiteral("TICK was set to %1\n").arg(*machine.tickSetting()));
+    }
+}

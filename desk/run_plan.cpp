@@ -1,0 +1,156 @@
+#include "run_plan.h"
+
+#include "facts/input.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+
+namespace {
+
+constexpr int MOST_UNTIL = 1'000'000;  // cycles that a condition is waited for
+
+QString About(const char* option, const QString& fault) {
+    return QLatin1String(option) + QStringLiteral(": ") + fault;
+}
+
+// Reads a file with a reader that gives what is wrong.
+template <typename Reader>
+QString ReadFile(const std::string& path, const Reader& read) {
+    if (path.empty()) {
+        return {};
+    }
+    const Input input = ReadInput(TextOfArgument(path));
+    const QString fault = input.source ? read(input.source->text().toUtf8()) : input.failure;
+    return fault.isEmpty() ? fault : TextOfArgument(path) + QStringLiteral(": ") + fault;
+}
+
+QString ReadChecks(const RunArguments& arguments, RunPlan& plan) {
+    for (const std::string& argument : arguments.checks) {
+        const QString text = TextOfArgument(argument);
+        const QString fault = plan.checks.set(text.section(u'=', 0, 0), text.section(u'=', 1));
+        if (!fault.isEmpty()) {
+            return About("--check", fault);
+        }
+    }
+    return {};
+}
+
+QString ReadSettings(const char* option, const std::vector<std::string>& texts,
+                     const CodeUnit& program, std::vector<Setting>& settings) {
+    for (const std::string& text : texts) {
+        Setting setting;
+        const QString fault = ReadSetting(program, TextOfArgument(text), setting);
+        if (!fault.isEmpty()) {
+            return About(option, fault);
+        }
+        settings.push_back(setting);
+    }
+    return {};
+}
+
+QString ReadUntil(const RunArguments& arguments, const CodeUnit& program, RunPlan& plan) {
+    if (arguments.until.empty()) {
+        return {};
+    }
+    const QString fault =
+        ReadCondition(program, TextOfArgument(arguments.until), plan.until.emplace());
+    return fault.isEmpty() ? fault : About("--until", fault);
+}
+
+// Without names all variables are watched.
+QString ReadWatched(const RunArguments& arguments, const CodeUnit& program, RunPlan& plan) {
+    if (arguments.watched.empty()) {
+        plan.variables.resize(program.declarations.size());
+        std::iota(plan.variables.begin(), plan.variables.end(), 0);
+    }
+    for (const std::string& name : arguments.watched) {
+        const FoundVariable found = FindVariable(program, TextOfArgument(name).trimmed());
+        if (found.index == NOWHERE) {
+            return About("--watch", found.fault);
+        }
+        const auto known = std::find(plan.variables.begin(), plan.variables.end(), found.index);
+        if (known == plan.variables.end()) {
+            plan.variables.push_back(found.index);
+        }
+    }
+    return {};
+}
+
+void ReadCycles(const RunArguments& arguments, RunPlan& plan) {
+    constexpr qint64 most = std::numeric_limits<int>::max();
+    if (arguments.cycles > 0) {
+        plan.cycles = arguments.cycles;
+    } else if (plan.until) {
+        plan.cycles = MOST_UNTIL;
+    } else if (!plan.inputs.rows.empty()) {
+        plan.cycles = static_cast<int>(std::min(plan.inputs.cycles(), most));
+    }
+}
+
+bool IsSameFile(const std::string& one, const std::string& other) {
+    return !one.empty() && !other.empty() &&
+           QFileInfo(TextOfArgument(one)) == QFileInfo(TextOfArgument(other));
+}
+
+struct OutputOption {
+    const char* option;
+    const std::string& path;
+};
+
+}  // namespace
+
+QString TextOfArgument(const std::string& argument) {
+    return QString::fromLocal8Bit(argument.c_str());
+}
+
+QString ReadPlan(const RunArguments& arguments, const CodeUnit& program, RunPlan& plan) {
+    QString fault = ReadFile(arguments.engine, [&plan](const QByteArray& text) {
+        return SetChoices(plan.profile, text);
+    });
+    const auto then = [&fault](const auto& read) { fault = fault.isEmpty() ? read() : fault; };
+    then([&] { return ReadChecks(arguments, plan); });
+    then([&] { return ReadSettings("--set", arguments.settings, program, plan.settings); });
+    then([&] { return ReadSettings("--force", arguments.forced, program, plan.forced); });
+    then([&] { return ReadUntil(arguments, program, plan); });
+    then([&] { return ReadWatched(arguments, program, plan); });
+    then([&] {
+        return ReadFile(arguments.inputs, [&](const QByteArray& text) {
+            InputsResult result = ReadInputs(text, program);
+            plan.inputs = std::move(result.inputs);
+            return result.fault;
+        });
+    });
+    ReadCycles(arguments, plan);
+    return fault;
+}
+
+QString WhatIsWrongWithFiles(const RunArguments& arguments) {
+    const OutputOption outputs[] = {
+        {"--trace", arguments.trace}, {"--chart", arguments.chart}, {"--record", arguments.test}};
+    for (const OutputOption& output : outputs) {
+        for (const std::string& read : {arguments.path, arguments.inputs, arguments.engine}) {
+            if (IsSameFile(output.path, read) && output.path != STANDARD_INPUT) {
+                return About(output.option, QStringLiteral("this file is read"));
+            }
+        }
+        for (const OutputOption& other : outputs) {
+            if (other.option != output.option && IsSameFile(output.path, other.path)) {
+                return About(output.option, QStringLiteral("this file has another use"));
+            }
+        }
+        if (output.path == STANDARD_INPUT && output.option != outputs[0].option) {
+            return About(output.option, QStringLiteral("needs the name of a file"));
+        }
+    }
+    if (!arguments.test.empty() && arguments.path == STANDARD_INPUT) {
+        return About("--record", QStringLiteral("a test needs the name of the script"));
+    }
+    if (!arguments.test.empty() && !arguments.forced.empty()) {
+        return About("--record",
+                     QStringLiteral("a test forces nothing, so --force cannot be used"));
+    }
+    return {};
+}
