@@ -20,3 +20,17 @@ int EditDistance(QStringView one, QStringView other) {
     }
     return distances.back();
 }
+
+QString NearestWord(const QString& text, const QStringList& words) {
+    const QString folded = text.toCaseFolded();
+    int least = std::max(1, folded.size() / 2) + 1;
+    QString nearest;
+    for (const QString& word : words) {
+        const int distance = EditDistance(folded, word.toCaseFolded());
+        if (distance < least) {
+            least = distance;
+            nearest = word;
+        }
+    }
+    return nearest;
+}

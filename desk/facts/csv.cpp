@@ -5,18 +5,39 @@ namespace {
 constexpr QChar QUOTE = u'"';
 constexpr QChar COMMENT = u'#';
 
+bool IsEdge(const QString& text, int at) {
+    return at < 0 || at >= text.size() || text[at].isSpace() || text[at] == u',' ||
+           text[at] == u';';
+}
+
+// The rest of the line is a comment: "16#FF" and "pump #3" are none.
+bool IsComment(const QString& text, int at) {
+    const bool isAtBegin = at == 0 || text[at - 1] == u'\n';
+    return text[at] == COMMENT && (isAtBegin || (IsEdge(text, at - 1) && IsEdge(text, at + 1)));
+}
+
+// Where the first line begins that holds more than a comment.
+int BeginOfRows(const QString& text) {
+    int begin = 0;
+    for (int at = 0; at < text.size() && (text[at].isSpace() || IsComment(text, at)); ++at) {
+        if (text[at] == COMMENT) {
+            const int end = text.indexOf(u'\n', at);
+            at = end < 0 ? text.size() : end;
+        }
+        begin = at + 1;
+    }
+    return begin;
+}
+
 // The separator is known by the first row: what stands in quotes there does not count.
 QChar SeparatorOf(const QString& text) {
     bool isQuoted = false;
-    bool isComment = text.startsWith(COMMENT);
-    for (int at = 0; at < text.size(); ++at) {
-        const QChar each = text[at];
-        isQuoted ^= each == QUOTE && !isComment;
-        if (each == u'\n' && isComment) {
-            isComment = at + 1 < text.size() && text[at + 1] == COMMENT;
-        } else if (each == u'\n' && !isQuoted) {
+    for (int at = BeginOfRows(text); at < text.size(); ++at) {
+        isQuoted ^= text[at] == QUOTE;
+        if (!isQuoted && (text[at] == u'\n' || IsComment(text, at))) {
             return u',';
-        } else if (each == u';' && !isQuoted && !isComment) {
+        }
+        if (!isQuoted && text[at] == u';') {
             return u';';
         }
     }
@@ -32,11 +53,7 @@ public:
 
     Csv read() {
         while (at_ < text_.size() && !csv_.fault) {
-            if (text_[at_] == COMMENT) {
-                skipLine();
-            } else {
-                takeRow();
-            }
+            takeRow();
         }
         return std::move(csv_);
     }
@@ -47,7 +64,8 @@ private:
     Csv csv_;
     int at_ = 0;
 
-    bool isAtEndOfLine() const { return at_ >= text_.size() || text_[at_] == u'\n'; }
+    bool isAtLineFeed() const { return at_ >= text_.size() || text_[at_] == u'\n'; }
+    bool isAtEndOfLine() const { return isAtLineFeed() || IsComment(text_, at_); }
     bool isAtEndOfCell() const { return isAtEndOfLine() || text_[at_] == csv_.separator; }
     void skipBlanks() {
         while (!isAtEndOfCell() && text_[at_].isSpace()) {
@@ -55,7 +73,7 @@ private:
         }
     }
     void skipLine() {
-        while (!isAtEndOfLine()) {
+        while (!isAtLineFeed()) {
             ++at_;
         }
         ++at_;
@@ -68,7 +86,7 @@ private:
             ++at_;
             row.cells.push_back(takeCell());
         }
-        ++at_;
+        skipLine();
         const bool isEmpty = row.cells.size() == 1 && row.cells.front().text.isEmpty();
         if (!isEmpty) {
             csv_.rows.push_back(std::move(row));

@@ -30,8 +30,8 @@ struct Csv {
 };
 
 // Reads a table in UTF-8. A semicolon in its first row makes semicolons the separator. A cell may
-// stand in double quotes, and then hold separators, line ends and, doubled, quotes. Lines that
-// begin with "#" are no rows.
+// stand in double quotes, and then hold separators, line ends and, doubled, quotes. What follows
+// a "#" at the begin of a line, or between blanks, is a comment.
 Csv ReadCsv(const QByteArray& text);
 
 // A text as a cell of a table with commas: in quotes where it needs them.

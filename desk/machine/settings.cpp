@@ -29,17 +29,11 @@ constexpr ComparisonSign SIGNS[] = {
 
 // The name among the declared ones that is most like the text; empty if none is like it.
 QString NearestName(const CodeUnit& program, const QString& name) {
-    const QString folded = FoldedName(name);
-    int least = std::max(1, folded.size() / 2) + 1;
-    QString nearest;
+    QStringList names;
     for (const Declaration& declaration : program.declarations) {
-        const int distance = EditDistance(folded, FoldedName(declaration.name));
-        if (distance < least) {
-            least = distance;
-            nearest = declaration.name;
-        }
+        names.append(declaration.name);
     }
-    return nearest;
+    return NearestWord(name, names);
 }
 
 QString Quoted(const QString& text) {
