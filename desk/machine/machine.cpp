@@ -212,6 +212,9 @@ void Machine::execute() {
                              .arg(profile_.scanLimit));
         }
         ++instructions_;
+        if (!executions_.empty()) {
+            ++executions_[static_cast<std::size_t>(next_)];
+        }
         ++next_;
         step(instruction);
     }

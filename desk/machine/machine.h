@@ -37,6 +37,10 @@ public:
     qint64 cycles() const { return cycles_; }              // that were executed whole
     qint64 instructions() const { return instructions_; }  // that were executed
 
+    // From now on counts how often each instruction is executed.
+    void countExecutions() { executions_.assign(code_.instructions.size(), 0); }
+    const std::vector<qint64>& executions() const { return executions_; }
+
     // The variables of the program, by the index of their declarations.
     Value value(int variable) const;
     // Stores a value of the variable's type.
@@ -95,6 +99,7 @@ private:
     std::optional<quint32> tickSetting_;
     qint64 cycles_ = 0;
     qint64 instructions_ = 0;
+    std::vector<qint64> executions_;  // of each instruction; empty if they are not counted
 
     void prepare();
     Value literalValue(const Literal& literal) const;

@@ -132,14 +132,17 @@ void PrintFindings(const Loaded& loaded, const std::vector<Finding>& findings, b
     }
 }
 
+QString LineOf(const Loaded& loaded, const Finding& finding) {
+    if (!loaded.isScript()) {
+        return LineAboutItem(loaded, finding.item, TextAbout(finding));
+    }
+    const Place place = DiagnosticOf(loaded, finding).placeIn(loaded.source);
+    return PlaceText(loaded.source, place) + u' ' + TextAbout(finding);
+}
+
 void ComplainOfFindings(const Loaded& loaded, const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
-        if (!loaded.isScript()) {
-            Complain(LineAboutItem(loaded, finding.item, TextAbout(finding)));
-            continue;
-        }
-        const Place place = DiagnosticOf(loaded, finding).placeIn(loaded.source);
-        Complain(PlaceText(loaded.source, place) + u' ' + TextAbout(finding));
+        Complain(LineOf(loaded, finding));
     }
 }
 

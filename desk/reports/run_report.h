@@ -24,7 +24,9 @@ Finding FindingOf(const Stop& stop);
 // Shows findings with the line of the script that each item was written for, or with the items
 // around it.
 void PrintFindings(const Loaded& loaded, const std::vector<Finding>& findings, bool hasColors);
-// The same on standard error, in one line each.
+// "path:line:column: note: text [id]"
+QString LineOf(const Loaded& loaded, const Finding& finding);
+// The lines of findings on standard error.
 void ComplainOfFindings(const Loaded& loaded, const std::vector<Finding>& findings);
 
 // Shows why code cannot be read, with the items around the place.

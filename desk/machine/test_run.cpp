@@ -1,0 +1,221 @@
+#include "machine/test_run.h"
+
+#include <algorithm>
+#include <deque>
+
+namespace {
+
+constexpr std::size_t SHOWN_CYCLES = 5;
+
+class CaseRunner {
+public:
+    CaseRunner(const TestSubject& subject, const PlannedCase& planned)
+        : subject_(subject),
+          planned_(planned),
+          machine_(subject.code, subject.profile, subject.checks) {
+        machine_.setTickStep(subject.tickStep);
+        for (const UnitVariable& each : subject.uninitialized) {
+            machine_.setUninitialized(each.unit, each.variable);
+        }
+        if (subject.isCounting) {
+            machine_.countExecutions();
+        }
+    }
+
+    CaseResult run() {
+        result_.name = planned_.name;
+        result_.line = planned_.line;
+        for (const PlannedRow& row : planned_.rows) {
+            if (!result_.failure) {
+                runRow(row);
+            }
+        }
+        result_.cycles = machine_.cycles();
+        result_.notes = machine_.notes();
+        result_.executions = machine_.executions();
+        return std::move(result_);
+    }
+
+private:
+    struct PastCycle {
+        qint64 cycle;
+        std::vector<std::optional<Value>> values;
+    };
+
+    const TestSubject& subject_;
+    const PlannedCase& planned_;
+    Machine machine_;
+    CaseResult result_;
+    std::vector<int> variables_;    // that are remembered
+    std::deque<PastCycle> past_;
+
+    void runRow(const PlannedRow& row) {
+        remember(row.variables);
+        for (const TestSetting& setting : row.settings) {
+            put(setting);
+        }
+        for (int cycle = 1; cycle <= row.cycles; ++cycle) {
+            if (!executeCycle(row)) {
+                return;
+            }
+            if (row.isAtMost && holdsAll(row, ColumnUse::AskAtEnd)) {
+                return;
+            }
+        }
+        failIf(row, ColumnUse::AskAtEnd);
+    }
+
+    // Other variables are no continuation of those of the rows before.
+    void remember(const std::vector<int>& variables) {
+        if (variables_ != variables) {
+            variables_ = variables;
+            past_.clear();
+        }
+    }
+
+    void put(const TestSetting& setting) {
+        const int variable = setting.setting.variable;
+        const Value& value = setting.setting.value;
+        if (variable == TICK_VARIABLE) {
+            machine_.setTick(static_cast<quint32>(value.whole));
+        } else if (setting.isRelease) {
+            machine_.release(variable);
+        } else if (setting.use == ColumnUse::Force) {
+            machine_.force(variable, value);
+        } else {
+            machine_.set(variable, value);
+        }
+    }
+
+    // False if the case has failed.
+    bool executeCycle(const PlannedRow& row) {
+        const bool isWhole = machine_.cycle();
+        past_.push_back({machine_.cycles() + (isWhole ? 0 : 1), {}});
+        for (const int variable : variables_) {
+            past_.back().values.push_back(valueOf(variable));
+        }
+        if (past_.size() > SHOWN_CYCLES) {
+            past_.pop_front();
+        }
+        if (!isWhole) {
+            fail(row, {});
+            result_.failure->stop = machine_.stop();
+            return false;
+        }
+        failIf(row, ColumnUse::AskEachCycle);
+        return !result_.failure;
+    }
+
+    // TICK is what the script has set last, nothing before it has.
+    std::optional<Value> valueOf(int variable) const {
+        if (variable != TICK_VARIABLE) {
+            return machine_.value(variable);
+        }
+        if (subject_.profile.tickWrite == TickWrite::Counter) {
+            return Value::Whole(TYP_UDINT, machine_.tick());
+        }
+        const std::optional<quint32> setting = machine_.tickSetting();
+        return setting ? std::optional(Value::Whole(TYP_UDINT, *setting)) : std::nullopt;
+    }
+
+    static QString textOf(const std::optional<Value>& value) {
+        return value ? TextOf(*value) : QStringLiteral("nothing");
+    }
+
+    bool holds(const TestQuestion& question) const {
+        const std::optional<Value> got = valueOf(question.variable);
+        return std::all_of(
+            question.conditions.begin(), question.conditions.end(),
+            [&got](const Condition& condition) { return got && Holds(condition, *got); });
+    }
+
+    bool holdsAll(const PlannedRow& row, ColumnUse use) const {
+        return std::all_of(row.questions.begin(), row.questions.end(),
+                           [this, use](const TestQuestion& question) {
+                               return question.use != use || holds(question);
+                           });
+    }
+
+    std::vector<CellFailure> failuresOf(const PlannedRow& row, ColumnUse use) const {
+        std::vector<CellFailure> failures;
+        for (const TestQuestion& question : row.questions) {
+            if (question.use == use && !holds(question)) {
+                failures.push_back({question.column, question.expected,
+                                    textOf(valueOf(question.variable)), question.place});
+            }
+        }
+        return failures;
+    }
+
+    void failIf(const PlannedRow& row, ColumnUse use) {
+        std::vector<CellFailure> failures = failuresOf(row, use);
+        if (!failures.empty()) {
+            fail(row, std::move(failures));
+        }
+    }
+
+    void fail(const PlannedRow& row, std::vector<CellFailure> cells) {
+        TestFailure failure;
+        failure.line = row.line;
+        failure.cycle = past_.back().cycle;
+        failure.last = lastCycles(row, cells);
+        failure.cells = std::move(cells);
+        result_.failure = std::move(failure);
+    }
+
+    // -----------------------------------------------------------------------------------------
+    // The last cycles
+    // -----------------------------------------------------------------------------------------
+
+    // Those of the variables that failed, and of the others that have changed.
+    LastCycles lastCycles(const PlannedRow& row, const std::vector<CellFailure>& cells) const {
+        LastCycles last;
+        for (const PastCycle& past : past_) {
+            last.cycles.push_back(past.cycle);
+        }
+        last.values.resize(past_.size());
+        std::vector<int> shown;
+        for (const bool hasFailed : {true, false}) {
+            for (std::size_t index = 0; index < variables_.size(); ++index) {
+                const bool isNew =
+                    std::find(shown.begin(), shown.end(), variables_[index]) == shown.end();
+                const bool isWanted =
+                    hasFailed ? isIn(variables_[index], row, cells) : hasChanged(index);
+                if (isNew && isWanted) {
+                    shown.push_back(variables_[index]);
+                    add(index, last);
+                }
+            }
+        }
+        return last;
+    }
+
+    static bool isIn(int variable, const PlannedRow& row, const std::vector<CellFailure>& cells) {
+        return std::any_of(cells.begin(), cells.end(), [&](const CellFailure& cell) {
+            return std::any_of(row.questions.begin(), row.questions.end(),
+                               [&](const TestQuestion& question) {
+                                   return question.variable == variable &&
+                                          question.column == cell.column;
+                               });
+        });
+    }
+
+    bool hasChanged(std::size_t index) const {
+        return std::any_of(past_.begin(), past_.end(), [this, index](const PastCycle& past) {
+            return textOf(past.values[index]) != textOf(past_.front().values[index]);
+        });
+    }
+
+    void add(std::size_t index, LastCycles& last) const {
+        last.names.append(NameOfVariable(subject_.code.program(), variables_[index]));
+        for (std::size_t cycle = 0; cycle < past_.size(); ++cycle) {
+            last.values[cycle].append(textOf(past_[cycle].values[index]));
+        }
+    }
+};
+
+}  // namespace
+
+CaseResult RunCase(const TestSubject& subject, const PlannedCase& planned) {
+    return CaseRunner(subject, planned).run();
+}

@@ -1,0 +1,54 @@
+// Executes the cases of a test, each on a machine of its own.
+#pragma once
+
+#include "machine/load.h"
+#include "machine/machine.h"
+#include "machine/test_plan.h"
+
+#include <optional>
+#include <vector>
+
+// What all cases of a table have in common. Cases may be executed at the same time.
+struct TestSubject {
+    Code code;
+    Profile profile;
+    Checks checks;
+    quint32 tickStep = 0;
+    std::vector<UnitVariable> uninitialized;
+    bool isCounting = false;  // how often each instruction is executed
+};
+
+// A cell that does not say what has come out.
+struct CellFailure {
+    QString column;
+    QString expected;
+    QString got;
+    Place place;
+};
+
+// The values of some variables as the last cycles left them, as texts.
+struct LastCycles {
+    QStringList names;
+    std::vector<qint64> cycles;     // their numbers from 1
+    std::vector<QStringList> values;  // of each cycle
+};
+
+struct TestFailure {
+    int line = 0;                    // of the row
+    qint64 cycle = 0;                // of the case, from 1
+    std::vector<CellFailure> cells;  // empty if the run has ended
+    std::optional<Stop> stop;        // why it has
+    LastCycles last;
+};
+
+struct CaseResult {
+    QString name;
+    int line = 0;
+    qint64 cycles = 0;  // that were executed
+    std::optional<TestFailure> failure;
+    Notes notes;
+    std::vector<qint64> executions;  // of each instruction, if they are counted
+};
+
+// Executes the rows of a case up to the first one that fails.
+CaseResult RunCase(const TestSubject& subject, const PlannedCase& planned);

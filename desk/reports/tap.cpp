@@ -1,0 +1,99 @@
+// Tests for harnesses: the Test Anything Protocol, with a block of YAML for what has failed.
+
+#include "reports/output.h"
+#include "reports/terminal_text.h"
+#include "reports/test_text.h"
+
+namespace {
+
+// A description: "#" would begin a directive.
+QString Described(const QString& text) {
+    return Harmless(text).replace(u'\\', QStringLiteral("\\\\")).replace(u'#', QStringLiteral("\\#"));
+}
+
+QString YamlText(const QString& text) {
+    QString escaped = Harmless(text);
+    escaped.replace(u'\\', QStringLiteral("\\\\")).replace(u'"', QStringLiteral("\\\""));
+    return u'"' + escaped + u'"';
+}
+
+class TapReport : public TestReport {
+public:
+    explicit TapReport(const TestReportOptions& options) : options_(options) {}
+
+    void begin() override { Print(QStringLiteral("TAP version 14\n")); }
+
+    void file(const TestedFile& file) override {
+        if (!file.isExecuted()) {
+            result(false, file.path);
+            block(file, 0, BrokenLines(file), {});
+            return;
+        }
+        for (const CaseResult& each : file.cases) {
+            caseOf(file, each);
+        }
+    }
+
+    void coverage(const CoveredScript& script) override {
+        comment(CoverageLines(script, options_.coverage));
+    }
+
+    void end(const TestSummary&) override {
+        Print(QStringLiteral("1..%1\n").arg(number_));
+    }
+
+private:
+    TestReportOptions options_;
+    int number_ = 0;
+
+    void result(bool isFine, const QString& description) {
+        ++number_;
+        Print(QStringLiteral("%1 %2 - ")
+                  .arg(isFine ? QStringLiteral("ok") : QStringLiteral("not ok"))
+                  .arg(number_) +
+              Described(description) + u'\n');
+    }
+
+    void caseOf(const TestedFile& file, const CaseResult& each) {
+        const bool isFine = !HasFailed(each, options_.isStrict);
+        result(isFine, file.path + QStringLiteral(": ") + each.name);
+        if (!isFine) {
+            block(file, each.line, FailureLines(file, each, options_.isStrict),
+                  LastCyclesLines(each));
+        }
+        if (!options_.isQuiet && !options_.isStrict) {
+            comment(NoteLines(file, each));
+        }
+    }
+
+    static void block(const TestedFile& file, int line, const QStringList& failures,
+                      const QStringList& last) {
+        QString text = QStringLiteral("  ---\n  file: ") + YamlText(file.path) + u'\n';
+        if (line > 0) {
+            text += QStringLiteral("  line: %1\n").arg(line);
+        }
+        text += list(QStringLiteral("failures"), failures) +
+                list(QStringLiteral("lastCycles"), last) + QStringLiteral("  ...\n");
+        Print(text);
+    }
+
+    static QString list(const QString& key, const QStringList& lines) {
+        QString text = lines.isEmpty() ? QString() : QStringLiteral("  ") + key + u':' + u'\n';
+        for (const QString& line : lines) {
+            text += QStringLiteral("    - ") + YamlText(line) + u'\n';
+        }
+        return text;
+    }
+
+    static void comment(const QStringList& lines) {
+        for (const QString& line : lines) {
+            Print(QStringLiteral("# ") + line + u'\n');
+        }
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<TestReport> MakeTapReport(const TestReportOptions& options) {
+    return std::make_unique<TapReport>(options);
+}
