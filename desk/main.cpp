@@ -26,6 +26,7 @@ struct Subcommand {
 constexpr Subcommand SUBCOMMANDS[] = {
     {"check", "Show all errors and warnings of scripts", DeclareCheck},
     {"run", "Execute a script or target code", DeclareRun},
+    {"test", "Execute the tests of scripts", DeclareTest},
     {"facts", "Show what the compiler tells about a script, as JSON", DeclareFacts},
     {"verify", "Prove that target code is sound", DeclareVerify},
     {"explain", "Explain a message", DeclareExplain},

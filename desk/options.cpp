@@ -16,10 +16,14 @@ void AddCountOption(CLI::App& command, const char* option, int& count, const cha
         });
 }
 
+QString TextOfArgument(const std::string& argument) {
+    return QString::fromLocal8Bit(argument.c_str());
+}
+
 QStringList ListOf(const std::vector<std::string>& arguments) {
     QStringList list;
     for (const std::string& argument : arguments) {
-        list.append(QString::fromLocal8Bit(argument.c_str()));
+        list.append(TextOfArgument(argument));
     }
     return list;
 }

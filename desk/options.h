@@ -35,5 +35,7 @@ void AddChoiceOption(CLI::App& command, const char* option, Value& chosen,
         ->check(CLI::IsMember(words));
 }
 
+// A text of the command line, by the encoding of the locale.
+QString TextOfArgument(const std::string& argument);
 // Arguments as texts, by the encoding of the locale.
 QStringList ListOf(const std::vector<std::string>& arguments);

@@ -1,6 +1,7 @@
 #include "run_plan.h"
 
 #include "facts/input.h"
+#include "options.h"
 
 #include <QFileInfo>
 
@@ -102,9 +103,6 @@ struct OutputOption {
 
 }  // namespace
 
-QString TextOfArgument(const std::string& argument) {
-    return QString::fromLocal8Bit(argument.c_str());
-}
 
 QString ReadPlan(const RunArguments& arguments, const CodeUnit& program, RunPlan& plan) {
     QString fault = ReadFile(arguments.engine, [&plan](const QByteArray& text) {

@@ -47,6 +47,3 @@ QString ReadPlan(const RunArguments& arguments, const CodeUnit& program, RunPlan
 
 // What is wrong with the names of the files among the arguments; empty if nothing is.
 QString WhatIsWrongWithFiles(const RunArguments& arguments);
-
-// A text of the command line, by the encoding of the locale.
-QString TextOfArgument(const std::string& argument);

@@ -16,3 +16,4 @@ Runner DeclareExplain(CLI::App& command);
 Runner DeclareFacts(CLI::App& command);
 Runner DeclareVerify(CLI::App& command);
 Runner DeclareRun(CLI::App& command);
+Runner DeclareTest(CLI::App& command);

@@ -96,7 +96,7 @@ QString NameOfInput(const QString& path) {
     return path == QLatin1String(STANDARD_INPUT) ? QStringLiteral("<stdin>") : path;
 }
 
-FoundFiles FindFiles(const QStringList& paths, const QStringList& suffixes) {
+FoundFiles FindFiles(const QStringList& paths, const QStringList& suffixes, const QString& kind) {
     FoundFiles found;
     for (const QString& path : paths) {
         if (!QFileInfo(path).isDir()) {
@@ -105,7 +105,7 @@ FoundFiles FindFiles(const QStringList& paths, const QStringList& suffixes) {
         }
         const QStringList files = FilesIn(path, suffixes);
         if (files.isEmpty()) {
-            found.failures.append(path + QStringLiteral(": no scripts in this folder"));
+            found.failures.append(path + QStringLiteral(": no %1 in this folder").arg(kind));
         }
         found.files.append(files);
     }

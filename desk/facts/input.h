@@ -36,4 +36,6 @@ struct FoundFiles {
 };
 
 // A folder stands for all files in it, and in its folders, with one of the suffixes ("st").
-FoundFiles FindFiles(const QStringList& paths, const QStringList& suffixes);
+// `kind` is what they are called where there are none: "scripts".
+FoundFiles FindFiles(const QStringList& paths, const QStringList& suffixes,
+                     const QString& kind = QStringLiteral("scripts"));

@@ -163,11 +163,13 @@ private:
             text_.preamble.enginePlace = cell.place;
             return;
         }
-        const QString fault = SetChoice(text_.preamble.choices, cell.text.section(u'=', 0, 0).trimmed(),
+        Profile profile;
+        const QString fault = SetChoice(profile, cell.text.section(u'=', 0, 0).trimmed(),
                                         cell.text.section(u'=', 1).trimmed());
         if (!fault.isEmpty()) {
             fail(cell.place, fault);
         }
+        text_.preamble.choices.append(cell.text);
     }
 
     void takeCheck(const CsvRow& row) {

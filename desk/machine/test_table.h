@@ -10,6 +10,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -49,7 +50,7 @@ struct TestPreamble {
     Place scriptPlace;
     QString engineFile;  // with choices, empty if there is none
     Place enginePlace;
-    Profile choices;      // of the lines "engine, key = value", on top of those of the file
+    QStringList choices;  // "key = value", on top of those of the file
     Checks checks;
     quint32 tickStep = 100;
     std::vector<Declaration> objects;  // of the engine, with names that the script does not give

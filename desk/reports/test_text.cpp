@@ -10,10 +10,8 @@ namespace {
 
 QString LineAt(const TestedFile& file, Place place, const QString& text) {
     return QStringLiteral("%1:%2:%3: %4")
-        .arg(Harmless(file.path))
-        .arg(place.line)
-        .arg(place.column)
-        .arg(text);
+        .arg(Harmless(file.path), QString::number(place.line), QString::number(place.column),
+             text);
 }
 
 QString CellLine(const TestedFile& file, const TestFailure& failure, const CellFailure& cell) {
@@ -89,12 +87,12 @@ QString CoverageSummary(const CoveredScript& script) {
     const int statements = coverage.statements();
     const int percent = statements == 0 ? whole : coverage.executed() * whole / statements;
     const QString missed = MissedText(coverage);
-    return QStringLiteral("%1: %2 of %3 statements executed, %4 %%5")
-        .arg(Harmless(script.source.name()))
-        .arg(coverage.executed())
-        .arg(statements)
-        .arg(percent)
-        .arg(missed.isEmpty() ? QString() : QStringLiteral("; not all on the lines ") + missed);
+    return Harmless(script.source.name()) +
+           QStringLiteral(": %1 of %2 statements executed, ")
+               .arg(coverage.executed())
+               .arg(statements) +
+           QString::number(percent) + u'%' +
+           (missed.isEmpty() ? QString() : QStringLiteral("; not all on lines ") + missed);
 }
 
 // What stands before a line of the script: how often it was executed.
