@@ -19,28 +19,24 @@ const QString COMMENT = QStringLiteral(
     "# An empty cell leaves an input as it is and asks nothing. The values asked below are those\n"
     "# that the script gives: see whether they are right.\n");
 
-bool IsWritten(const Facts& facts, const Declaration& declaration) {
-    return std::any_of(facts.uses.begin(), facts.uses.end(), [&](const UseFact& use) {
+// Whether the script uses an object of the engine in that way, or by reference.
+bool IsUsed(const Facts& facts, const Declaration& declaration, UseKind kind) {
+    const bool isEngine = declaration.section == Section::EngineGlobal ||
+                          declaration.section == Section::EngineRegister;
+    return isEngine && std::any_of(facts.uses.begin(), facts.uses.end(), [&](const UseFact& use) {
         const NameFact& name = facts.names[static_cast<std::size_t>(use.name)];
-        return (use.kind == UseKind::Write || use.kind == UseKind::Reference) &&
+        return (use.kind == kind || use.kind == UseKind::Reference) &&
                name.kind == NameKind::Variable &&
                FoldedName(facts.textOf(name.text).toString()) == FoldedName(declaration.name);
     });
 }
 
-bool IsEngine(const Declaration& declaration) {
-    return declaration.section == Section::EngineGlobal ||
-           declaration.section == Section::EngineRegister;
-}
-
 bool IsInput(const Facts& facts, const Declaration& declaration) {
-    return declaration.section == Section::Input ||
-           (IsEngine(declaration) && !IsWritten(facts, declaration));
+    return declaration.section == Section::Input || IsUsed(facts, declaration, UseKind::Read);
 }
 
 bool IsOutput(const Facts& facts, const Declaration& declaration) {
-    return declaration.section == Section::Output ||
-           (IsEngine(declaration) && IsWritten(facts, declaration));
+    return declaration.section == Section::Output || IsUsed(facts, declaration, UseKind::Write);
 }
 
 struct SkeletonColumn {

@@ -18,7 +18,8 @@ void Print(const QString& text) {
 }
 
 void Complain(const QString& text) {
-    std::fputs(("yxst: " + text.toStdString() + ".\n").c_str(), stderr);
+    const char* const end = text.endsWith(u'?') ? "\n" : ".\n";
+    std::fputs(("yxst: " + text.toStdString() + end).c_str(), stderr);
 }
 
 namespace {
