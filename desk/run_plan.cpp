@@ -3,6 +3,7 @@
 #include "facts/input.h"
 #include "options.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -91,9 +92,15 @@ void ReadCycles(const RunArguments& arguments, RunPlan& plan) {
     }
 }
 
+// Names that lead to the same file, also where there is none yet.
+QString PlaceOf(const std::string& path) {
+    const QFileInfo info(TextOfArgument(path));
+    const QString folder = info.absoluteDir().canonicalPath();
+    return info.exists() ? info.canonicalFilePath() : folder + u'/' + info.fileName();
+}
+
 bool IsSameFile(const std::string& one, const std::string& other) {
-    return !one.empty() && !other.empty() &&
-           QFileInfo(TextOfArgument(one)) == QFileInfo(TextOfArgument(other));
+    return !one.empty() && !other.empty() && PlaceOf(one) == PlaceOf(other);
 }
 
 struct OutputOption {

@@ -91,9 +91,8 @@ FoundVariable FindVariable(const CodeUnit& program, const QString& name) {
         return {index, {}};
     }
     const QString nearest = NearestName(program, name);
-    const QString proposal = nearest.isEmpty()
-                                 ? QString()
-                                 : QStringLiteral("; did you mean ") + Quoted(nearest) + u'?';
+    const QString proposal =
+        nearest.isEmpty() ? QString() : QStringLiteral("; near it: ") + nearest;
     return {NOWHERE, QStringLiteral("the program has no variable ") + Quoted(name) + proposal};
 }
 

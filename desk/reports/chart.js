@@ -4,8 +4,8 @@ const { cycles, tick, piece, watched, series } =
     JSON.parse(document.getElementById("data").textContent);
 
 const COLOURS = 8;
-const LANE = 1.5; // from one BOOL to the next, whose values are 0 and 1
-const PIXELS_OF_LANE = 36;
+const LANE = 2; // from one BOOL to the next, whose values are 0 and 1
+const PIXELS_OF_LANE = 40;
 const PIXELS_OF_AXIS = 30;
 const HEIGHT = 240;
 const WHOLE = [0.5, cycles + 0.5];
@@ -268,6 +268,7 @@ function describeConstants(constants) {
 
 function begin() {
     describe();
+    if (cycles === 0) return;
     const isDrawn = (each) => watched || !isConstant(each);
     describeConstants(series.filter((each) => !isDrawn(each)));
     const drawn = series.filter(isDrawn);

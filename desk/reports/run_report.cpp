@@ -165,10 +165,13 @@ void PrintVariables(const CodeUnit& program, const std::vector<int>& variables,
 }
 
 void PrintSummary(const Machine& machine, quint32 tickStep) {
-    Print(QStringLiteral("%1 of %2, %3\n")
+    const QString stopped =
+        machine.stop() ? QStringLiteral("; stopped in cycle %1").arg(machine.cycles() + 1)
+                       : QString();
+    Print(QStringLiteral("%1 of %2, %3%4\n")
               .arg(Counted(machine.cycles(), QStringLiteral("cycle")),
                    Counted(tickStep, QStringLiteral("tick")),
-                   Counted(machine.instructions(), QStringLiteral("instruction"))));
+                   Counted(machine.instructions(), QStringLiteral("instruction")), stopped));
     if (machine.tickSetting()) {
         Print(QStringLiteral("TICK was set to %1\n").arg(*machine.tickSetting()));
     }

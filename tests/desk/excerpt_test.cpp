@@ -32,7 +32,7 @@ std::string Marked(const QString& text, const QString& piece) {
 int WidthOf(const QString& text) {
     int width = 0;
     for (const uint character : text.toUcs4()) {
-        width += CellOf(character).width;
+        width += ShownCellOf(character).width;
     }
     return width;
 }
