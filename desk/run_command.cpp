@@ -130,12 +130,12 @@ void ReportRun(const RunArguments& arguments, const RunPlan& plan, const Loaded&
     }
 }
 
-Status StatusOf(const RunArguments& arguments, const RunPlan& plan, const Machine& machine,
-                const RunOutputs& outputs) {
-    if (!outputs.failure().isEmpty()) {
-        Complain(outputs.failure() + QStringLiteral(": cannot be written"));
-        return STATUS_FAILED;
-    }
+Status ComplainOfFile(const QString& path) {
+    Complain(path + QStringLiteral(": cannot be written"));
+    return STATUS_FAILED;
+}
+
+Status StatusOf(const RunArguments& arguments, const RunPlan& plan, const Machine& machine) {
     if (machine.stop()) {
         return STATUS_NOT_FINE;
     }
@@ -162,22 +162,23 @@ std::vector<int> VariablesOf(const std::vector<Setting>& settings) {
     return variables;
 }
 
-RunDescription DescriptionOf(const RunArguments& arguments, const RunPlan& plan) {
+RunDescription DescriptionOf(const RunArguments& arguments, const RunPlan& plan,
+                             const QString& script) {
     std::vector<int> columns = VariablesOf(plan.settings);
     columns.insert(columns.end(), plan.inputs.variables.begin(), plan.inputs.variables.end());
-    return {TextOfArgument(arguments.path),
-            ChangedChoices(plan.profile),
-            arguments.tick,
-            !arguments.watched.empty(),
-            plan.variables,
-            columns};
+    return {script,         ChangedChoices(plan.profile),
+            arguments.tick, !arguments.watched.empty(),
+            plan.variables, columns};
 }
 
 Status RunPlanned(const RunArguments& arguments, const RunPlan& plan, const Loaded& loaded) {
     const CodeUnit& program = loaded.code.program();
     const RunFiles files = {TextOfArgument(arguments.trace), TextOfArgument(arguments.chart),
                             TextOfArgument(arguments.test)};
-    RunOutputs outputs(files, DescriptionOf(arguments, plan), program);
+    RunOutputs outputs(files, DescriptionOf(arguments, plan, loaded.source.name()), program);
+    if (!outputs.failure().isEmpty()) {
+        return ComplainOfFile(outputs.failure());
+    }
     Machine machine(loaded.code, plan.profile, plan.checks);
     Prepare(machine, loaded, plan, arguments.tick);
     RememberInterrupts();
@@ -187,7 +188,8 @@ Status RunPlanned(const RunArguments& arguments, const RunPlan& plan, const Load
     }
     outputs.finish(machine);
     ReportRun(arguments, plan, loaded, machine);
-    return StatusOf(arguments, plan, machine, outputs);
+    return outputs.failure().isEmpty() ? StatusOf(arguments, plan, machine)
+                                       : ComplainOfFile(outputs.failure());
 }
 
 Status RunRun(const RunArguments& arguments) {

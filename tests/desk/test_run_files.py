@@ -1,0 +1,196 @@
+"""`yxst run` writes its files whole or not at all, however it ends."""
+
+import os
+import pty
+import re
+import resource
+import signal
+import subprocess
+import unittest
+from pathlib import Path
+
+from support_desk import DESK, FAILED, FINE, NOT_FINE, TIMEOUT_SECONDS, run_yxst, wait_for
+from test_check import FolderTestCase
+
+from test_files import drop_privileges  # isort: skip: found by support_desk
+
+LOOP = b"""PROGRAM Loop
+VAR
+    count : UDINT := 0;
+END_VAR
+    count := count + 1;
+END_PROGRAM
+"""
+FOR_EVER = "--cycles=2000000000"
+OUTPUTS = ("--trace=trace.csv", "--chart=chart.html", "--record=run.test")
+
+
+class FilesTestCase(FolderTestCase):
+    def setUp(self):
+        super().setUp()
+        self.folder.chmod(0o777)
+        self.write("loop.st", LOOP)
+
+    def run_loop(self, *arguments, **options):
+        return run_yxst("run", "loop.st", *arguments, cwd=self.folder, **options)
+
+    def start(self, *arguments):
+        process = subprocess.Popen(
+            [DESK, "run", "loop.st", *arguments],
+            cwd=self.folder,
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+        )
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.kill)
+        return process
+
+    def names(self):
+        return sorted(path.name for path in self.folder.iterdir())
+
+    def written(self, process):
+        """The bytes that a process has written to files."""
+        text = Path(f"/proc/{process.pid}/io").read_text(encoding="ascii")
+        return int(re.search(r"^wchar: (\d+)$", text, re.MULTILINE)[1])
+
+
+class Interrupts(FilesTestCase):
+    def test_a_run_ends_with_what_it_has(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(signal=number):
+                process = self.start(FOR_EVER, *OUTPUTS)
+                wait_for(lambda: self.written(process) > 100_000)  # noqa: B023
+                process.send_signal(number)
+                stdout, stderr = process.communicate(timeout=TIMEOUT_SECONDS)
+                self.assertEqual(process.returncode, NOT_FINE)
+                cycles = int(stdout.split(b"\n")[1].split()[0])
+                self.assertEqual(stderr, f"yxst: interrupted after {cycles} cycles.\n".encode())
+                self.assert_files_are_whole(cycles)
+
+    def assert_files_are_whole(self, cycles):
+        self.assertEqual(self.names(), ["chart.html", "loop.st", "run.test", "trace.csv"])
+        trace = (self.folder / "trace.csv").read_text().splitlines()
+        self.assertEqual(len(trace), 4 + cycles)
+        self.assertEqual(trace[-1].split(",")[::2], [str(cycles), str(cycles)])
+        self.assertTrue((self.folder / "chart.html").read_text().endswith("</html>\n"))
+        self.assertEqual((self.folder / "run.test").read_text().splitlines()[-1], str(cycles))
+        for name in ("chart.html", "run.test", "trace.csv"):
+            (self.folder / name).unlink()
+
+    def test_a_second_signal_ends_it_at_once(self):
+        self.write("loop.st", LOOP.replace(b"    count :=", b"    WHILE TRUE DO END_WHILE; count :="))
+        process = self.start("--check=scan-limit=off")
+        wait_for(lambda: not is_default(process.pid, signal.SIGINT))
+        process.send_signal(signal.SIGINT)
+        wait_for(lambda: is_default(process.pid, signal.SIGINT))
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(TIMEOUT_SECONDS), -signal.SIGINT)
+
+    def test_a_signal_that_is_ignored_stays_so(self):
+        ignore = lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN)  # noqa: E731
+        process = subprocess.Popen(
+            [DESK, "run", "loop.st", FOR_EVER, "--quiet"], cwd=self.folder, preexec_fn=ignore
+        )
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        wait_for(lambda: not is_default(process.pid, signal.SIGINT))
+        process.send_signal(signal.SIGHUP)
+        with self.assertRaises(subprocess.TimeoutExpired):
+            process.wait(0.3)
+
+
+def is_default(pid, number):
+    """Whether the process does not catch the signal."""
+    with open(f"/proc/{pid}/status", encoding="ascii") as file:
+        caught = next(line.split()[1] for line in file if line.startswith("SigCgt"))
+    return not int(caught, 16) >> (number - 1) & 1
+
+
+class StandardOutput(FilesTestCase):
+    def test_a_reader_that_leaves(self):
+        process = self.start(FOR_EVER, "--trace=-")
+        self.assertTrue(process.stdout.readline().startswith(b"# script: loop.st"))
+        process.stdout.close()
+        self.assertEqual(process.stderr.read(), b"")
+        self.assertEqual(process.wait(TIMEOUT_SECONDS), FAILED)
+
+    def test_output_that_cannot_be_written(self):
+        for arguments in ([], ["--trace=-"], [FOR_EVER, "--trace=-"]):
+            with open("/dev/full", "wb") as full, self.subTest(arguments):
+                process = subprocess.run(
+                    [DESK, "run", "loop.st", *arguments],
+                    cwd=self.folder,
+                    stdout=full,
+                    stderr=subprocess.PIPE,
+                    timeout=TIMEOUT_SECONDS,
+                )
+                complaint = b"yxst: standard output cannot be written.\n"
+                self.assertEqual((process.returncode, process.stderr), (FAILED, complaint))
+
+    def test_standard_output_that_is_closed(self):
+        run = self.run_loop(preexec_fn=lambda: os.close(1))
+        self.assertEqual(run.status, FAILED)
+
+
+class Unwritable(FilesTestCase):
+    def assert_refused(self, name, *arguments, **options):
+        run = self.run_loop(*arguments, **options)
+        complaint = f"yxst: {name}: cannot be written.\n".encode()
+        self.assertEqual(run, (FAILED, b"", complaint))
+
+    def test_names_that_lead_to_no_file(self):
+        (self.folder / "inner").mkdir()
+        os.mkfifo(self.folder / "pipe")
+        before = self.names()
+        for option in ("--trace", "--chart", "--record"):
+            for name in ("inner", "pipe", "none/x", "loop.st/x", "/dev/null", "/dev/full"):
+                with self.subTest(option=option, name=name):
+                    self.assert_refused(name, f"{option}={name}")
+        self.assertEqual(self.names(), before)
+
+    @unittest.skipUnless(os.geteuid() == 0, "needs root, to become another user")
+    def test_what_may_not_be_written(self):
+        self.folder.chmod(0o555)
+        self.assert_refused("trace.csv", "--trace=trace.csv", preexec_fn=drop_privileges)
+
+    def test_what_cannot_be_written_whole_is_not_there(self):
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (50_000, 50_000))  # noqa: E731
+        self.write("trace.csv", b"old")
+        for option in OUTPUTS[:2]:
+            name = option.partition("=")[2]
+            run = self.run_loop(option, "--cycles=20000", preexec_fn=limit)
+            self.assertEqual(run.status, FAILED)
+            self.assertEqual(run.stderr, f"yxst: {name}: cannot be written.\n".encode())
+        self.assertEqual(self.names(), ["loop.st", "trace.csv"])
+        self.assertEqual((self.folder / "trace.csv").read_bytes(), b"old")
+
+    def test_a_link_leads_to_the_file_that_is_written(self):
+        (self.folder / "link").symlink_to("target.csv")
+        self.assertEqual(self.run_loop("--trace=link", "--quiet").status, FINE)
+        self.assertTrue((self.folder / "link").is_symlink())
+        self.assertTrue((self.folder / "target.csv").read_text().startswith("# script"))
+
+
+class AtATerminal(FilesTestCase):
+    def test_progress_is_shown_and_cleared(self):
+        leader, terminal = pty.openpty()
+        process = subprocess.Popen(
+            [DESK, "run", "loop.st", "--quiet", FOR_EVER],
+            cwd=self.folder,
+            stdin=terminal,
+            stdout=terminal,
+            stderr=terminal,
+        )
+        os.close(terminal)
+        self.addCleanup(os.close, leader)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        self.assertRegex(os.read(leader, 4096), rb"^\r\d+ of 2000000000")
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(TIMEOUT_SECONDS), NOT_FINE)
+        self.assertRegex(os.read(leader, 65536), rb"\r\x1b\[Kyxst: interrupted after \d+ cycles\.")
+
+
+if __name__ == "__main__":
+    unittest.main()
