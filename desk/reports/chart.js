@@ -29,8 +29,8 @@ const count = (number, what) => `${number.toLocaleString("en")} ${what}${number 
 const isTruth = ({ type }) => type === "BOOL";
 const isReal = ({ type }) => type === "REAL" || type === "LREAL";
 
-// The point of a series at a cycle or, of those that are left out, the one before.
-function pointAt({ points }, cycle) {
+// The index of the point of a series at a cycle or, of those that are left out, the one before.
+function indexAt({ points }, cycle) {
     let low = 0;
     let high = points.length - 1;
     while (low < high) {
@@ -38,7 +38,17 @@ function pointAt({ points }, cycle) {
         if (points[middle][0] <= cycle) low = middle;
         else high = middle - 1;
     }
-    return points[low];
+    return low;
+}
+
+// The value at a cycle, or the least and the greatest around one that was left out.
+function valuesAt(each, cycle) {
+    const [at, value] = each.points[indexAt(each, cycle)];
+    if (piece === 1 || at === cycle) return [value];
+    const first = cycle - ((cycle - 1) % piece);
+    const points = each.points.slice(indexAt(each, first), indexAt(each, first + piece - 1) + 1);
+    const numbers = points.map(([, number]) => number).sort((one, other) => one - other);
+    return [...new Set([numbers[0], numbers.at(-1)])];
 }
 
 function textOf(each, value) {
@@ -102,13 +112,18 @@ const panels = []; // { group, graph, mark, outputs }
 let shown = WHOLE;
 let isShowing = false;
 
+// A window within the run. From the first point to the last is the whole of it.
+function windowOf([from, to]) {
+    if (to - from >= cycles - 1) return WHOLE;
+    const width = Math.max(to - from, Math.min(LEAST_WINDOW, cycles));
+    const begin = Math.min(Math.max(from, WHOLE[0]), WHOLE[1] - width);
+    return [begin, begin + width];
+}
+
 // All diagrams show the same cycles.
 function show(range) {
     if (isShowing) return;
-    const [from, to] = range;
-    const width = Math.min(Math.max(to - from, Math.min(LEAST_WINDOW, cycles)), cycles);
-    const begin = Math.min(Math.max(from, WHOLE[0]), WHOLE[1] - width);
-    shown = [begin, begin + width];
+    shown = windowOf(range);
     isShowing = true;
     for (const { graph } of panels) graph.updateOptions({ dateWindow: shown });
     isShowing = false;
@@ -221,7 +236,8 @@ function setCursor(at) {
     element("cycle").textContent = cycle;
     for (const { group, outputs } of panels) {
         group.forEach((each, index) => {
-            outputs[index].textContent = textOf(each, pointAt(each, cycle)[1]);
+            const texts = valuesAt(each, cycle).map((value) => textOf(each, value));
+            outputs[index].textContent = texts.join(" … ");
         });
     }
     placeMarks();
@@ -244,7 +260,7 @@ function showWhole() {
 
 function redraw() {
     for (const { group, graph } of panels) {
-        graph.updateOptions(lookOf(group), true);
+        graph.updateOptions(lookOf(group));
         graph.resize();
     }
     placeMarks();
