@@ -6,6 +6,7 @@
 #include "options.h"
 #include "reports/make_report.h"
 #include "reports/run_report.h"
+#include "reports/terminal_text.h"
 #include "reports/test_report.h"
 #include "subcommands.h"
 
@@ -69,7 +70,7 @@ QString ScriptOf(const QString& table, const TestPreamble& preamble) {
 void Fail(TestedFile& tested, Place place, const QString& message) {
     tested.failure = QStringLiteral("%1:%2:%3: %4")
                          .arg(tested.path, QString::number(place.line),
-                              QString::number(place.column), message);
+                              QString::number(place.column), Harmless(message));
 }
 
 // Choices of the table come after those of its file. False if something is wrong with it.

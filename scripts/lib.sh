@@ -6,7 +6,7 @@ build=$root/build
 build_packages=(g++ cmake ninja-build qtbase5-dev libcli11-dev)
 manual_packages=(python3 pandoc libjs-lunr)
 test_packages=("${build_packages[@]}" "${manual_packages[@]}" libgtest-dev libgmock-dev
-    python3-fastjsonschema vim neovim)
+    python3-fastjsonschema python3-junitparser perl vim neovim)
 
 # Standard output belongs to the program that a script runs, so the scripts speak here.
 say() { printf '%s: %s\n' "${0##*/}" "$*" >&2; }

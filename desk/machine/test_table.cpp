@@ -18,8 +18,7 @@ QString Quoted(const QString& text) {
 // Empty if none of them is like the word.
 QString Proposal(const QString& word, const QStringList& known) {
     const QString nearest = NearestWord(word, known);
-    return nearest.isEmpty() ? QString()
-                             : QStringLiteral("; did you mean ") + Quoted(nearest) + u'?';
+    return nearest.isEmpty() ? QString() : QStringLiteral("; near it: ") + nearest;
 }
 
 bool IsWord(const QString& text, const QString& word) {

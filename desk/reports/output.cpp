@@ -18,8 +18,7 @@ void Print(const QString& text) {
 }
 
 void Complain(const QString& text) {
-    const char* const end = text.endsWith(u'?') ? "\n" : ".\n";
-    std::fputs(("yxst: " + text.toStdString() + end).c_str(), stderr);
+    std::fputs(("yxst: " + text.toStdString() + ".\n").c_str(), stderr);
 }
 
 namespace {

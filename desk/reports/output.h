@@ -16,7 +16,7 @@ enum Status : int {
 void Print(std::string_view text);
 void Print(const QString& text);
 
-// Writes "yxst: text." to standard error; a question keeps its mark alone.
+// Writes "yxst: text." to standard error.
 void Complain(const QString& text);
 
 // Writes what is still collected. The status again, or STATUS_FAILED with a complaint if some of

@@ -1,4 +1,5 @@
-// Tests for harnesses: the Test Anything Protocol, with a block of YAML for what has failed.
+// Tests for harnesses: the Test Anything Protocol, with a block of YAML for what has failed. It
+// keeps to version 13, and its YAML to blocks of lines, which all harnesses read.
 
 #include "reports/output.h"
 #include "reports/terminal_text.h"
@@ -21,12 +22,12 @@ class TapReport : public TestReport {
 public:
     explicit TapReport(const TestReportOptions& options) : options_(options) {}
 
-    void begin() override { Print(QStringLiteral("TAP version 14\n")); }
+    void begin() override { Print(QStringLiteral("TAP version 13\n")); }
 
     void file(const TestedFile& file) override {
         if (!file.isExecuted()) {
             result(false, file.path);
-            block(file, 0, BrokenLines(file), {});
+            printBlock(file, 0, BrokenLines(file), {});
             return;
         }
         for (const CaseResult& each : file.cases) {
@@ -58,29 +59,30 @@ private:
         const bool isFine = !HasFailed(each, options_.isStrict);
         result(isFine, file.path + QStringLiteral(": ") + each.name);
         if (!isFine) {
-            block(file, each.line, FailureLines(file, each, options_.isStrict),
-                  LastCyclesLines(each));
+            printBlock(file, each.line, FailureLines(file, each, options_.isStrict),
+                       LastCyclesLines(each));
         }
         if (!options_.isQuiet && !options_.isStrict) {
             comment(NoteLines(file, each));
         }
     }
 
-    static void block(const TestedFile& file, int line, const QStringList& failures,
+    static void printBlock(const TestedFile& file, int line, const QStringList& failures,
                       const QStringList& last) {
         QString text = QStringLiteral("  ---\n  file: ") + YamlText(file.path) + u'\n';
         if (line > 0) {
             text += QStringLiteral("  line: %1\n").arg(line);
         }
-        text += list(QStringLiteral("failures"), failures) +
-                list(QStringLiteral("lastCycles"), last) + QStringLiteral("  ...\n");
+        text += block(QStringLiteral("message"), failures) +
+                block(QStringLiteral("lastCycles"), last) + QStringLiteral("  ...\n");
         Print(text);
     }
 
-    static QString list(const QString& key, const QStringList& lines) {
-        QString text = lines.isEmpty() ? QString() : QStringLiteral("  ") + key + u':' + u'\n';
+    // No line begins with a blank, which would be taken for the indentation.
+    static QString block(const QString& key, const QStringList& lines) {
+        QString text = lines.isEmpty() ? QString() : QStringLiteral("  ") + key + QStringLiteral(": |\n");
         for (const QString& line : lines) {
-            text += QStringLiteral("    - ") + YamlText(line) + u'\n';
+            text += QStringLiteral("    ") + line + u'\n';
         }
         return text;
     }

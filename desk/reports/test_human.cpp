@@ -73,7 +73,9 @@ void HumanTestReport::failed(const TestedFile& file, const CaseResult& result) c
     Print(QStringLiteral("%1 %2\n").arg(painted(RED, QStringLiteral("failed:")),
                                         painted(BOLD, Harmless(result.name))));
     lines(FailureLines(file, result, options_.isStrict));
-    lines(LastCyclesLines(result));
+    for (const QString& line : LastCyclesLines(result)) {
+        Print(QStringLiteral("  ") + line + u'\n');
+    }
     Print(QStringLiteral("\n"));
 }
 

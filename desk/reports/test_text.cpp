@@ -31,7 +31,7 @@ QString StopLine(const TestedFile& file, const TestFailure& failure) {
 QString AlignedRow(const QStringList& cells, const std::vector<int>& widths) {
     QString line;
     for (int column = 0; column < cells.size(); ++column) {
-        line += QStringLiteral("  ") +
+        line += (column == 0 ? QString() : QStringLiteral("  ")) +
                 cells[column].rightJustified(widths[static_cast<std::size_t>(column)]);
     }
     return line;
@@ -155,9 +155,12 @@ QStringList LastCyclesLines(const CaseResult& result) {
         return {};
     }
     const LastCycles& last = result.failure->last;
-    std::vector<QStringList> rows = {QStringList{QStringLiteral("cycle")} + last.names};
+    const QString head = QStringLiteral("cycle");
+    const int width = std::max(head.size(), QString::number(last.cycles.back()).size());
+    std::vector<QStringList> rows = {QStringList{head.leftJustified(width)} + last.names};
     for (std::size_t index = 0; index < last.cycles.size(); ++index) {
-        rows.push_back(QStringList{QString::number(last.cycles[index])} + last.values[index]);
+        const QString cycle = QString::number(last.cycles[index]);
+        rows.push_back(QStringList{cycle.leftJustified(width)} + last.values[index]);
     }
     return Aligned(rows);
 }

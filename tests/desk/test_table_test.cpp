@@ -290,7 +290,7 @@ TEST(TestTable, WrongLinesAreRefused) {
         {"script, p.st\n", "line 1, column 1: the table has no line \"case, NAME\""},
         {Below("scrpt, p.st"),
          "line 1, column 1: a line begins with script, tick, engine, check, global, register, "
-         "case or cycles, not with \"scrpt\"; did you mean \"script\"?"},
+         "case or cycles, not with \"scrpt\"; near it: script"},
         {Below("script"), "line 1, column 1: the line has the form \"script, FILE\""},
         {Below("script, a.st, b.st"),
          "line 1, column 1: the line has the form \"script, FILE\""},
@@ -369,7 +369,7 @@ TEST(TestTable, WrongCasesAreRefused) {
 TEST(TestTable, WrongColumnsAreRefused) {
     ExpectRefused({
         {Row("cuont?", "0"),
-         "line 3, column 9: the program has no variable \"cuont\"; did you mean \"count\"?"},
+         "line 3, column 9: the program has no variable \"cuont\"; near it: count"},
         {Row("zzzzzz?", "0"), "line 3, column 9: the program has no variable \"zzzzzz\""},
         {Row("count?, Count?", "0"), "line 3, column 17: the columns have this one already"},
         {Row("count, force count", "0"), ""},
