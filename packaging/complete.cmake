@@ -34,9 +34,12 @@ file(COPY_FILE ${source}/packaging/lintian-overrides ${tree}/usr/share/lintian/o
 file(RENAME ${docs}/LICENSE ${docs}/copyright)
 file(RENAME ${tree}/usr/share/zsh/site-functions ${tree}/usr/share/zsh/vendor-completions)
 
-# The search of the manual is the work of others.
+# The search of the manual and the library of charts are the work of others.
 file(READ ${docs}/html/lunr.copyright licence)
 file(APPEND ${docs}/copyright "\n\nhtml/lunr.min.js, which searches the manual, is Lunr:\n\n${licence}")
+file(READ /usr/share/doc/libjs-dygraphs/copyright licence)
+file(APPEND ${docs}/copyright
+    "\n\nDygraphs, which draws charts, is part of yxst and of the pages that it writes:\n\n${licence}")
 
 run(chmod -R u=rwX,go=rX ${tree})
 run(find ${tree} -exec touch --no-dereference --date=@$ENV{SOURCE_DATE_EPOCH} {} +)

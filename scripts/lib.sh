@@ -3,7 +3,7 @@
 root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
 build=$root/build
 
-build_packages=(g++ cmake ninja-build qtbase5-dev libcli11-dev)
+build_packages=(g++ cmake ninja-build qtbase5-dev libcli11-dev libjs-dygraphs)
 manual_packages=(python3 pandoc libjs-lunr)
 test_packages=("${build_packages[@]}" "${manual_packages[@]}" libgtest-dev libgmock-dev
     python3-fastjsonschema python3-junitparser perl vim neovim)

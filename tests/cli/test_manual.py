@@ -57,6 +57,7 @@ MANUAL = ROOT / "docs" / "manual"
 PAGES_WITH_EXAMPLES = (
     "tutorial language target-code diagnostics reasons surprises dialects facts check lints"
     " verify"
+    "tutorial language target-code diagnostics reasons surprises dialects facts check run machine"
 ).split()
 
 STATEMENTS_MARK = "(* statements *)"
