@@ -110,6 +110,16 @@ void Execute(const RunPlan& plan, const CodeUnit& program, Machine& machine, Run
 // How it ended
 // ---------------------------------------------------------------------------------------------
 
+// Standard output belongs to the trace where it is shown.
+void ShowFindings(const RunArguments& arguments, const Loaded& loaded,
+                  const std::vector<Finding>& findings) {
+    if (IsTraceShown(arguments)) {
+        ComplainOfFindings(loaded, findings);
+    } else {
+        PrintFindings(loaded, findings, HasColors(arguments.color, STDOUT_FILENO));
+    }
+}
+
 void ReportRun(const RunArguments& arguments, const RunPlan& plan, const Loaded& loaded,
                const Machine& machine) {
     std::vector<Finding> findings;
@@ -119,12 +129,8 @@ void ReportRun(const RunArguments& arguments, const RunPlan& plan, const Loaded&
     if (machine.stop()) {
         findings.push_back(FindingOf(*machine.stop()));
     }
-    if (IsTraceShown(arguments)) {
-        ComplainOfFindings(loaded, findings);
-        return;
-    }
-    PrintFindings(loaded, findings, HasColors(arguments.color, STDOUT_FILENO));
-    if (!arguments.isQuiet) {
+    ShowFindings(arguments, loaded, findings);
+    if (!arguments.isQuiet && !IsTraceShown(arguments)) {
         PrintVariables(loaded.code.program(), plan.variables, machine);
         PrintSummary(machine, arguments.tick);
     }
@@ -171,7 +177,9 @@ RunDescription DescriptionOf(const RunArguments& arguments, const RunPlan& plan,
             plan.variables, columns};
 }
 
-Status RunPlanned(const RunArguments& arguments, const RunPlan& plan, const Loaded& loaded) {
+// The machine must be ready.
+Status RunOn(Machine& machine, const RunArguments& arguments, const RunPlan& plan,
+             const Loaded& loaded) {
     const CodeUnit& program = loaded.code.program();
     const RunFiles files = {TextOfArgument(arguments.trace), TextOfArgument(arguments.chart),
                             TextOfArgument(arguments.test)};
@@ -179,7 +187,6 @@ Status RunPlanned(const RunArguments& arguments, const RunPlan& plan, const Load
     if (!outputs.failure().isEmpty()) {
         return ComplainOfFile(outputs.failure());
     }
-    Machine machine(loaded.code, plan.profile, plan.checks);
     Prepare(machine, loaded, plan, arguments.tick);
     RememberInterrupts();
     {
@@ -190,6 +197,16 @@ Status RunPlanned(const RunArguments& arguments, const RunPlan& plan, const Load
     ReportRun(arguments, plan, loaded, machine);
     return outputs.failure().isEmpty() ? StatusOf(arguments, plan, machine)
                                        : ComplainOfFile(outputs.failure());
+}
+
+// A check may stop the machine at an initial value already; then it has no variables.
+Status RunPlanned(const RunArguments& arguments, const RunPlan& plan, const Loaded& loaded) {
+    Machine machine(loaded.code, plan.profile, plan.checks);
+    if (machine.stop()) {
+        ShowFindings(arguments, loaded, {FindingOf(*machine.stop())});
+        return STATUS_NOT_FINE;
+    }
+    return RunOn(machine, arguments, plan, loaded);
 }
 
 Status RunRun(const RunArguments& arguments) {

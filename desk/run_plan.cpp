@@ -108,6 +108,24 @@ struct OutputOption {
     const std::string& path;
 };
 
+// What is read, or written for another option, must not be overwritten.
+QString WhatIsWrongWith(const OutputOption& output, const std::vector<OutputOption>& all,
+                        const RunArguments& arguments) {
+    if (output.path == STANDARD_INPUT) {
+        return &output.path == &arguments.trace ? QString()
+                                                : QStringLiteral("needs the name of a file");
+    }
+    for (const std::string& read : {arguments.path, arguments.inputs, arguments.engine}) {
+        if (IsSameFile(output.path, read)) {
+            return QStringLiteral("this file is read");
+        }
+    }
+    const bool isUsed = std::any_of(all.begin(), all.end(), [&output](const OutputOption& each) {
+        return &each != &output && IsSameFile(each.path, output.path);
+    });
+    return isUsed ? QStringLiteral("this file has another use") : QString();
+}
+
 }  // namespace
 
 
@@ -133,21 +151,12 @@ QString ReadPlan(const RunArguments& arguments, const CodeUnit& program, RunPlan
 }
 
 QString WhatIsWrongWithFiles(const RunArguments& arguments) {
-    const OutputOption outputs[] = {
+    const std::vector<OutputOption> outputs = {
         {"--trace", arguments.trace}, {"--chart", arguments.chart}, {"--record", arguments.test}};
     for (const OutputOption& output : outputs) {
-        for (const std::string& read : {arguments.path, arguments.inputs, arguments.engine}) {
-            if (IsSameFile(output.path, read) && output.path != STANDARD_INPUT) {
-                return About(output.option, QStringLiteral("this file is read"));
-            }
-        }
-        for (const OutputOption& other : outputs) {
-            if (other.option != output.option && IsSameFile(output.path, other.path)) {
-                return About(output.option, QStringLiteral("this file has another use"));
-            }
-        }
-        if (output.path == STANDARD_INPUT && output.option != outputs[0].option) {
-            return About(output.option, QStringLiteral("needs the name of a file"));
+        const QString fault = WhatIsWrongWith(output, outputs, arguments);
+        if (!fault.isEmpty()) {
+            return About(output.option, fault);
         }
     }
     if (!arguments.test.empty() && arguments.path == STANDARD_INPUT) {

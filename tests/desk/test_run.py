@@ -210,6 +210,14 @@ division.yx: item 21: error: a whole number is divided by 0 [division-by-zero]
 """
         self.assertEqual(run.stdout.decode(), expected)
 
+    def test_a_stop_before_the_first_cycle(self):
+        self.write("wide.yx", b"PROG: P VAR: a V SINT 300 MAIN: RET ")
+        arguments = ["wide.yx", "--set=a=1", "--trace=t.csv", "--chart=c.html", "--record=r.test"]
+        run = self.run_file(*arguments, "--check=store-overflow=stop")
+        self.assertEqual((run.status, run.stderr), (NOT_FINE, b""))
+        self.assertRegex(run.stdout, rb"^wide.yx: item 4: error: .* \[store-overflow\]\n")
+        self.assertEqual(list(self.folder.glob("t.csv*")), [])
+
     def test_what_cannot_be_read(self):
         self.refused("none.st: no such file", "none.st")
         self.refused(".: is a folder", ".")
