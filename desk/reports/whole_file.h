@@ -6,8 +6,8 @@
 
 #include <string_view>
 
-// Written beside its place, under a name of its own, and put there by finish(). What was there
-// before stays until then, and for ever if finish() is not called or fails.
+// Written beside its place, without a name where the system can, and put there by finish(). What
+// was there before stays until then, and for ever if finish() is not called or fails.
 class WholeFile {
 public:
     // A name that leads to something other than a file is refused.
