@@ -89,7 +89,6 @@ def entries_on(text):
 # In the order of the list: the messages come first.
 NAMES = ("diagnostics", "reasons", "check", "lints", "verify")
 PAGES = [MANUAL / f"{name}.md" for name in NAMES]
-PAGES = [MANUAL / f"{name}.md" for name in ("diagnostics", "reasons", "check", "machine")]
 ENTRIES = [entry for page in PAGES for entry in entries_on(page.read_text())]
 IDS = sorted({one for entry in ENTRIES for one in entry.ids})
 MESSAGE_IDS = {one for entry in ENTRIES if entry.is_message for one in entry.ids}
