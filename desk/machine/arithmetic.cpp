@@ -157,10 +157,7 @@ Value Arithmetic::bitNot(const Value& operand) {
     if (operand.type < TYP_SINT || operand.type > TYP_UDINT) {
         watch_.stop(Check::UnsoundCode, QStringLiteral("the operand is no whole number"));
     }
-    const bool isUnsigned = RangeOf(operand.type).least == 0;
-    const qint64 complement = ~operand.whole;
-    return Value::Whole(operand.type,
-                        isUnsigned ? Wrapped(operand.type, complement) : complement);
+    return Value::Whole(operand.type, Wrapped(operand.type, ~operand.whole));
 }
 
 Value Arithmetic::literal(const Value& value) const {
@@ -285,13 +282,13 @@ Value Arithmetic::shift(Operation operation, Typ type, const Value& left, qint64
     if (operation == Operation::ShiftRight) {
         const int by = checkedCount(count, typeBits);
         const quint64 shifted = by == typeBits ? 0 : BitsOf(left.type, left.whole) >> by;
-        return Value::Whole(type, Wrapped(left.type, static_cast<qint64>(shifted)));
+        return result(type, Wrapped(left.type, static_cast<qint64>(shifted)));
     }
     const int bits = isTyped ? typeBits : WIDE_BITS;
     const int by = checkedCount(count, bits);
     const quint64 shifted = by == bits ? 0 : static_cast<quint64>(left.whole) << by;
     const auto number = static_cast<qint64>(shifted);
-    return Value::Whole(type, isTyped ? Wrapped(left.type, number) : number);
+    return result(type, isTyped ? Wrapped(left.type, number) : number);
 }
 
 // To the left by any count.
@@ -300,7 +297,7 @@ Value Arithmetic::rotate(Typ type, const Value& left, qint64 count) {
     const int by = Remainder(count, bits);
     const quint64 pattern = BitsOf(left.type, left.whole);
     const quint64 rotated = by == 0 ? pattern : (pattern << by) | (pattern >> (bits - by));
-    return Value::Whole(type, Wrapped(left.type, static_cast<qint64>(rotated)));
+    return result(type, Wrapped(left.type, static_cast<qint64>(rotated)));
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -43,7 +43,8 @@ public:
 
 private:
     Code code_;
-    int item_ = 0;  // the number of the item read last
+    int item_ = 0;     // the number of the item read last
+    int missing_ = 0;  // declarations of the unit that were added
     std::optional<CodeFault> fault_;
     QHash<QString, int> literals_;
     std::vector<QString> targets_;               // the name in each instruction that has one
@@ -75,6 +76,7 @@ private:
         }
         code_.units.emplace_back();
         unit().firstItem = item_ + 1;
+        missing_ = 0;
         const bool isProgram = readHead();
         readDeclarations(isProgram ? MAIN_ENTRY : BODY_ENTRY);
         unit().begin = static_cast<int>(code_.instructions.size());
@@ -369,7 +371,20 @@ private:
             fail(QStringLiteral("an operand names no variable"));
         }
         operand.index = unit().variable(name);
+        const bool isHidden = missing_ < unit().emptyDeclarations && name != sRESULT;
+        if (operand.index == NOWHERE && isHidden) {
+            operand.index = addMissing(name);
+        }
         return operand;
+    }
+
+    // An empty declaration has hidden the variable.
+    int addMissing(const QString& name) {
+        ++missing_;
+        Declaration declaration = {name, Section::Local, TYP_BOOL, {Literal()}, item_};
+        declaration.isMissing = true;
+        add(std::move(declaration));
+        return static_cast<int>(unit().declarations.size()) - 1;
     }
 
     // "#POP.SI]" or "#R1.SI]"

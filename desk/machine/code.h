@@ -22,7 +22,8 @@ struct Declaration {
     Section section;
     Typ type;
     std::vector<Literal> numbers;  // the initial value, or the engine's numbers
-    int item;
+    int item;                      // of a missing one the first that names the variable
+    bool isMissing = false;        // an empty item stands in its place
 };
 
 // Where an instruction takes a value from, or puts it.

@@ -10,7 +10,8 @@ namespace {
 
 // The instructions of an END_ belong to what it ends.
 bool IsAtEnd(const Source& source, const Facts& facts, int place) {
-    return source.text(TokenAt(facts, place)).startsWith(QLatin1String("END_"), Qt::CaseInsensitive);
+    return source.text(TokenAt(facts, place))
+        .startsWith(QLatin1String("END_"), Qt::CaseInsensitive);
 }
 
 LineCoverage& LineAt(std::map<int, LineCoverage>& lines, int line) {

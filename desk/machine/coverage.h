@@ -11,8 +11,8 @@
 struct LineCoverage {
     int line;
     int statements = 0;
-    int executed = 0;   // of these
-    qint64 count = 0;   // how often the one that was executed most often was
+    int executed = 0;  // of these
+    qint64 count = 0;  // how often the one that was executed most often was
 };
 
 struct Coverage {

@@ -240,7 +240,7 @@ private:
     }
 
     void checkVariable(int index, const CodeOperand& operand) {
-        if (operand.index == NOWHERE) {
+        if (operand.index == NOWHERE || declarationOf(operand).isMissing) {
             noteUndeclared(index, operand);
             return;
         }

@@ -130,8 +130,8 @@ private:
 
     void takeQuestion(const TestColumn& column, int variable, const CsvCell& cell,
                       PlannedRow& row) {
-        const QString mark = column.use == ColumnUse::AskAtEnd ? QStringLiteral("?")
-                                                               : QStringLiteral("!");
+        const QString mark =
+            column.use == ColumnUse::AskAtEnd ? QStringLiteral("?") : QStringLiteral("!");
         row.questions.push_back({column.use, variable, conditionsOf(variable, cell),
                                  NameOfVariable(program_, variable) + mark, cell.text,
                                  cell.place});

@@ -47,7 +47,8 @@ struct TestPlan {
 // if anything is.
 std::optional<CsvFault> DeclareObjects(const TestPreamble& preamble, CodeUnit& program);
 
-// Finds the variables and values of the rows; the program has the objects of the preamble already.
+// Finds the variables and values of the rows; the program has the objects of the preamble
+// already.
 TestPlan PlanTests(const TestText& text, const CodeUnit& program);
 
 // The name of a variable that a column can have: of the program, or "TICK".

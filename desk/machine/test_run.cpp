@@ -46,7 +46,7 @@ private:
     const PlannedCase& planned_;
     Machine machine_;
     CaseResult result_;
-    std::vector<int> variables_;    // that are remembered
+    std::vector<int> variables_;  // that are remembered
     std::deque<PastCycle> past_;
 
     void runRow(const PlannedRow& row) {
@@ -192,11 +192,10 @@ private:
 
     static bool isIn(int variable, const PlannedRow& row, const std::vector<CellFailure>& cells) {
         return std::any_of(cells.begin(), cells.end(), [&](const CellFailure& cell) {
-            return std::any_of(row.questions.begin(), row.questions.end(),
-                               [&](const TestQuestion& question) {
-                                   return question.variable == variable &&
-                                          question.column == cell.column;
-                               });
+            return std::any_of(
+                row.questions.begin(), row.questions.end(), [&](const TestQuestion& question) {
+                    return question.variable == variable && question.column == cell.column;
+                });
         });
     }
 

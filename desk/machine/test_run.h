@@ -29,7 +29,7 @@ struct CellFailure {
 // The values of some variables as the last cycles left them, as texts.
 struct LastCycles {
     QStringList names;
-    std::vector<qint64> cycles;     // their numbers from 1
+    std::vector<qint64> cycles;       // their numbers from 1
     std::vector<QStringList> values;  // of each cycle
 };
 

@@ -16,7 +16,8 @@ const QString COMMENT = QStringLiteral(
     "# Lines of numbers are rows: so many cycles are executed. <=20 is at most so many.\n"
     "# name    is set before the row          name?  is asked after it\n"
     "# name!   is asked in each of its cycles\n"
-    "# An empty cell leaves an input as it is and asks nothing. The values asked below are those\n"
+    "# An empty cell leaves an input as it is and asks nothing. The values asked below are "
+    "those\n"
     "# that the script gives: see whether they are right.\n");
 
 // Whether the script uses an object of the engine in that way, or by reference.
@@ -24,11 +25,12 @@ bool IsUsed(const Facts& facts, const Declaration& declaration, UseKind kind) {
     const bool isEngine = declaration.section == Section::EngineGlobal ||
                           declaration.section == Section::EngineRegister;
     return isEngine && std::any_of(facts.uses.begin(), facts.uses.end(), [&](const UseFact& use) {
-        const NameFact& name = facts.names[static_cast<std::size_t>(use.name)];
-        return (use.kind == kind || use.kind == UseKind::Reference) &&
-               name.kind == NameKind::Variable &&
-               FoldedName(facts.textOf(name.text).toString()) == FoldedName(declaration.name);
-    });
+               const NameFact& name = facts.names[static_cast<std::size_t>(use.name)];
+               return (use.kind == kind || use.kind == UseKind::Reference) &&
+                      name.kind == NameKind::Variable &&
+                      FoldedName(facts.textOf(name.text).toString()) ==
+                          FoldedName(declaration.name);
+           });
 }
 
 bool IsInput(const Facts& facts, const Declaration& declaration) {
@@ -59,8 +61,8 @@ std::vector<SkeletonColumn> ColumnsOf(const Loaded& loaded) {
     const auto add = [&](auto isWanted, const QString& mark) {
         for (std::size_t index = 0; index < declarations.size(); ++index) {
             if (isWanted(*loaded.facts, declarations[index])) {
-                columns.push_back({declarations[index].name + mark,
-                                   CellOf(machine, static_cast<int>(index))});
+                columns.push_back(
+                    {declarations[index].name + mark, CellOf(machine, static_cast<int>(index))});
             }
         }
     };

@@ -100,9 +100,9 @@ private:
 
     void takeLine(const CsvRow& row) {
         const CsvCell& word = row.cells.front();
-        const auto line =
-            std::find_if(lines().begin(), lines().end(),
-                         [&word](const Line& each) { return IsWord(word.text, each.word); });
+        const auto line = std::find_if(lines().begin(), lines().end(), [&word](const Line& each) {
+            return IsWord(word.text, each.word);
+        });
         if (line == lines().end()) {
             failUnknown(word);
             return;
@@ -112,8 +112,8 @@ private:
             return;
         }
         if (!text_.cases.empty() && line->word != QLatin1String("case")) {
-            fail(word.place, QStringLiteral("a line %1 stands above the first case")
-                                 .arg(Quoted(line->word)));
+            fail(word.place,
+                 QStringLiteral("a line %1 stands above the first case").arg(Quoted(line->word)));
             return;
         }
         (this->*line->take)(row);
@@ -131,8 +131,8 @@ private:
         }
         const QString expected =
             text_.cases.empty()
-                ? QStringLiteral("%1 or %2").arg(known.mid(1).join(QStringLiteral(", ")),
-                                                 known.front())
+                ? QStringLiteral("%1 or %2")
+                      .arg(known.mid(1).join(QStringLiteral(", ")), known.front())
                 : QStringLiteral("\"case\", \"cycles\", or a number of cycles such as 5 or <=5");
         fail(word.place, QStringLiteral("a line begins with %1, not with %2%3")
                              .arg(expected, Quoted(word.text), Proposal(word.text, known)));
@@ -191,8 +191,9 @@ private:
         const QByteArray type = row.cells[2].text.toUpper().toUtf8();
         object.type = TypeOf({type.constData(), static_cast<std::size_t>(type.size())});
         if (object.type == TYP_NONE || object.type >= TYP_STRING) {
-            fail(row.cells[2].place, QStringLiteral("a type is expected, such as INT or REAL, not %1")
-                                         .arg(Quoted(row.cells[2].text)));
+            fail(row.cells[2].place,
+                 QStringLiteral("a type is expected, such as INT or REAL, not %1")
+                     .arg(Quoted(row.cells[2].text)));
         }
         for (std::size_t at = firstNumber; at < row.cells.size(); ++at) {
             object.numbers.push_back(numberOf(row.cells[at]));
@@ -254,9 +255,10 @@ private:
             column.name = column.name.chopped(1).trimmed();
         }
         if (!IsName(column.name)) {
-            fail(cell.place, QStringLiteral("a column is called \"name\", \"name?\", \"name!\" or "
-                                            "\"force name\", not %1")
-                                 .arg(Quoted(cell.text)));
+            fail(cell.place,
+                 QStringLiteral("a column is called \"name\", \"name?\", \"name!\" or "
+                                "\"force name\", not %1")
+                     .arg(Quoted(cell.text)));
         }
         return column;
     }
@@ -279,8 +281,12 @@ private:
                                                     "of the columns stands above the rows"));
             return;
         }
-        TestRow read = {row.cells[0].place.line, static_cast<int>(text_.columns.size()) - 1,
-                        0, false, {}, {}};
+        TestRow read = {row.cells[0].place.line,
+                        static_cast<int>(text_.columns.size()) - 1,
+                        0,
+                        false,
+                        {},
+                        {}};
         takeCycles(row.cells[0], read);
         const std::size_t columns = text_.columns.back().size();
         if (row.cells.size() > columns + 1) {
@@ -304,17 +310,19 @@ private:
         row.isAtMost = !match.captured(1).isEmpty();
         row.cycles = match.captured(2).toInt();
         if (row.cycles < 1) {
-            fail(cell.place, QStringLiteral("a number of cycles from 1 on is expected, or the most "
-                                            "as <=5, not %1")
-                                 .arg(Quoted(cell.text)));
+            fail(cell.place,
+                 QStringLiteral("a number of cycles from 1 on is expected, or the most "
+                                "as <=5, not %1")
+                     .arg(Quoted(cell.text)));
         }
     }
 
     void expectQuestion(const CsvCell& cycles, const TestRow& row) {
         const auto isAtEnd = [this, &row](int column) {
-            return text_.columns[static_cast<std::size_t>(row.columns)]
-                                [static_cast<std::size_t>(column)]
-                                    .use == ColumnUse::AskAtEnd;
+            return text_
+                       .columns[static_cast<std::size_t>(row.columns)]
+                               [static_cast<std::size_t>(column)]
+                       .use == ColumnUse::AskAtEnd;
         };
         if (row.isAtMost && std::none_of(row.columnsOf.begin(), row.columnsOf.end(), isAtEnd)) {
             fail(cycles.place,

@@ -46,7 +46,7 @@ struct TestCase {
 
 // What the lines above the first case say.
 struct TestPreamble {
-    QString script;      // empty: the one beside the table
+    QString script;  // empty: the one beside the table
     Place scriptPlace;
     QString engineFile;  // with choices, empty if there is none
     Place enginePlace;

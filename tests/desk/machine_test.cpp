@@ -134,6 +134,7 @@ TEST(Machine, WholeNumbersHave64Bits) {
         {"d1 := 12 XOR 10;", "d1", "6"},
         {"s := 5; s1 := NOT s;", "s1", "-6"},
         {"us := 5; us1 := NOT us;", "us1", "250"},
+        {"s := 5; d1 := NOT (s * -100);", "d1", "-13"},
         {"y := 2 ** 62; y1 := 2.0 * (2 ** 62);", "y1", "9.223372036854776e+18"},
     });
 }
@@ -182,6 +183,11 @@ TEST(Machine, TypedWidthNarrowsEachResult) {
          {"width = typed", "overflow = saturate"}},
         {"d1 := 1 SHL 10;", "d1", "1024"},
         {"d1 := 1 SHL 10;", "d1", "0", {"shift-range 1"}, {"width = typed"}},
+        {"us := 1; s := 100; d1 := s ROR 255 * us;",
+         "d1",
+         "200",
+         {"store-overflow 1"},
+         {"width = typed"}},
     });
 }
 
@@ -513,6 +519,15 @@ TEST(Machine, ACycleThatDoesNotEndIsStopped) {
 // ---------------------------------------------------------------------------------------------
 
 constexpr const char* HEAD = "PROG: P VAR: x V INT 0 MAIN: ";
+
+TEST(Machine, AMissingDeclarationIsThatOfABool) {
+    const Executed run(QStringLiteral(
+        "PROGRAM P VAR on : BOOL := True; off : BOOL := False; x : INT := 0; END_VAR "
+        "IF NOT on THEN x := 1; on := TRUE; END_IF; END_PROGRAM"));
+    EXPECT_EQ(run.stop(), "");
+    EXPECT_EQ(run.text("x") + run.text("on"), "1TRUE");
+    EXPECT_EQ(run.variable("off"), NOWHERE);
+}
 
 TEST(Machine, UnsoundCodeStopsTheRun) {
     const char* const codes[] = {

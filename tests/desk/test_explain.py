@@ -87,7 +87,7 @@ def entries_on(text):
 
 
 # In the order of the list: the messages come first.
-NAMES = ("diagnostics", "reasons", "check", "lints", "verify")
+NAMES = ("diagnostics", "reasons", "check", "lints", "verify", "machine")
 PAGES = [MANUAL / f"{name}.md" for name in NAMES]
 ENTRIES = [entry for page in PAGES for entry in entries_on(page.read_text())]
 IDS = sorted({one for entry in ENTRIES for one in entry.ids})
