@@ -14,6 +14,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -161,10 +162,9 @@ Status StatusOf(const RunArguments& arguments, const RunPlan& plan, const Machin
 }
 
 std::vector<int> VariablesOf(const std::vector<Setting>& settings) {
-    std::vector<int> variables;
-    for (const Setting& setting : settings) {
-        variables.push_back(setting.variable);
-    }
+    std::vector<int> variables(settings.size());
+    std::transform(settings.begin(), settings.end(), variables.begin(),
+                   [](const Setting& setting) { return setting.variable; });
     return variables;
 }
 

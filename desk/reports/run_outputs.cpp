@@ -9,14 +9,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 namespace {
 
 constexpr std::size_t MOST_PIECES = 2000;  // of a series in a chart
 
-std::unique_ptr<WholeFile> FileFor(const QString& path) {
-    const bool isWanted = !path.isEmpty() && path != QLatin1String(STANDARD_INPUT);
-    return isWanted ? std::make_unique<WholeFile>(path) : nullptr;
+void OpenIfNamed(std::optional<WholeFile>& file, const QString& path) {
+    if (!path.isEmpty() && path != QLatin1String(STANDARD_INPUT)) {
+        file.emplace(path);
+    }
 }
 
 // A test can ask for no real that is not finite.
@@ -34,9 +36,9 @@ RunOutputs::RunOutputs(const RunFiles& files, const RunDescription& description,
                        const CodeUnit& program)
     : description_(description),
       program_(program),
-      isTraceShown_(files.trace == QLatin1String(STANDARD_INPUT)),
-      trace_(FileFor(files.trace)),
-      chart_(FileFor(files.chart)) {
+      isTraceShown_(files.trace == QLatin1String(STANDARD_INPUT)) {
+    OpenIfNamed(trace_, files.trace);
+    OpenIfNamed(chart_, files.chart);
     writeTrace(
         TraceHead(description.script, description.choices, namesOf(description.variables)));
     for (const int variable : description.variables) {
@@ -49,8 +51,8 @@ RunOutputs::RunOutputs(const RunFiles& files, const RunDescription& description,
 }
 
 QString RunOutputs::failure() const {
-    const std::initializer_list<const WholeFile*> files = {trace_.get(), chart_.get(),
-                                                           test_ ? &test_->file : nullptr};
+    const std::initializer_list<const WholeFile*> files = {
+        trace_ ? &*trace_ : nullptr, chart_ ? &*chart_ : nullptr, test_ ? &test_->file : nullptr};
     const auto* const failed =
         std::find_if(files.begin(), files.end(),
                      [](const WholeFile* file) { return file != nullptr && !file->isFine(); });
@@ -82,7 +84,7 @@ void RunOutputs::writeTrace(std::string_view text) {
 }
 
 void RunOutputs::beginTest(const QString& path) {
-    test_.reset(new TestFile{WholeFile(path), std::nullopt, {}, {}, {}});
+    test_.emplace(path);
     const int count = static_cast<int>(program_.declarations.size());
     for (int variable = 0; variable < count; ++variable) {
         const std::vector<int>& set = description_.columns;

@@ -10,7 +10,6 @@
 
 #include <QStringList>
 
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -46,6 +45,8 @@ public:
 
 private:
     struct TestFile {
+        explicit TestFile(const QString& path) : file(path) {}
+
         WholeFile file;
         std::optional<TestTable> table;
         std::vector<int> inputs;
@@ -56,9 +57,9 @@ private:
     RunDescription description_;
     const CodeUnit& program_;
     bool isTraceShown_;
-    std::unique_ptr<WholeFile> trace_;
-    std::unique_ptr<WholeFile> chart_;
-    std::unique_ptr<TestFile> test_;
+    std::optional<WholeFile> trace_;
+    std::optional<WholeFile> chart_;
+    std::optional<TestFile> test_;
     std::vector<ChartSeries> series_;
     quint32 tick_ = 0;  // during the cycle
 

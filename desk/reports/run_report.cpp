@@ -5,6 +5,7 @@
 #include "reports/output.h"
 #include "reports/terminal_text.h"
 
+#include "qyx_text.h"
 #include "qyx_types.h"
 
 #include <QStringList>
@@ -16,18 +17,18 @@ namespace {
 
 // What a note says, in the order of Check.
 constexpr QLatin1String NOTES[] = {
-    QLatin1String("a whole number does not fit"),
-    QLatin1String("a whole number is divided by 0"),
-    QLatin1String("a real is not finite"),
-    QLatin1String("a real loses its fraction"),
-    QLatin1String("a whole number and a real are divided"),
-    QLatin1String("a shift goes beyond the operand"),
-    QLatin1String("values are left on the stack"),
-    QLatin1String("values are left on the stack"),
-    QLatin1String("the stack holds no value"),
-    QLatin1String("the unit has not ended"),
-    QLatin1String("the cycle does not end"),
-    QLatin1String("the variable is read before it has a value"),
+    "a whole number does not fit"_L1,
+    "a whole number is divided by 0"_L1,
+    "a real is not finite"_L1,
+    "a real loses its fraction"_L1,
+    "a whole number and a real are divided"_L1,
+    "a shift goes beyond the operand"_L1,
+    "values are left on the stack"_L1,
+    "values are left on the stack"_L1,
+    "the stack holds no value"_L1,
+    "the unit has not ended"_L1,
+    "the cycle does not end"_L1,
+    "the variable is read before it has a value"_L1,
 };
 
 QString TimesText(qint64 count) {
@@ -157,6 +158,7 @@ void PrintFault(const Loaded& loaded, const CodeFault& fault) {
 void PrintVariables(const CodeUnit& program, const std::vector<int>& variables,
                     const Machine& machine) {
     std::vector<TableRow> rows;
+    rows.reserve(variables.size());
     for (const int variable : variables) {
         rows.push_back(RowOf(program.declarations[static_cast<std::size_t>(variable)],
                              machine.value(variable)));
