@@ -273,7 +273,8 @@ function setPaper(isPaper) {
 
 function describe() {
     const tail = piece > 1
-        ? ` Of every ${count(piece, "cycle")} the first, least, greatest and last value is drawn.` : "";
+        ? ` Of every ${count(piece, "cycle")} the first, least, greatest and last value is drawn.`
+        : "";
     element("about").textContent = `${count(cycles, "cycle")}, ${count(tick, "tick")} each.${tail}`;
 }
 

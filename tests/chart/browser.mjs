@@ -112,8 +112,9 @@ test("a long run is thinned without losing its extremes", async () => {
     await open("peaks");
     assert.ok((await page.$eval("#about", (line) => line.textContent))
         .includes("Of every 64 cycles the first, least, greatest and last value is drawn."));
-    for (const [at, level] of [[33333, "500"], [77777, "-500"], [77778, "-500 … 0"], [50001, "0"]]) {
-        await page.evaluate((where) => setCursor(where), at);
+    const levels = { 33333: "500", 77777: "-500", 77778: "-500 … 0", 50001: "0" };
+    for (const [at, level] of Object.entries(levels)) {
+        await page.evaluate((where) => setCursor(where), Number(at));
         assert.equal((await values()).level, level);
     }
     const [[least, greatest]] = await page.evaluate(() => panels[0].graph.yAxisRanges());
@@ -255,7 +256,8 @@ for (const name of charts) {
             await page.evaluate(axe);
             const { violations } = await page.evaluate(() => axe.run({ preload: false }));
             for (const { id, nodes } of violations) context.diagnostic(`${id}: ${nodes[0].html}`);
-            const grave = violations.filter(({ impact }) => ["serious", "critical"].includes(impact));
+            const grave = violations
+                .filter(({ impact }) => ["serious", "critical"].includes(impact));
             assert.deepEqual(grave.map(({ id }) => id), []);
             assert.deepEqual(wrong, []);
         });

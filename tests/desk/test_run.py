@@ -295,7 +295,8 @@ class Options(RunTestCase):
         arguments = ["--engine=engine.txt", "--set=step=20000", "--cycles=3"]
         self.assertEqual(self.totals(*arguments), [20000, 20000, 20000])
         trace = self.fine("counter.st", "--trace=-", *arguments)
-        self.assertIn("# engine: overflow = saturate\n# engine: program-variables = initial\n", trace)
+        choices = "# engine: overflow = saturate\n# engine: program-variables = initial\n"
+        self.assertIn(choices, trace)
 
     def test_engine_is_checked(self):
         self.write("engine.txt", b"width = typed\noverflow = sat\n")
@@ -345,7 +346,10 @@ class Inputs(RunTestCase):
 
     def test_bad_cells(self):
         for data, complaint in (
-            (b"cycles,stp\n", 'line 1, column 8: the program has no variable "stp"; near it: step'),
+            (
+                b"cycles,stp\n",
+                'line 1, column 8: the program has no variable "stp"; near it: step',
+            ),
             (
                 b"cycles,step,reset\n1,2,3\n",
                 'line 2, column 5: reset is BOOL, so it takes TRUE or FALSE, not "3"',

@@ -79,7 +79,8 @@ class Interrupts(FilesTestCase):
             (self.folder / name).unlink()
 
     def test_a_second_signal_ends_it_at_once(self):
-        self.write("loop.st", LOOP.replace(b"    count :=", b"    WHILE TRUE DO END_WHILE; count :="))
+        endless = b"    WHILE TRUE DO END_WHILE; count :="
+        self.write("loop.st", LOOP.replace(b"    count :=", endless))
         process = self.start("--check=scan-limit=off")
         wait_for(lambda: not is_default(process.pid, signal.SIGINT))
         process.send_signal(signal.SIGINT)
