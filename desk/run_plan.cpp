@@ -128,7 +128,6 @@ QString WhatIsWrongWith(const OutputOption& output, const std::vector<OutputOpti
 
 }  // namespace
 
-
 QString ReadPlan(const RunArguments& arguments, const CodeUnit& program, RunPlan& plan) {
     QString fault = ReadFile(arguments.engine, [&plan](const QByteArray& text) {
         return SetChoices(plan.profile, text);

@@ -5,9 +5,8 @@
 #include "machine/test_skeleton.h"
 #include "options.h"
 #include "reports/make_report.h"
-#include "reports/run_report.h"
+#include "reports/make_test_report.h"
 #include "reports/terminal_text.h"
-#include "reports/test_report.h"
 #include "subcommands.h"
 
 #include <QDir>
@@ -27,6 +26,7 @@ namespace {
 
 struct TestArguments {
     std::vector<std::string> paths;
+    TestFormat format = TestFormat::Human;
     TestReportOptions report;
     ColorWish color = ColorWish::Auto;
     std::string caseText;
@@ -77,9 +77,9 @@ void Fail(TestedFile& tested, Place place, const QString& message) {
 bool ReadEngine(const TestPreamble& preamble, TestJob& job) {
     if (!preamble.engineFile.isEmpty()) {
         const Input input = ReadInput(BesideTable(job.tested.path, preamble.engineFile));
-        const QString fault =
-            input.source ? SetChoices(job.subject.profile, input.source->text().toUtf8())
-                         : input.failure;
+        const QString fault = input.source
+                                  ? SetChoices(job.subject.profile, input.source->text().toUtf8())
+                                  : input.failure;
         if (!fault.isEmpty()) {
             Fail(job.tested, preamble.enginePlace,
                  preamble.engineFile + QStringLiteral(": ") + fault);
@@ -238,13 +238,14 @@ void ReportCoverage(const std::vector<TestJob>& jobs, TestReport& report) {
     }
     for (const auto& [path, script] : scripts) {
         const Loaded& loaded = *script.first;
-        report.coverage({loaded.source, CoverageOf(loaded.source, *loaded.facts, loaded.code,
-                                                   script.second)});
+        report.coverage({loaded.source,
+                         CoverageOf(loaded.source, *loaded.facts, loaded.code, script.second)});
     }
 }
 
-Status ReportAll(const std::vector<TestJob>& jobs, const TestReportOptions& options) {
-    const std::unique_ptr<TestReport> report = MakeTestReport(options);
+Status ReportAll(const std::vector<TestJob>& jobs, const TestArguments& arguments) {
+    const TestReportOptions& options = arguments.report;
+    const std::unique_ptr<TestReport> report = MakeTestReport(arguments.format, options);
     TestSummary summary;
     bool hasFailures = false;
     report->begin();
@@ -260,14 +261,14 @@ Status ReportAll(const std::vector<TestJob>& jobs, const TestReportOptions& opti
         ReportCoverage(jobs, *report);
     }
     report->end(summary);
-    return hasFailures                                 ? STATUS_FAILED
+    return hasFailures                                ? STATUS_FAILED
            : summary.failed > 0 || summary.broken > 0 ? STATUS_NOT_FINE
-                                                       : STATUS_FINE;
+                                                      : STATUS_FINE;
 }
 
 Status RunTests(const TestArguments& arguments) {
-    const FoundFiles found = FindFiles(ListOf(arguments.paths), {QStringLiteral("test")},
-                                       QStringLiteral("tests"));
+    const FoundFiles found =
+        FindFiles(ListOf(arguments.paths), {QStringLiteral("test")}, QStringLiteral("tests"));
     for (const QString& failure : found.failures) {
         Complain(failure);
     }
@@ -278,7 +279,7 @@ Status RunTests(const TestArguments& arguments) {
         return STATUS_FAILED;
     }
     Execute(jobs, arguments.jobs);
-    const Status status = ReportAll(jobs, arguments.report);
+    const Status status = ReportAll(jobs, arguments);
     return found.failures.isEmpty() ? status : STATUS_FAILED;
 }
 
@@ -290,7 +291,8 @@ Status ReportUnready(const Loaded& loaded, const QString& script, bool hasColors
     const std::optional<FileReport> errors = ErrorsOf(script);
     if (!loaded.failure.isEmpty() || !loaded.facts || !errors) {
         const QString why = QStringLiteral("is no script");
-        Complain(script + QStringLiteral(": ") + (loaded.failure.isEmpty() ? why : loaded.failure));
+        Complain(script + QStringLiteral(": ") +
+                 (loaded.failure.isEmpty() ? why : loaded.failure));
         return STATUS_FAILED;
     }
     MakeReport({ReportFormat::Human, hasColors, true})->file(*errors);
@@ -332,7 +334,7 @@ Status WriteNew(const TestArguments& arguments) {
 Status RunTest(TestArguments arguments) {
     TestReportOptions& report = arguments.report;
     report.hasColors = HasColors(arguments.color, STDOUT_FILENO);
-    if (report.coverage != CoverageForm::None && report.format == TestFormat::Junit) {
+    if (report.coverage != CoverageForm::None && arguments.format == TestFormat::Junit) {
         Complain(QStringLiteral("--coverage has no place in --format=junit"));
         return STATUS_FAILED;
     }
@@ -345,16 +347,17 @@ Runner DeclareTest(CLI::App& command) {
     const auto arguments = std::make_shared<TestArguments>();
     const std::map<std::string, TestFormat> formats(std::begin(TEST_FORMATS),
                                                     std::end(TEST_FORMATS));
-    const std::map<std::string, CoverageForm> forms = {{"summary", CoverageForm::Summary},
+    const std::map<std::string, CoverageForm> forms = {{"none", CoverageForm::None},
+                                                       {"summary", CoverageForm::Summary},
                                                        {"listing", CoverageForm::Listing}};
     command
         .add_option("PATH", arguments->paths,
                     "Tables of tests, or folders of them; - is standard input")
         ->required();
-    AddChoiceOption(command, "--format", arguments->report.format, formats, "FORMAT",
+    AddChoiceOption(command, "--format", arguments->format, formats, "FORMAT",
                     "How it is shown: human, tap or junit");
     AddChoiceOption(command, "--coverage", arguments->report.coverage, forms, "FORM",
-                    "What was executed of the scripts: summary or listing");
+                    "What was executed of the scripts: none, summary or listing");
     command.add_option("--case", arguments->caseText, "Only cases with this text in their names")
         ->option_text("TEXT");
     command.add_flag("--strict", arguments->report.isStrict, "A case with notes has failed");

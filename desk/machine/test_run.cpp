@@ -1,7 +1,10 @@
 #include "machine/test_run.h"
 
+#include "machine/machine.h"
+
 #include <algorithm>
 #include <deque>
+#include <map>
 
 namespace {
 
@@ -46,7 +49,8 @@ private:
     const PlannedCase& planned_;
     Machine machine_;
     CaseResult result_;
-    std::vector<int> variables_;  // that are remembered
+    std::map<int, Value> inputs_;  // of VAR_INPUT, which come in before each cycle
+    std::vector<int> variables_;   // that are remembered
     std::deque<PastCycle> past_;
 
     void runRow(const PlannedRow& row) {
@@ -84,11 +88,24 @@ private:
             machine_.force(variable, value);
         } else {
             machine_.set(variable, value);
+            feed(variable, value);
+        }
+    }
+
+    // From now on the input has that value again before each cycle, whatever the script stores.
+    void feed(int variable, const Value& value) {
+        const Declaration& declaration =
+            subject_.code.program().declarations[static_cast<std::size_t>(variable)];
+        if (declaration.section == Section::Input) {
+            inputs_[variable] = value;
         }
     }
 
     // False if the case has failed.
     bool executeCycle(const PlannedRow& row) {
+        for (const auto& [variable, value] : inputs_) {
+            machine_.set(variable, value);
+        }
         const bool isWhole = machine_.cycle();
         past_.push_back({machine_.cycles() + (isWhole ? 0 : 1), {}});
         for (const int variable : variables_) {

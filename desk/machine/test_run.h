@@ -2,8 +2,8 @@
 #pragma once
 
 #include "machine/load.h"
-#include "machine/machine.h"
 #include "machine/test_plan.h"
+#include "machine/watch.h"
 
 #include <optional>
 #include <vector>

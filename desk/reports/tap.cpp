@@ -9,7 +9,9 @@ namespace {
 
 // A description: "#" would begin a directive.
 QString Described(const QString& text) {
-    return Harmless(text).replace(u'\\', QStringLiteral("\\\\")).replace(u'#', QStringLiteral("\\#"));
+    return Harmless(text)
+        .replace(u'\\', QStringLiteral("\\\\"))
+        .replace(u'#', QStringLiteral("\\#"));
 }
 
 QString YamlText(const QString& text) {
@@ -39,9 +41,7 @@ public:
         comment(CoverageLines(script, options_.coverage));
     }
 
-    void end(const TestSummary&) override {
-        Print(QStringLiteral("1..%1\n").arg(number_));
-    }
+    void end(const TestSummary&) override { Print(QStringLiteral("1..%1\n").arg(number_)); }
 
 private:
     TestReportOptions options_;
@@ -68,7 +68,7 @@ private:
     }
 
     static void printBlock(const TestedFile& file, int line, const QStringList& failures,
-                      const QStringList& last) {
+                           const QStringList& last) {
         QString text = QStringLiteral("  ---\n  file: ") + YamlText(file.path) + u'\n';
         if (line > 0) {
             text += QStringLiteral("  line: %1\n").arg(line);
@@ -80,7 +80,8 @@ private:
 
     // No line begins with a blank, which would be taken for the indentation.
     static QString block(const QString& key, const QStringList& lines) {
-        QString text = lines.isEmpty() ? QString() : QStringLiteral("  ") + key + QStringLiteral(": |\n");
+        QString text =
+            lines.isEmpty() ? QString() : QStringLiteral("  ") + key + QStringLiteral(": |\n");
         for (const QString& line : lines) {
             text += QStringLiteral("    ") + line + u'\n';
         }

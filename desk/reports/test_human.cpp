@@ -95,11 +95,10 @@ void HumanTestReport::countOf(const TestedFile& file) const {
         return;
     }
     const QString count =
-        summary.failed == 0
-            ? painted(GREEN, CasesText(summary.cases) + QStringLiteral(" passed"))
-            : painted(RED, QStringLiteral("%1 of %2 failed")
-                               .arg(summary.failed)
-                               .arg(CasesText(summary.cases)));
+        summary.failed == 0 ? painted(GREEN, CasesText(summary.cases) + QStringLiteral(" passed"))
+                            : painted(RED, QStringLiteral("%1 of %2 failed")
+                                               .arg(summary.failed)
+                                               .arg(CasesText(summary.cases)));
     Print(QStringLiteral("%1: %2\n").arg(Harmless(file.path), count));
 }
 

@@ -1,8 +1,10 @@
 #include "reports/test_report.h"
 
-#include "reports/test_text.h"
-
 #include <algorithm>
+
+bool HasFailed(const CaseResult& result, bool isStrict) {
+    return result.failure || (isStrict && !result.notes.empty());
+}
 
 void TestSummary::add(const TestedFile& file, bool isStrict) {
     ++files;
@@ -11,15 +13,4 @@ void TestSummary::add(const TestedFile& file, bool isStrict) {
     failed += static_cast<int>(std::count_if(
         file.cases.begin(), file.cases.end(),
         [isStrict](const CaseResult& result) { return HasFailed(result, isStrict); }));
-}
-
-std::unique_ptr<TestReport> MakeTestReport(const TestReportOptions& options) {
-    switch (options.format) {
-        case TestFormat::Tap:
-            return MakeTapReport(options);
-        case TestFormat::Junit:
-            return MakeJunitReport(options);
-        default:
-            return MakeHumanTestReport(options);
-    }
 }

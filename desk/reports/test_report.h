@@ -8,9 +8,7 @@
 
 #include <QStringList>
 
-#include <memory>
 #include <optional>
-#include <utility>
 #include <vector>
 
 // A table and what came of it.
@@ -29,19 +27,17 @@ struct CoveredScript {
     Coverage coverage;
 };
 
-enum class TestFormat : unsigned char { Human, Tap, Junit };
-inline constexpr std::pair<const char*, TestFormat> TEST_FORMATS[] = {
-    {"human", TestFormat::Human}, {"tap", TestFormat::Tap}, {"junit", TestFormat::Junit}};
-
 enum class CoverageForm : unsigned char { None, Summary, Listing };
 
+// How results are shown.
 struct TestReportOptions {
-    TestFormat format = TestFormat::Human;
     CoverageForm coverage = CoverageForm::None;
-    bool hasColors = false;  // Human
+    bool hasColors = false;  // for a person
     bool isQuiet = false;    // what has failed, nothing else
     bool isStrict = false;   // a case with notes has failed
 };
+
+bool HasFailed(const CaseResult& result, bool isStrict);
 
 struct TestSummary {
     int files = 0;
@@ -65,5 +61,3 @@ public:
     virtual void coverage(const CoveredScript&) {}
     virtual void end(const TestSummary&) {}
 };
-
-std::unique_ptr<TestReport> MakeTestReport(const TestReportOptions& options);

@@ -56,8 +56,8 @@ QStringList Aligned(const std::vector<QStringList>& rows) {
 // Coverage
 // ---------------------------------------------------------------------------------------------
 
-// "12, 14-16": lines with statements that were not executed. A line without statements between
-// two of them does not part them.
+// "lines 12, 14-16": those with statements that were not executed. A line without statements
+// between two of them does not part them.
 QString MissedText(const Coverage& coverage) {
     QStringList ranges;
     int first = 0;
@@ -78,7 +78,9 @@ QString MissedText(const Coverage& coverage) {
         last = line.line;
     }
     close();
-    return ranges.join(QStringLiteral(", "));
+    const bool isOne = ranges.size() == 1 && !ranges.front().contains(u'-');
+    const QString numbers = ranges.join(QStringLiteral(", "));
+    return numbers.isEmpty() ? numbers : (isOne ? "line " : "lines ") + numbers;
 }
 
 QString CoverageSummary(const CoveredScript& script) {
@@ -92,7 +94,7 @@ QString CoverageSummary(const CoveredScript& script) {
                .arg(coverage.executed())
                .arg(statements) +
            QString::number(percent) + u'%' +
-           (missed.isEmpty() ? QString() : QStringLiteral("; not all on lines ") + missed);
+           (missed.isEmpty() ? QString() : QStringLiteral("; not all on ") + missed);
 }
 
 // What stands before a line of the script: how often it was executed.
@@ -109,24 +111,21 @@ QStringList CoverageListing(const CoveredScript& script) {
     for (int number = 1; number <= script.source.lineCount(); ++number) {
         const bool hasStatements =
             covered != script.coverage.lines.end() && covered->line == number;
-        rows.push_back({hasStatements ? CountText(*covered) : QString(),
-                        QString::number(number)});
+        rows.push_back(
+            {hasStatements ? CountText(*covered) : QString(), QString::number(number)});
         covered += hasStatements ? 1 : 0;
     }
     QStringList lines = Aligned(rows);
     for (int index = 0; index < lines.size(); ++index) {
         const QString text =
             script.source.text(script.source.lineAt(index + 1)).toString().replace(u'\t', u' ');
-        lines[index] += QStringLiteral(" |") + (text.isEmpty() ? QString() : u' ' + Harmless(text));
+        lines[index] +=
+            QStringLiteral(" |") + (text.isEmpty() ? QString() : u' ' + Harmless(text));
     }
     return lines;
 }
 
 }  // namespace
-
-bool HasFailed(const CaseResult& result, bool isStrict) {
-    return result.failure || (isStrict && !result.notes.empty());
-}
 
 QStringList FailureLines(const TestedFile& file, const CaseResult& result, bool isStrict) {
     QStringList lines;

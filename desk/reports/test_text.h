@@ -5,11 +5,11 @@
 
 #include <QStringList>
 
+#include <memory>
+
 std::unique_ptr<TestReport> MakeHumanTestReport(const TestReportOptions& options);
 std::unique_ptr<TestReport> MakeTapReport(const TestReportOptions& options);
 std::unique_ptr<TestReport> MakeJunitReport(const TestReportOptions& options);
-
-bool HasFailed(const CaseResult& result, bool isStrict);
 
 // What has failed in one line each: "path:line:column: step? is 2 after cycle 57, not 3". Notes
 // are among them only if they make a case fail.

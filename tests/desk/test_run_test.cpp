@@ -1,7 +1,7 @@
 // Cases of tests as they are executed: what is put in, what is asked and when, how they fail.
 
-#include "machine/coverage.h"
 #include "machine/test_run.h"
+#include "machine/coverage.h"
 #include "machine/test_skeleton.h"
 
 #include <QFile>
@@ -96,6 +96,16 @@ TEST(TestRun, WhatIsPutInStaysUntilItIsSetAgain) {
     EXPECT_EQ(FailedRows("cycles, step, sum?\n1, 2, 2\n2, , 6\n1, 1, 7\n"), "");
 }
 
+TEST(TestRun, InputsComeInBeforeEachCycle) {
+    TestSubject subject;
+    subject.code = LoadText(
+                       "PROGRAM P\nVAR_INPUT\n a : INT;\nEND_VAR\nVAR\n b : INT := 0;\n"
+                       "END_VAR\n b := b + a;\n a := 0;\nEND_PROGRAM\n")
+                       .code;
+    EXPECT_EQ(Failed(ResultOf("case, one\ncycles, a, b?\n2, 3, 6\n2, , 12\n", subject)), "");
+    EXPECT_EQ(Failed(ResultOf("case, one\ncycles, b, b?\n2, 3, 3\n", subject)), "");
+}
+
 TEST(TestRun, AskedAfterTheLastCycle) {
     EXPECT_EQ(FailedRows("cycles, count?\n3, 3\n1, 4\n"), "");
     EXPECT_EQ(FailedRows("cycles, count?\n3, 2\n"), "count? 3/2 line 3 cycle 3");
@@ -144,8 +154,9 @@ TEST(TestRun, WithTheChoiceCounterTickIsTheCounter) {
 TEST(TestRun, EachCaseBeginsAnew) {
     TestSubject subject;
     subject.code = LoadText(COUNTER).code;
-    const TestPlan plan = PlanTests(
-        ReadTestText("case, one\ncycles, count?\n4, 4\ncase, two\n1, 1\n"), subject.code.program());
+    const TestPlan plan =
+        PlanTests(ReadTestText("case, one\ncycles, count?\n4, 4\ncase, two\n1, 1\n"),
+                  subject.code.program());
     EXPECT_EQ(Failed(RunCase(subject, plan.cases[0])), "");
     EXPECT_EQ(Failed(RunCase(subject, plan.cases[1])), "");
 }
@@ -247,10 +258,11 @@ END_VAR
     END_REPEAT;
 END_PROGRAM
 )";
-    EXPECT_THAT(LinesOf(CoverageOfRows(script, "cycles, n?\n1, 1\n")),
-                ElementsAre("6: 2/3 x1", "7: 1/1 x1", "8: 1/1 x1", "9: 0/1 x0", "10: 0/1 x0",
-                            "12: 0/1 x0", "14: 1/1 x1", "15: 1/1 x3", "16: 0/1 x0", "19: 1/1 x1",
-                            "20: 2/2 x1", "21: 0/2 x0", "23: 0/1 x0", "26: 1/1 x2", "27: 1/1 x2"));
+    EXPECT_THAT(
+        LinesOf(CoverageOfRows(script, "cycles, n?\n1, 1\n")),
+        ElementsAre("6: 2/3 x1", "7: 1/1 x1", "8: 1/1 x1", "9: 0/1 x0", "10: 0/1 x0",
+                    "12: 0/1 x0", "14: 1/1 x1", "15: 1/1 x3", "16: 0/1 x0", "19: 1/1 x1",
+                    "20: 2/2 x1", "21: 0/2 x0", "23: 0/1 x0", "26: 1/1 x2", "27: 1/1 x2"));
 }
 
 TEST(TestCoverage, WithoutItNothingIsCounted) {
@@ -283,12 +295,13 @@ END_PROGRAM
     const Loaded loaded = LoadText(script);
     const QString table = SkeletonOf(loaded, QStringLiteral("a, b.st"));
     const QString rows = table.mid(table.indexOf(QStringLiteral("script,")));
-    EXPECT_EQ(rows.toStdString(), "script, \"a, b.st\"\n"
-                                  "tick, 100\n"
-                                  "\n"
-                                  "case, the first cycle\n"
-                                  "cycles, level, asked, full?, ratio?, told?\n"
-                                  "1,      0.0,   0,     TRUE,  ,       5\n");
+    EXPECT_EQ(rows.toStdString(),
+              "script, \"a, b.st\"\n"
+              "tick, 100\n"
+              "\n"
+              "case, the first cycle\n"
+              "cycles, level, asked, full?, ratio?, told?\n"
+              "1,      0.0,   0,     TRUE,  ,       5\n");
     TestSubject subject;
     subject.code = loaded.code;
     EXPECT_EQ(Failed(ResultOf(table.toUtf8(), subject)), "");

@@ -50,8 +50,8 @@ Read ReadTable(const QByteArray& table) {
 
 // A table with one case of one row below those columns.
 QByteArray Row(const char* columns, const char* cells, const char* separator = ",") {
-    QByteArray table = QByteArray("script, p.st\ncase, one\ncycles, ") + columns + "\n1, " +
-                       cells + "\n";
+    QByteArray table =
+        QByteArray("script, p.st\ncase, one\ncycles, ") + columns + "\n1, " + cells + "\n";
     return table.replace(',', separator);
 }
 
@@ -131,7 +131,8 @@ TEST(TestTable, CyclesOfARow) {
 }
 
 TEST(TestTable, ColumnsSayWhatTheirCellsDo) {
-    const PlannedRow row = RowOf(Row("count, force flag, total?, level!, TICK", "1, TRUE, 2, 3.0, 9"));
+    const PlannedRow row =
+        RowOf(Row("count, force flag, total?, level!, TICK", "1, TRUE, 2, 3.0, 9"));
     ASSERT_EQ(row.settings.size(), 3U);
     EXPECT_EQ(row.settings[0].use, ColumnUse::Set);
     EXPECT_EQ(row.settings[1].use, ColumnUse::Force);
@@ -157,8 +158,8 @@ TEST(TestTable, EmptyCellsDoNothing) {
 }
 
 TEST(TestTable, ColumnsHoldForTheCasesBelow) {
-    const Read read = ReadTable(
-        "case, one\ncycles, count?\n1, 0\ncase, two\n1, 5\ncycles, flag?\n2, TRUE\n");
+    const Read read =
+        ReadTable("case, one\ncycles, count?\n1, 0\ncase, two\n1, 5\ncycles, flag?\n2, TRUE\n");
     EXPECT_EQ(read.fault, "");
     ASSERT_EQ(read.plan.cases.size(), 2U);
     const std::vector<PlannedRow>& rows = read.plan.cases[1].rows;
@@ -178,10 +179,9 @@ struct Expected {
 };
 
 Value ValueOf(Typ type, double number) {
-    return type < TYP_REAL ? Value::Whole(type, static_cast<qint64>(number))
-           : type == TYP_REAL
-               ? Value::Real(type, static_cast<double>(static_cast<float>(number)))
-               : Value::Real(type, number);
+    return type < TYP_REAL    ? Value::Whole(type, static_cast<qint64>(number))
+           : type == TYP_REAL ? Value::Real(type, static_cast<double>(static_cast<float>(number)))
+                              : Value::Real(type, number);
 }
 
 bool HoldsFor(const TestQuestion& question, double number) {
@@ -240,7 +240,8 @@ TEST(TestTable, NoNumberIsNothingButDifferent) {
 TEST(TestTable, SpreadsheetsWriteTablesInManyWays) {
     const std::vector<QByteArray> tables = {
         "case, one\ncycles, level, count?\n2, 1.5, 3\n",
-        "\xEF\xBB\xBF" "case,one\r\ncycles,level,count?\r\n2,1.5,3\r\n",
+        "\xEF\xBB\xBF"
+        "case,one\r\ncycles,level,count?\r\n2,1.5,3\r\n",
         "case;one;;\ncycles;level;count?;\n2;1,5;3;\n",
         "case,one,,,\n,,,,\ncycles,level,count?,,\n2,1.5,3,,\n,,,,\n",
         "\"case\",\"one\"\n\"cycles\",\"level\",\"count?\"\n\"2\",\"1.5\",\"3\"",
@@ -292,14 +293,12 @@ TEST(TestTable, WrongLinesAreRefused) {
          "line 1, column 1: a line begins with script, tick, engine, check, global, register, "
          "case or cycles, not with \"scrpt\"; near it: script"},
         {Below("script"), "line 1, column 1: the line has the form \"script, FILE\""},
-        {Below("script, a.st, b.st"),
-         "line 1, column 1: the line has the form \"script, FILE\""},
+        {Below("script, a.st, b.st"), "line 1, column 1: the line has the form \"script, FILE\""},
         {Below("check, , note"),
          "line 1, column 1: the line has the form \"check, NAME, ACTION\""},
         {Below("script, a.st\nscript, b.st"),
          "line 2, column 1: the table has a line \"script\" already"},
-        {Below("tick, -1"),
-         "line 1, column 7: a whole number of ticks is expected, not \"-1\""},
+        {Below("tick, -1"), "line 1, column 7: a whole number of ticks is expected, not \"-1\""},
         {Below("tick, soon"),
          "line 1, column 7: a whole number of ticks is expected, not \"soon\""},
         {Below("engine, overflow = soft"),
@@ -319,8 +318,7 @@ TEST(TestTable, WrongLinesAreRefused) {
          "line 1, column 1: the line has the form \"global, NAME, TYPE, NUMBER\""},
         {Below("global, Count, INT, 3"),
          "line 1, column 9: the program has a variable \"Count\" already"},
-        {Below("global, x, INT, 7"),
-         "line 1, column 9: this object has the name \"g\" already"},
+        {Below("global, x, INT, 7"), "line 1, column 9: this object has the name \"g\" already"},
         {Below("global, x, INT, 8\nglobal, y, INT, 8"),
          "line 2, column 9: this object has the name \"x\" already"},
         {"case, one\ncycles, count?\n1, 0\ntick, 5\n",

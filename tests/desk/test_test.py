@@ -290,7 +290,7 @@ class Coverage(TestTestCase):
         shown = self.shown(FINE, "--coverage=summary", "--case=full", "tank.test")
         self.assertEqual(
             shown.splitlines()[-1],
-            "tank.st: 4 of 5 statements executed, 80%; not all on lines 16",
+            "tank.st: 4 of 5 statements executed, 80%; not all on line 16",
         )
 
     def test_listing(self):
