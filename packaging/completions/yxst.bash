@@ -26,6 +26,16 @@ _yxst_scripts() {
     compgen -f -X '!*.[sS][tT]' -- "$1"
 }
 
+# Tables of tests, and after --new the scripts that get one.
+_yxst_tables() {
+    if [[ " ${COMP_WORDS[*]} " == *" --new "* ]]; then
+        _yxst_scripts "$1"
+    else
+        compgen -d -- "$1"
+        compgen -f -X '!*.test' -- "$1"
+    fi
+}
+
 _yxst() {
     local word=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD-1]} each
     local -a command=() offered=()
@@ -55,6 +65,9 @@ _yxst() {
             mapfile -t offered < <("${COMP_WORDS[0]}" explain 2>/dev/null | sed -nE '/^[a-z-]+$/p' | sort -u)
         elif [[ ${command[0]} == check || ${command[0]} == facts || ${command[0]} == fmt ]]; then
             mapfile -t COMPREPLY < <(_yxst_scripts "$word")
+            return
+        elif [[ ${command[0]} == test ]]; then
+            mapfile -t COMPREPLY < <(_yxst_tables "$word")
             return
         else
             mapfile -t COMPREPLY < <(compgen -f -- "$word")

@@ -66,4 +66,8 @@ complete -c yxst -n "string match -q -- '-*' (commandline -ct)" -a "(__yxst_opti
 complete -c yxst -n __yxst_word_for -a "(__yxst_subcommands)"
 complete -c yxst -n "__yxst_word_for explain" -a "(__yxst_messages)"
 complete -c yxst -n "__yxst_word_for check facts fmt" -a "(__fish_complete_suffix .st)"
-complete -c yxst -n "__yxst_word_for --others explain check facts fmt" -F
+complete -c yxst -n "__yxst_word_for test; and not contains -- --new (commandline -opc)" \
+    -a "(__fish_complete_suffix .test)"
+complete -c yxst -n "__yxst_word_for test; and contains -- --new (commandline -opc)" \
+    -a "(__fish_complete_suffix .st)"
+complete -c yxst -n "__yxst_word_for --others explain check facts fmt test" -F

@@ -21,6 +21,7 @@ DESK_MANUAL_PAGE = PACKAGING / "yxst.1"
 OPTIONS = set(words.driver_options(BINARY))
 
 FILES = ["a tank.st", "pump.st", "PUMP2.ST", "notes.txt"]
+TABLE = "pump.test"
 FOLDER = "plant"
 
 # Each shell is given a file of its completion and the words of a command line, the one that is
@@ -175,6 +176,11 @@ def long_options(*subcommand):
 class DeskCompletion(Completion):
     """What each shell offers for yxst; offered() is the shell's."""
 
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        (cls.folder / TABLE).touch()
+
     def check(self, with_equals):
         names = subcommands()
         self.assertGreater(len(names), 2)
@@ -203,7 +209,9 @@ class DeskBash(DeskCompletion):
         scripts = [name for name in FILES if name.lower().endswith(".st")]
         self.assertCountEqual(self.offered("check", ""), [*scripts, FOLDER])
         self.assertCountEqual(self.offered("check", "--quiet", "a"), ["a tank.st"])
-        self.assertCountEqual(self.offered("other", ""), [*FILES, FOLDER])
+        self.assertCountEqual(self.offered("test", ""), [TABLE, FOLDER])
+        self.assertCountEqual(self.offered("test", "--new", ""), [*scripts, FOLDER])
+        self.assertCountEqual(self.offered("other", ""), [*FILES, TABLE, FOLDER])
 
     def test_it_is_the_completion_of_yxst(self):
         command = 'source "$0" && complete -p yxst'
@@ -221,6 +229,8 @@ class DeskZsh(DeskCompletion):
     def test_what_is_offered(self):
         self.check(["check", "--format="])
         self.assertEqual(self.offered("check", ""), ["files *.(st|ST)"])
+        self.assertEqual(self.offered("test", ""), ["files *.test"])
+        self.assertEqual(self.offered("test", "--new", ""), ["files *.(st|ST)"])
         self.assertEqual(self.offered("other", ""), ["files "])
 
 
@@ -234,6 +244,8 @@ class DeskFish(DeskCompletion):
     def test_what_is_offered(self):
         self.check(["check", "--format="])
         self.assertEqual(self.offered("check", "a"), ["a tank.st"])
+        self.assertEqual(self.offered("test", "pump.t"), [TABLE])
+        self.assertEqual(self.offered("test", "--new", "pump.s"), ["pump.st"])
         self.assertEqual(self.offered("other", "n"), ["notes.txt"])
 
 

@@ -17,6 +17,8 @@ Fences of three backticks are told apart by the words after the backticks:
                         statements whose frame has no other statements
     message             the errors and warnings of its run; without this fence there must be none
 
+    csv NAME            a table that later console fences of the page find under that name
+
     console             lines that begin with "$ " are run by bash, the rest is what they print;
                         the console fences of a page follow each other in one folder
 
@@ -57,6 +59,7 @@ MANUAL = ROOT / "docs" / "manual"
 PAGES_WITH_EXAMPLES = (
     "tutorial language target-code diagnostics reasons surprises dialects facts check lints"
     " verify run machine"
+    "tutorial language target-code diagnostics reasons surprises dialects facts check run test machine"
 ).split()
 
 STATEMENTS_MARK = "(* statements *)"
@@ -169,7 +172,7 @@ class Script(NamedTuple):
 
 class Console(NamedTuple):
     fence: Fence
-    files: Dict[str, str]  # the named scripts above
+    files: Dict[str, str]  # the named scripts and tables above
 
 
 class Examples(NamedTuple):
@@ -209,6 +212,9 @@ class PageReader:
         if fence.info == ["console"]:
             self.script = None
             self.found.consoles.append(Console(fence, dict(self.files)))
+            return None
+        if len(fence.info) == 2 and fence.kind == "csv":
+            self.files[fence.info[1]] = fence.text
             return None
         if len(fence.info) == 1 and fence.kind in SILENT_KINDS:
             return None

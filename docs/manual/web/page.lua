@@ -9,6 +9,7 @@ local LABELS = {
     code = "Code",
     message = "Messages",
     console = "Shell",
+    csv = "Table",
     sh = "Shell",
 }
 
@@ -126,7 +127,8 @@ local function example(block)
         return script(block, words[2] or "")
     end
     block.classes = { kind }
-    return figure({ kind }, LABELS[kind] and caption(LABELS[kind], nil, "") or "", block)
+    local name = kind == "csv" and "<code>" .. escape(words[2] or "") .. "</code>" or ""
+    return figure({ kind }, LABELS[kind] and caption(LABELS[kind], nil, name) or "", block)
 end
 
 -- ------------------------------------------------------------------------------------------------
