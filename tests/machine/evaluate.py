@@ -46,6 +46,8 @@ PATIENCE = 300_000  # statements of a cycle, beyond which only the machine itsel
 
 ONE = (SINT, 1)
 BREAK, CONTINUE, EXIT = (object() for _ in range(3))
+
+sys.setrecursionlimit(100 * MOST_CALLS)  # frames of Python take no room on its own stack
 NO_LABELS = frozenset()
 
 
@@ -107,7 +109,7 @@ class Engine:
         return self.globals.setdefault(number, Cell(LREAL, (LREAL, 0.0)))
 
     def register_cell(self, words):
-        return self.registers.setdefault(words, Cell(None, ZERO))
+        return self.registers.setdefault(words, Cell(LREAL, (LREAL, 0.0)))
 
 
 def new_cell(engine, declaration):
@@ -149,11 +151,7 @@ def access_register(engine, name, values):
     cell = engine.register_cell(tuple(number for _, number in values[:4]))
     if name.startswith("YXGETREG"):
         return engine.operations.fit(cell.value, TYPES.index(name.removeprefix("YXGETREG")))
-    if cell.rank is None:
-        cell.value = values[4]
-    else:
-        engine.store(cell, values[4])
-    return None
+    return engine.store(cell, values[4])
 
 
 # ---------------------------------------------------------------------------------------------
@@ -452,8 +450,10 @@ class Builder:
         def run(label):
             if label is not None:
                 return block_with(blocks, label).run(label)
-            chosen = next((body for condition, body in branches if truth(condition())), otherwise)
-            return chosen.run(None)
+            for condition, body in branches:
+                if truth(condition()):
+                    return body.run(None)
+            return otherwise.run(None)
 
         return run, labels_of(blocks)
 
@@ -589,6 +589,7 @@ class Block:
     def run(self, label):
         """From the beginning, or from a label within. None, or what is to happen around it:
         BREAK, CONTINUE, EXIT or a jump to a label elsewhere."""
+        self._engine.count_statement()
         at = 0 if label is None else self.labels[label]
         while at < len(self._statements):
             self._engine.count_statement()

@@ -217,7 +217,10 @@ class Expressions:
         return self.call_of(INTEGERS, depth) or self.name_of(INTEGERS) or self.whole_number()
 
     def register_read(self):
-        return f"yxGetReg{self.pick(UNSIGNED)}(1, 2, 3, {self.pick('45')})"
+        type_name, word = self.pick(
+            [("USINT", 5), ("UINT", 5), ("UINT", 4), ("UDINT", 4), ("UDINT", 5), ("UDINT", 8)]
+        )
+        return f"yxGetReg{type_name}(1, 2, 3, {word})"
 
     def not_zero(self, depth):
         if self.chance(RARELY * 2):
@@ -396,7 +399,7 @@ class Statements(Expressions):
         if drawn < 0.5:
             return [f"{place.indent}yxSetGV(2, {self.name_or_number()} AND 127);"]
         type_name, words = self.pick(
-            [("USINT", "45"), ("UINT", "45"), ("UDINT", "45"), ("REAL", "67"), ("LREAL", "6")]
+            [("USINT", "45"), ("UINT", "4"), ("UDINT", "8"), ("REAL", "67"), ("LREAL", "6")]
         )
         value = self.of_type(type_name, 1, is_strict=True)
         return [f"{place.indent}yxSetReg{type_name}(1, 2, 3, {self.pick(words)}, {value});"]
