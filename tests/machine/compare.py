@@ -36,6 +36,7 @@ DESK = Path(os.environ.get("YXST", ROOT / "build" / "yxst")).resolve()
 PROCESSES = 2
 SECONDS = 3600
 SECONDS_OF_RUN = 60
+SHOWN = 40  # differences of which one line is shown
 BATCH = 25  # programs that a process takes at a time
 VARIED_CHECKS = ("division-by-zero", "stack-left", "stack-empty")
 
@@ -73,11 +74,12 @@ def execute(program, task, folder):
     call([COMPILER, source, folder / "program.yx"], allowed=(0,))
     trace = folder / "trace.csv"
     options = [f"--cycles={program.cycles}", f"--tick={program.tick}", f"--inputs={inputs}"]
-    options += [f"--trace={trace}", f"--engine={engine}"]
+    options += [f"--trace={trace}", f"--engine={engine}", "--quiet"]
     options += [f"--check={name}={action}" for name, action in task.checks.items()]
     process = call([DESK, "run", source, *options], allowed=(0, 1))
     rows = read_trace(trace.read_text("utf-8"))
-    return Trace(rows, process.stderr.strip() if process.returncode else None)
+    message = process.stderr.strip() or process.stdout.strip() or "no message"
+    return Trace(rows, message if process.returncode else None)
 
 
 def call(arguments, allowed):
@@ -127,11 +129,23 @@ def first_difference(result, trace):
     if (result.stopped is None) != (trace.stopped is None) or len(result.rows) != len(trace.rows):
         evaluated = f"evaluation: {len(result.rows)} cycles, {result.stopped or 'not stopped'}"
         return f"{evaluated}; machine: {len(trace.rows)} cycles, {trace.stopped or 'not stopped'}"
-    for cycle, (row, texts) in enumerate(zip(result.rows, trace.rows), start=1):
-        for name, type_name in result.types.items():
-            seen = number_in(texts[name], type_name)
-            if not is_equal(row[name], seen):
-                return f"cycle {cycle}, {name} : {type_name}, evaluation {row[name]!r}, machine {seen!r}"
+    for cycle, (tick, row, texts) in enumerate(zip(result.ticks, result.rows, trace.rows), start=1):
+        if tick != int(texts["TICK"]):
+            return f"cycle {cycle}, tick, evaluation {tick}, machine {texts['TICK']}"
+        name = different_name(result, row, texts)
+        if name:
+            shown = f"{name} : {result.types[name]}, evaluation {row[name]!r}"
+            return f"cycle {cycle}, {shown}, machine {texts.get(name)}"
+    return None
+
+
+def different_name(result, row, texts):
+    """The first variable whose values differ. One that the code does not declare may be missing."""
+    for name, type_name in result.types.items():
+        if name not in texts and name in result.undeclared:
+            continue
+        if name not in texts or not is_equal(row[name], number_in(texts[name], type_name)):
+            return name
     return None
 
 
@@ -228,6 +242,8 @@ def main():
     if different:
         first = different[0]
         show_difference(first, tasks[first.seed - options.seed], options.keep)
+        for outcome in different[:SHOWN]:
+            print(f"seed {outcome.seed}: {outcome.text}")
     show(outcomes, len(tasks))
     return 1 if different or len(outcomes) < len(tasks) else 0
 

@@ -55,6 +55,7 @@ class Result(NamedTuple):
     rows: list  # of each cycle that has ended: the number of each variable, by its name
     ticks: list  # the counter in each of these cycles
     types: dict  # of the variables
+    undeclared: set  # variables whose declaration is missing in the code
     stopped: Optional[str]  # why the run has ended in the cycle after these
 
 
@@ -637,6 +638,9 @@ class Program:
     def types(self):
         return {one.name: TYPES[cell.rank] for one, cell in self._cells}
 
+    def undeclared(self):
+        return {one.name for one, _ in self._cells if one.is_lost}
+
     def tick(self):
         return self._engine.tick
 
@@ -676,15 +680,15 @@ def evaluate(source, cycles, time=0, inputs=(), choices=None, checks=None):
     """Runs a script. Inputs are pairs of a number of cycles and the texts of variables."""
     program = Program(source, make_choices(choices or {}), make_checks(checks or {}))
     per_cycle = [texts for count, texts in inputs for _ in range(count)][:cycles]
-    rows, ticks = [], []
+    rows, ticks, stopped = [], [], None
     try:
         for texts in per_cycle + [{}] * (cycles - len(per_cycle)):
             ticks.append(program.tick())
             program.cycle(texts, time)
             rows.append(program.numbers())
     except Stopped as reason:
-        return Result(rows, ticks[: len(rows)], program.types(), str(reason))
-    return Result(rows, ticks, program.types(), None)
+        stopped = str(reason)
+    return Result(rows, ticks[: len(rows)], program.types(), program.undeclared(), stopped)
 
 
 # ---------------------------------------------------------------------------------------------

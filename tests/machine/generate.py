@@ -18,6 +18,7 @@ from random import Random
 from typing import NamedTuple
 
 import script
+from operations import number_of
 
 SIGNED = ("SINT", "INT", "DINT")
 UNSIGNED = ("USINT", "UINT", "UDINT")
@@ -422,7 +423,9 @@ class Statements(Expressions):
         return [condition, line.format("    "), f"{place.indent}END_IF;"]
 
     def aside(self, place):
-        return [place.indent + self.pick([";", "// " + "note", "(* a (* note *)", ";;"])]
+        """What means nothing. A comment must not stand before a label of CASE that is a range."""
+        comments = [] if place.is_in_case else ["// note", "(* a (* note *)"]
+        return [place.indent + self.pick([";", ";;", *comments])]
 
     # --- compound ---
 
@@ -599,18 +602,19 @@ class ProgramMaker(Statements):
         type_name = self.pick(ALL_TYPES)
         can_be_constant = section in ("VAR", "VAR_GLOBAL") and self.chance(0.15)
         has_initial = can_be_constant or self.chance(0.6)
-        initial = self.initial(type_name) if has_initial else ""
+        initial = self.initial(type_name, section) if has_initial else ""
         self.unit.add(type_name, section, initial=initial, is_kept=can_be_constant)
 
-    def initial(self, type_name):
+    def initial(self, type_name, section):
         if type_name == "BOOL":
-            return self.pick(["TRUE", "FALSE", "true", "false", "True"])
+            return self.pick(["TRUE", "FALSE", "true", "false"] + ["True"] * (section != "VAR_INPUT"))
         sign = self.pick(["", "", "-", "+"])
         if type_name in REALS and self.chance(0.7):
             return sign + self.pick([one for one in SMALL_REALS + EDGE_REALS if one != "0.0"])
         if self.chance(0.2):
             return str(self.pick(ENDS[type_name])) if type_name in ENDS else "7"
-        return sign + self.whole_number()
+        number = self.whole_number()
+        return number if number_of(number) > ENDS["DINT"][1] else sign + number
 
     def add_engine_variables(self):
         if self.chance(0.3):
