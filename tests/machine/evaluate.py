@@ -23,6 +23,7 @@ from operations import (
     MATHEMATICS,
     REAL,
     SINT,
+    STACK_LEFT_IN_PROGRAM,
     STRING,
     UDINT,
     ZERO,
@@ -656,6 +657,8 @@ class Program:
         engine.statements = 0
         engine.base = len(engine.stack)
         self._main.body()
+        if len(engine.stack) > engine.base and engine.checks[STACK_LEFT_IN_PROGRAM] == "stop":
+            raise Stopped("stack-left")
         if engine.choices["scan-stack"] == "clear":
             engine.stack.clear()
         engine.tick = (engine.tick + time) % 2**32
@@ -676,13 +679,24 @@ class Program:
                 cell.value = new_cell(self._engine, declaration).value
 
 
+def given_inputs(inputs, cycles):
+    """What is put in before each cycle: of each variable what it was given last."""
+    given = {}
+    per_cycle = [texts for count, texts in inputs for _ in range(count)]
+    for cycle in range(cycles):
+        given.update(per_cycle[cycle] if cycle < len(per_cycle) else {})
+        yield given
+
+
 def evaluate(source, cycles, time=0, inputs=(), choices=None, checks=None):
     """Runs a script. Inputs are pairs of a number of cycles and the texts of variables."""
-    program = Program(source, make_choices(choices or {}), make_checks(checks or {}))
-    per_cycle = [texts for count, texts in inputs for _ in range(count)][:cycles]
+    try:
+        program = Program(source, make_choices(choices or {}), make_checks(checks or {}))
+    except Stopped as reason:
+        return Result([], [], {}, set(), str(reason))
     rows, ticks, stopped = [], [], None
     try:
-        for texts in per_cycle + [{}] * (cycles - len(per_cycle)):
+        for texts in given_inputs(inputs, cycles):
             ticks.append(program.tick())
             program.cycle(texts, time)
             rows.append(program.numbers())

@@ -39,6 +39,7 @@ CHOICES = {
     "tick-write": ("setting", "counter"),
     "scan-limit": ("10000000",),
 }
+STACK_LEFT_IN_PROGRAM = "stack-left in the program"
 STOPPING_CHECKS = ("division-by-zero", "stack-left", "stack-empty", "recursion", "scan-limit")
 
 
@@ -60,9 +61,10 @@ def make_choices(changed):
 
 
 def make_checks(changed):
-    """The actions of the checks that end a run, all of which do so unless they are changed; that
-    of stack-left is the one in functions and function blocks."""
-    return {**{name: "stop" for name in STOPPING_CHECKS}, **changed}
+    """The actions of the checks that end a run, all of which do so unless they are changed;
+    stack-left does so in functions and function blocks, in the program only if it is changed."""
+    in_program = {STACK_LEFT_IN_PROGRAM: changed.get("stack-left", "note")}
+    return {**{name: "stop" for name in STOPPING_CHECKS}, **in_program, **changed}
 
 
 # ---------------------------------------------------------------------------------------------

@@ -422,6 +422,11 @@ class Stack(Evaluation):
             text = "j := j + 1; CASE 1 OF 1: EXIT; END_CASE; i := 1;"
             self.assertEqual(after(text, "i", cycles=3, choices={"scan-stack": choice}), 0)
 
+    def test_check_of_values_that_the_program_leaves(self):
+        text = "CASE 1 OF 1: EXIT; END_CASE;"
+        self.expect_stop("stack-left", text, checks={"stack-left": "stop"})
+        self.assertIsNone(run(text).stopped)
+
     def test_values_of_the_program_that_are_kept_fill_the_stack(self):
         text = "FOR i := 1 TO 1 DO GOTO out; END_FOR; out: ;"
         self.assertIsNone(run(text, cycles=3, choices={"scan-stack": "keep"}).stopped)
@@ -566,6 +571,15 @@ class Cycles(Evaluation):
         self.assertEqual(result.rows[0]["LEV"], to_single(0.1))
         self.assertEqual(result.rows[-1]["LEV"], 2.0)
         self.assertEqual(result.rows[-1]["I"], 3)
+
+    def test_inputs_are_put_in_anew(self):
+        sections = "VAR_INPUT in1 : INT := 3; in2 : INT; END_VAR"
+        inputs = read_inputs("cycles,in1,in2\n1,5,\n1,,6\n")
+        text = "i := in1; j := in2; in1 := 99; in2 := 98;"
+        result = run(text, cycles=4, sections=sections, inputs=inputs)
+        self.assertEqual([row["I"] for row in result.rows], [5, 5, 5, 5])
+        self.assertEqual([row["J"] for row in result.rows], [0, 6, 6, 6])
+        self.assertEqual(result.rows[-1]["IN1"], 99)
 
     def test_a_stop_keeps_the_cycles_before(self):
         result = self.expect_stop("division-by-zero", "i := i + 1; j := 10 / (3 - i);", cycles=9)
