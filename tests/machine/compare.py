@@ -129,7 +129,8 @@ def first_difference(result, trace):
     if (result.stopped is None) != (trace.stopped is None) or len(result.rows) != len(trace.rows):
         evaluated = f"evaluation: {len(result.rows)} cycles, {result.stopped or 'not stopped'}"
         return f"{evaluated}; machine: {len(trace.rows)} cycles, {trace.stopped or 'not stopped'}"
-    for cycle, (tick, row, texts) in enumerate(zip(result.ticks, result.rows, trace.rows), start=1):
+    cycles = zip(result.ticks, result.rows, trace.rows)
+    for cycle, (tick, row, texts) in enumerate(cycles, start=1):
         if tick != int(texts["TICK"]):
             return f"cycle {cycle}, tick, evaluation {tick}, machine {texts['TICK']}"
         name = different_name(result, row, texts)
@@ -140,7 +141,7 @@ def first_difference(result, trace):
 
 
 def different_name(result, row, texts):
-    """The first variable whose values differ. One that the code does not declare may be missing."""
+    """The first variable with two values; one that the code does not declare may be missing."""
     for name, type_name in result.types.items():
         if name not in texts and name in result.undeclared:
             continue

@@ -1,6 +1,7 @@
 """Evaluates a script cycle by cycle, without target code.
 
-    evaluate.py SCRIPT [--cycles N] [--tick MS] [--inputs FILE] [--engine FILE] [--check NAME=ACTION]
+    evaluate.py SCRIPT [--cycles N] [--tick T] [--inputs FILE] [--engine FILE]
+        [--check NAME=ACTION]
 
 Written from the language reference and from docs/manual/machine.md, to hold the machine that
 executes target code to the truth. It walks the trees of the script. What the manual says of the
@@ -396,7 +397,8 @@ class Builder:
         return getattr(self, f"_do_{type(tree).__name__.lower()}")(tree)
 
     def _do_assign(self, tree):
-        cell, value, store = self._cell(tree.target), self.expression(tree.value), self._engine.store
+        cell, value = self._cell(tree.target), self.expression(tree.value)
+        store = self._engine.store
         return lambda _: store(cell(), value()), NO_LABELS
 
     def _do_settick(self, tree):

@@ -113,7 +113,8 @@ class Unit:
     def add(self, type_name, section="VAR", **more):
         number = len(self.slots)
         name = self._names.pop() if self._names else f"v{number}"
-        self.slots.append(Slot(f"{name}{number}" if number % 3 else name, type_name, section, **more))
+        name += str(number) if number % 3 else ""
+        self.slots.append(Slot(name, type_name, section, **more))
         return self.slots[-1]
 
     def readable(self, types):
@@ -123,6 +124,9 @@ class Unit:
     def assignable(self, types):
         names = [slot.name for slot in self.slots if slot.type in types and not slot.is_kept]
         return names + ["RESULT"] * (self.result in types)
+
+    def referable(self, type_name):
+        return [one.name for one in self.slots if one.type == type_name and not one.is_kept]
 
     def type_of(self, name):
         return next((slot.type for slot in self.slots if slot.name == name), self.result)
@@ -152,7 +156,9 @@ class Expressions:
 
     def spelled(self, name):
         """Letter case counts for nothing."""
-        return self.pick([name.upper(), name.lower(), name.swapcase()]) if self.chance(0.1) else name
+        if self.chance(0.9):
+            return name
+        return self.pick([name.upper(), name.lower(), name.swapcase()])
 
     def name_of(self, types):
         names = self.unit.readable(types)
@@ -178,7 +184,7 @@ class Expressions:
 
     def argument(self, slot, depth):
         if slot.section == "VAR_REF":
-            names = [one.name for one in self.unit.slots if one.type == slot.type and not one.is_kept]
+            names = self.unit.referable(slot.type)
             return self.spelled(self.pick(names)) if names else None
         return self.of_type(slot.type, depth - 1, is_strict=True)
 
@@ -255,7 +261,7 @@ class Expressions:
         if operator == "**":
             return self.exponent(depth)
         if operator in ("SHL", "SHR", "ROL", "ROR") and self.chance(0.7):
-            return self.pick(["0", "1", "2", "4", "7", "8", "15", "16", "31", "32", "63", "64", "-1"])
+            return self.pick("0 1 2 4 7 8 15 16 31 32 63 64 -1".split())
         return self.whole_operand(depth)
 
     # --- reals ---
@@ -276,7 +282,7 @@ class Expressions:
             return f"pow({self.real(depth)}, {self.real(0)})"
         if self.chance(0.1):
             return f"yxGetGV({self.pick('1234')})"
-        if self.chance(0.05):
+        if self.chance(0.1):
             return f"yxGetReg{self.pick(REALS)}(1, 2, 3, {self.pick('67')})"
         return f"{self.spelled(self.pick(REAL_BUILT_INS))}({self.real(depth)})"
 
@@ -309,12 +315,17 @@ class Expressions:
             return f"{self.real(depth)} {operator} {self.of_type('LREAL', depth)}"
         return f"{self.whole(depth)} {operator} {self.whole(depth)}"
 
+    def truth_atom(self):
+        name = self.name_of(["BOOL"])
+        if name and self.chance(0.03):
+            return f"-{name}"
+        form = self.pick(["{}", "{}", "NOT {}"])
+        return form.format(name or self.pick(["TRUE", "FALSE"]))
+
     def truth_operand(self, depth):
         drawn = self.random.random()
         if depth <= 0 or drawn < 0.4:
-            name = self.name_of(["BOOL"]) or self.pick(["TRUE", "FALSE"])
-            negated = ["-{}"] if self.chance(0.03) and name.upper() not in ("TRUE", "FALSE") else []
-            return self.pick(negated or ["{}", "{}", "NOT {}"]).format(name)
+            return self.truth_atom()
         if drawn < 0.5:
             return self.call_of(["BOOL"], depth) or self.pick(["TRUE", "FALSE", "NOT true"])
         inner = self.truth(depth - 1) if drawn < 0.65 else self.comparison(depth - 1)
@@ -348,8 +359,8 @@ class Statements(Expressions):
     def statement(self, place):
         self.unit.cost += self.unit.weight
         is_tight = self.unit.cost > MOST_COST
-        compound = [self.if_, self.if_, self.case, self.for_, self.for_, self.while_, self.repeat,
-                    self.jump_back, self.jump_ahead, self.jump_inside]  # fmt: skip
+        compound = [self.if_, self.case, self.for_] * 2 + [self.while_, self.repeat]
+        compound += [self.jump_back, self.jump_ahead, self.jump_inside]
         if place.depth > 0 and not is_tight and self.chance(0.4):
             return self.pick(compound)(place)
         plain = [self.assign] * 8 + [self.call_statement] * 4 + [self.leave] * 2
@@ -379,9 +390,9 @@ class Statements(Expressions):
     def call_statement(self, place):
         calls = self.callable_functions(["", *ALL_TYPES])
         call = self.call(self.pick(calls), 1) if calls else None
-        if call is None:
-            return self.assign(place) if self.chance(0.9) else [f"{place.indent}{self.mathematics(0)};"]
-        return [f"{place.indent}{call};"]
+        if call is None and self.chance(0.9):
+            return self.assign(place)
+        return [f"{place.indent}{call or self.mathematics(0)};"]
 
     def leave(self, place):
         """EXIT, BREAK or CONTINUE under a condition, or after the call of a function block."""
@@ -473,9 +484,9 @@ class Statements(Expressions):
         if self.chance(0.2):
             return f"({self.whole_atom(0)} AND 7) + 3 DOWNTO {self.pick('123')}"
         if self.chance(0.3):
-            return f"{high - 1} DOWNTO {high - 4}" if self.chance(0.5) else f"{high - 5} TO {high - 1}"
+            return self.pick([f"{high - 1} DOWNTO {high - 4}", f"{high - 5} TO {high - 1}"])
         if self.chance(0.3):
-            return f"{low} TO {low + 4}" if self.chance(0.5) else f"{low + 4} DOWNTO {low + 1}"
+            return self.pick([f"{low} TO {low + 4}", f"{low + 4} DOWNTO {low + 1}"])
         return f"{self.pick('0125')} TO {self.pick('234567')}"
 
     def counted(self, place):
@@ -511,9 +522,9 @@ class Statements(Expressions):
         begin, step, test = self.counted(place)
         label = self.new_label()
         body = self.weighted(4, self.block, place._replace(depth=place.depth - 1), 2)
-        jump = f"{place.indent}    GOTO {self.spelled(label)};"
-        condition = f"{place.indent}IF ({test}) AND {self.truth(1)} THEN"
-        return [begin, f"{label}:", step, *body, condition, jump, f"{place.indent}END_IF;"]
+        condition = f"IF ({test}) AND {self.truth(1)} THEN"
+        jump = f"{place.indent}{condition} GOTO {self.spelled(label)}; END_IF;"
+        return [begin, f"{place.indent}{label}:", step, *body, jump]
 
     def jump_ahead(self, place):
         """Over statements, or out of a loop; out of a FOR or a CASE in the program alone."""
@@ -607,7 +618,8 @@ class ProgramMaker(Statements):
 
     def initial(self, type_name, section):
         if type_name == "BOOL":
-            return self.pick(["TRUE", "FALSE", "true", "false"] + ["True"] * (section != "VAR_INPUT"))
+            undeclared = ["True"] if section != "VAR_INPUT" else []
+            return self.pick(["TRUE", "FALSE", "true", "false", *undeclared])
         sign = self.pick(["", "", "-", "+"])
         if type_name in REALS and self.chance(0.7):
             return sign + self.pick([one for one in SMALL_REALS + EDGE_REALS if one != "0.0"])

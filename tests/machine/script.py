@@ -33,7 +33,10 @@ BUILT_INS = {
     "YXGETGV": Signature("LREAL", by_value(["UINT"])),
     "YXSETGV": Signature(None, by_value(["UINT", "LREAL"])),
     **{f"YXGETREG{one}": Signature(one, by_value(REGISTER_WORDS)) for one in REGISTER_TYPES},
-    **{f"YXSETREG{one}": Signature(None, by_value([*REGISTER_WORDS, one])) for one in REGISTER_TYPES},
+    **{
+        f"YXSETREG{one}": Signature(None, by_value([*REGISTER_WORDS, one]))
+        for one in REGISTER_TYPES
+    },
 }
 
 # ---------------------------------------------------------------------------------------------
@@ -199,7 +202,7 @@ TOKEN = re.compile(
     |(?P<name>[{LETTER}][{LETTER}0-9]*)
     |(?P<text>'[^'\n]*')
     |(?P<range>\.\.)
-    |(?P<number>(?:16|8|2)\#[0-9A-Fa-f]+|\d+\.(?!\.)\d*(?:[Ee][+-]?\d*)?|\.\d*(?:[Ee][+-]?\d*)?|\d+)
+    |(?P<number>(?:16|8|2)\#[0-9A-Fa-f]+|(?:\d+\.(?!\.)|\.)\d*(?:[Ee][+-]?\d*)?|\d+)
     |(?P<operator>[*+\-/:<=>]{{1,2}})
     |(?P<other>.)""",
     re.VERBOSE | re.DOTALL,
