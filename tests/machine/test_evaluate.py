@@ -160,6 +160,9 @@ class WholeNumbers(Evaluation):
             """)
         self.expect("u SHL 6 -> 64\n s SHL 4 -> -128\n 1 SHL 8 -> 0", choices={"width": "typed"})
 
+    def test_shifts_left_in_a_type_without_a_sign(self):
+        self.expect("u SHL 7 -> 128", choices={"width": "typed", "overflow": "saturate"})
+
     def test_shifts_right_work_on_the_bits_of_the_type(self):
         self.expect("""
             s SHR 1 -> 124
@@ -278,6 +281,7 @@ class Reals(Evaluation):
 
     def test_stores_of_reals(self):
         self.expect(f"0.1 -> {to_single(0.1)!r}\n 1.0e300 -> inf\n 16777217 -> 16777216.0", "r")
+        self.expect(f"(2 ** 60) + (2 ** 36) + 1 -> {2.0**60 + 2.0**37!r}", "r")
         self.assertEqual(whole_to_single(2**60 + 2**36 + 1), 2.0**60 + 2.0**37)
         self.assertEqual(whole_to_single(-(2**60) - 2**36), -(2.0**60))
 
@@ -444,6 +448,18 @@ class Stack(Evaluation):
         text = "FOR i := 1 TO 1 DO GOTO out; END_FOR; out: ;"
         self.assertIsNone(run(text, cycles=3, choices={"scan-stack": "keep"}).stopped)
 
+    def test_what_a_cycle_leaves_to_the_next(self):
+        text = """j := j + 1;
+            IF j = 2 THEN GOTO inside; END_IF;
+            FOR i := 1 TO 3 DO
+                IF j = 1 THEN GOTO out; END_IF;
+                inside: a := a + 1;
+            END_FOR;
+            out: ;"""
+        for choice, rounds in (("keep", 3), ("clear", 1)):
+            options = {"choices": {"scan-stack": choice}, "checks": {"stack-empty": "off"}}
+            self.assertEqual(after(text, "a", cycles=2, **options), 8 + rounds)
+
     def test_goto_out_of_a_for_leaves_the_bound_to_the_loop_around(self):
         text = """FOR i := 1 TO 5 DO
             FOR j := 1 TO 2 DO GOTO next; END_FOR;
@@ -510,7 +526,7 @@ class Definitions(Evaluation):
 
     def test_reference_is_passed_on(self):
         text = self.BUMP + """
-FUNCTION_BLOCK Outer VAR_REF w : INT; END_VAR
+        FUNCTION_BLOCK Outer VAR_REF w : INT; END_VAR
             Bump(w, 1); Bump(w, 10);
         END_FUNCTION_BLOCK"""
         self.assertEqual(after("Outer(i); Outer(i);", "i", definitions=text), 22)
@@ -590,6 +606,10 @@ class Cycles(Evaluation):
                       choices={"tick-write": "counter"})  # fmt: skip
         self.assertEqual([row["E"] for row in written.rows], [0, 1010, 1010])
         self.assertEqual([row["X"] for row in written.rows], [1000, 1000, 1000])
+
+    def test_tick_has_32_bits(self):
+        result = run("x := TICK;", cycles=3, time=4_000_000_000)
+        self.assertEqual([row["X"] for row in result.rows], [0, 4_000_000_000, 3_705_032_704])
 
     def test_inputs(self):
         sections = "VAR_INPUT in1 : INT := 7; on : BOOL; lev : REAL; END_VAR"
