@@ -20,11 +20,11 @@ struct BoundSign {
 
 // A sign stands before those that it begins with.
 constexpr BoundSign BOUND_SIGNS[] = {
-    {QLatin1String("<>"), Comparison::NotEqual},
-    {QLatin1String("<="), Comparison::LessOrEqual},
-    {QLatin1String(">="), Comparison::GreaterOrEqual},
-    {QLatin1String("<"), Comparison::Less},
-    {QLatin1String(">"), Comparison::Greater},
+    {"<>"_L1, Comparison::NotEqual},
+    {"<="_L1, Comparison::LessOrEqual},
+    {">="_L1, Comparison::GreaterOrEqual},
+    {"<"_L1, Comparison::Less},
+    {">"_L1, Comparison::Greater},
 };
 
 // Reads the cells of rows for the variables of their columns; the first fault ends it.
