@@ -1,5 +1,7 @@
 #include "machine/machine.h"
 
+#include "machine/conventions.h"
+
 #include "qyx_text.h"
 
 #include <algorithm>
@@ -9,30 +11,6 @@ namespace {
 
 constexpr std::size_t MOST_CALLS = 10'000;      // within each other
 constexpr std::size_t MOST_VALUES = 1'000'000;  // on the stack
-
-// ---------------------------------------------------------------------------------------------
-// Built-ins
-// ---------------------------------------------------------------------------------------------
-
-struct MathFunction {
-    QLatin1String name;
-    double (*function)(double);
-};
-
-constexpr MathFunction MATH_FUNCTIONS[] = {
-    {"cos"_L1, std::cos},     {"sin"_L1, std::sin},     {"tan"_L1, std::tan},
-    {"acos"_L1, std::acos},   {"asin"_L1, std::asin},   {"atan"_L1, std::atan},
-    {"ceil"_L1, std::ceil},   {"floor"_L1, std::floor}, {"round"_L1, std::round},
-    {"exp"_L1, std::exp},     {"fabs"_L1, std::fabs},   {"ln"_L1, std::log},
-    {"log10"_L1, std::log10}, {"sqrt"_L1, std::sqrt},
-};
-
-const MathFunction* FindMathFunction(const QString& name) {
-    const auto* const found =
-        std::find_if(std::begin(MATH_FUNCTIONS), std::end(MATH_FUNCTIONS),
-                     [&name](const MathFunction& row) { return row.name == name; });
-    return found == std::end(MATH_FUNCTIONS) ? nullptr : found;
-}
 
 Value AddressOf(Cell& cell) {
     return Value::Whole(TYP_ARRAY, static_cast<qint64>(reinterpret_cast<qintptr>(&cell)));
@@ -55,10 +33,10 @@ Machine::Machine(const Code& code, const Profile& profile, const Checks& checks)
 
 void Machine::prepare() {
     for (const Literal& literal : code_.literals) {
-        literals_.push_back(arithmetic_.literal(literalValue(literal)));
+        memory_.literals.push_back(arithmetic_.literal(literalValue(literal)));
     }
     for (const CodeUnit& unit : code_.units) {
-        UnitCells& cells = units_.emplace_back();
+        UnitCells& cells = memory_.units.emplace_back();
         for (const Declaration& declaration : unit.declarations) {
             cells.initial.push_back(initialCell(declaration));
         }
@@ -97,14 +75,14 @@ Cell& Machine::engineCell(const Declaration& declaration) {
     };
     Cell fresh = initialCell(declaration);
     if (declaration.section == Section::EngineGlobal) {
-        return engineGlobals_.try_emplace(number(0), fresh).first->second;
+        return memory_.engineGlobals.try_emplace(number(0), fresh).first->second;
     }
     const RegisterNumbers numbers = {number(0), number(1), number(2), number(3)};
-    return engineRegisters_.try_emplace(numbers, fresh).first->second;
+    return memory_.engineRegisters.try_emplace(numbers, fresh).first->second;
 }
 
 void Machine::bindEngineVariables() {
-    Cells& cells = units_.back().ofCalls.front();
+    Cells& cells = memory_.program();
     const std::vector<Declaration>& declarations = code_.program().declarations;
     for (std::size_t index = 0; index < declarations.size(); ++index) {
         if (declarations[index].section >= Section::EngineGlobal) {
@@ -118,7 +96,7 @@ void Machine::bindEngineVariables() {
 // ---------------------------------------------------------------------------------------------
 
 const Cell& Machine::programCell(int variable) const {
-    const Cell& cell = units_.back().ofCalls.front()[static_cast<std::size_t>(variable)];
+    const Cell& cell = memory_.program()[static_cast<std::size_t>(variable)];
     return cell.referred == nullptr ? cell : *cell.referred;
 }
 
@@ -142,14 +120,18 @@ void Machine::force(int variable, const Value& value) {
     release(variable);
     set(variable, value);
     programCell(variable).isForced = true;
+    ++forced_;
 }
 
 void Machine::release(int variable) {
-    programCell(variable).isForced = false;
+    Cell& cell = programCell(variable);
+    forced_ -= cell.isForced ? 1 : 0;
+    cell.isForced = false;
 }
 
 void Machine::setUninitialized(int unit, int variable) {
-    UnitCells& cells = units_[static_cast<std::size_t>(unit)];
+    registers_.reset();
+    UnitCells& cells = memory_.units[static_cast<std::size_t>(unit)];
     const auto index = static_cast<std::size_t>(variable);
     cells.initial[index].isUnset = true;
     for (Cells& ofCall : cells.ofCalls) {
@@ -167,7 +149,9 @@ bool Machine::cycle() {
     }
     try {
         beginCycle();
-        execute();
+        if (!executeRegisters()) {
+            execute();
+        }
         endCycle();
     } catch (const Stop& stop) {
         stop_ = stop;
@@ -180,22 +164,46 @@ void Machine::beginCycle() {
         resetProgramVariables();
     }
     frames_.clear();
-    for (UnitCells& cells : units_) {
+    for (UnitCells& cells : memory_.units) {
         cells.active = 0;
     }
     const int program = static_cast<int>(code_.units.size()) - 1;
-    frames_.push_back({program, &units_.back().ofCalls.front(), NOWHERE, stack_.size()});
+    frames_.push_back({program, &memory_.program(), NOWHERE, stack_.size()});
     next_ = code_.program().begin;
 }
 
 void Machine::resetProgramVariables() {
-    Cells& cells = units_.back().ofCalls.front();
+    Cells& cells = memory_.program();
     for (std::size_t index = 0; index < cells.size(); ++index) {
         const bool isLocal = code_.program().declarations[index].section == Section::Local;
         if (isLocal && !cells[index].isForced) {
-            cells[index] = units_.back().initial[index];
+            cells[index] = memory_.units.back().initial[index];
         }
     }
+}
+
+// False if register code is not used or gave up, and the cycle must be executed otherwise. After
+// that it is not used for a while, which grows as long as it gives up each time.
+bool Machine::executeRegisters() {
+    constexpr qint64 longestPause = 64;
+    if (isItemwise_ || forced_ > 0 || cycles_ < registersFrom_ || !stack_.empty()) {
+        return false;
+    }
+    if (!registers_) {
+        registers_ = std::make_unique<Registers>(code_, profile_, memory_, watch_, arithmetic_);
+    }
+    const bool isDone = registers_->cycle({tick_, tickSetting_, instructions_});
+    if (isDone) {
+        ++registerCycles_;
+        pause_ = 1;
+        return true;
+    }
+    registersFrom_ = cycles_ + pause_;
+    pause_ = std::min(2 * pause_, longestPause);
+    if (registers_->isOutdated()) {
+        registers_.reset();
+    }
+    return false;
 }
 
 void Machine::execute() {
@@ -329,7 +337,7 @@ Value Machine::take(const CodeOperand& from) {
         case OperandKind::Referred:
             return load(from);
         case OperandKind::Literal:
-            return literals_[static_cast<std::size_t>(from.index)];
+            return memory_.literals[static_cast<std::size_t>(from.index)];
         default:
             watch_.stop(Check::UnsoundCode, QStringLiteral("no variable is an array"));
     }
@@ -390,16 +398,8 @@ void Machine::moveAddress(const Instruction& instruction) {
         reinterpret_cast<Cell*>(static_cast<qintptr>(accumulator_.whole));
 }
 
-// "SUB 1 #A0" takes 1 off the accumulator, so that DOWNTO counts down; by the order of operands
-// it would be the other way round.
-bool Machine::isStepDown(const Instruction& instruction) const {
-    return instruction.operation == Operation::Subtract &&
-           instruction.from.kind == OperandKind::Literal &&
-           code_.literals[static_cast<std::size_t>(instruction.from.index)].whole == 1;
-}
-
 void Machine::binary(const Instruction& instruction) {
-    if (isStepDown(instruction)) {
+    if (IsStepDown(code_, instruction)) {
         accumulator_ =
             arithmetic_.apply(Operation::Subtract, accumulator_, take(instruction.from));
         return;
@@ -434,7 +434,7 @@ void Machine::call(const Instruction& instruction) {
     if (instruction.target == NOWHERE) {
         watch_.stop(Check::UnsoundCode, QStringLiteral("no unit has that name"));
     }
-    if (units_[static_cast<std::size_t>(instruction.target)].active > 0) {
+    if (memory_.units[static_cast<std::size_t>(instruction.target)].active > 0) {
         watch_.raise(Check::Recursion, QStringLiteral("the unit has not ended"));
     }
     if (frames_.size() > MOST_CALLS) {
@@ -446,7 +446,7 @@ void Machine::call(const Instruction& instruction) {
 
 void Machine::enter(int unit, int returnTo) {
     const CodeUnit& entered = code_.units[static_cast<std::size_t>(unit)];
-    UnitCells& cells = units_[static_cast<std::size_t>(unit)];
+    UnitCells& cells = memory_.units[static_cast<std::size_t>(unit)];
     const bool isRetained = profile_.locals == Locals::Retained;
     const std::size_t index = isRetained ? 0 : cells.active;
     ++cells.active;
@@ -468,7 +468,7 @@ void Machine::leave() {
     frames_.pop_back();
     next_ = left.returnTo;
     if (!isProgram) {
-        --units_[static_cast<std::size_t>(left.unit)].active;
+        --memory_.units[static_cast<std::size_t>(left.unit)].active;
         giveResult(code_.units[static_cast<std::size_t>(left.unit)].result != NOWHERE);
     }
 }
@@ -487,13 +487,7 @@ void Machine::checkStackAtReturn(bool isProgram) {
 
 // After a call: the result is in the accumulator, and on the stack too where that is the choice.
 void Machine::giveResult(bool hasResult) {
-    const bool isInCode = next_ < static_cast<int>(code_.instructions.size());
-    const bool isDropped =
-        isInCode &&
-        code_.instructions[static_cast<std::size_t>(next_)].to.kind == OperandKind::Nil;
-    const bool isPushed = profile_.callResult == CallResult::Both ||
-                          (profile_.callResult == CallResult::ByUse && isDropped);
-    if (hasResult && isPushed) {
+    if (hasResult && IsResultPushed(code_, profile_.callResult, next_)) {
         push(accumulator_);
     }
 }
@@ -517,8 +511,8 @@ void Machine::executeBuiltIn(const Instruction& instruction) {
 Value Machine::builtIn(int index, const std::vector<Value>& arguments) {
     const BuiltIn& called = EngineBuiltIns()[static_cast<std::size_t>(index)];
     const double first = arguments[0].asReal();
-    if (const MathFunction* const math = FindMathFunction(called.name)) {
-        return arithmetic_.realResult(math->function(first), std::isfinite(first));
+    if (const MathFunction math = FindMathFunction(called.name)) {
+        return arithmetic_.realResult(math(first), std::isfinite(first));
     }
     if (called.name == "pow"_L1) {
         const double second = arguments[1].real;
@@ -535,11 +529,11 @@ Cell& Machine::engineCell(const std::vector<Value>& arguments) {
     fresh.type = TYP_LREAL;
     fresh.value = Value::Real(TYP_LREAL, 0.0);
     if (arguments.size() < registerNumbers) {
-        return engineGlobals_.try_emplace(arguments[0].whole, fresh).first->second;
+        return memory_.engineGlobals.try_emplace(arguments[0].whole, fresh).first->second;
     }
     const RegisterNumbers numbers = {arguments[0].whole, arguments[1].whole, arguments[2].whole,
                                      arguments[3].whole};
-    return engineRegisters_.try_emplace(numbers, fresh).first->second;
+    return memory_.engineRegisters.try_emplace(numbers, fresh).first->second;
 }
 
 // What reads or writes an engine object; one that writes takes the value last.

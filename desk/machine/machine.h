@@ -1,26 +1,21 @@
-// The machine that executes target code, cycle by cycle, an item at a time.
+// The machine that executes target code, cycle by cycle.
+//
+// It executes an item at a time: what that gives is right by definition. Where it can it executes
+// register code instead, which gives the same; a cycle in which that gives up is executed once
+// more, an item at a time.
 #pragma once
 
 #include "machine/arithmetic.h"
 #include "machine/code.h"
+#include "machine/memory.h"
 #include "machine/profile.h"
+#include "machine/registers.h"
 #include "machine/value.h"
 #include "machine/watch.h"
 
-#include <array>
-#include <deque>
-#include <map>
+#include <memory>
 #include <optional>
 #include <vector>
-
-// A variable while the code is executed.
-struct Cell {
-    Value value;
-    Typ type = TYP_NONE;
-    bool isForced = false;     // stores leave it as it is
-    bool isUnset = false;      // nothing was stored, and the script gives no initial value
-    Cell* referred = nullptr;  // what it means: the variable of a caller, an engine object
-};
 
 // Whatever code the reader accepts may be executed: what makes no sense ends the run with the
 // check "unsound-code". The code must outlive the machine.
@@ -30,12 +25,18 @@ public:
     Machine(const Machine&) = delete;
     Machine& operator=(const Machine&) = delete;
 
+    // From now on all cycles are executed an item at a time.
+    void setItemwise() { isItemwise_ = true; }
+    // The cycles that were executed by register code.
+    qint64 registerCycles() const { return registerCycles_; }
+
     // Executes one cycle; false if the run has ended, then and before.
     bool cycle();
     const std::optional<Stop>& stop() const { return stop_; }
     const Notes& notes() const { return watch_.notes(); }
     qint64 cycles() const { return cycles_; }              // that were executed whole
-    qint64 instructions() const { return instructions_; }  // that were executed
+    // That were executed; with the check "scan-limit" off register code does not count them.
+    qint64 instructions() const { return instructions_; }
 
     // From now on counts how often each instruction is executed.
     void countExecutions() { executions_.assign(code_.instructions.size(), 0); }
@@ -59,9 +60,6 @@ public:
     const std::optional<quint32>& tickSetting() const { return tickSetting_; }
 
 private:
-    using Cells = std::vector<Cell>;
-    using RegisterNumbers = std::array<qint64, 4>;
-
     // A unit that is being executed.
     struct Frame {
         int unit;
@@ -69,23 +67,13 @@ private:
         int returnTo;           // an instruction, NOWHERE for the program
         std::size_t stackBase;  // the height of the stack below its parameters
     };
-    // The variables of a unit: those of each call of it that may go on at the same time.
-    struct UnitCells {
-        Cells initial;
-        std::deque<Cells> ofCalls;  // never shrinks, so that no address dangles
-        std::size_t active = 0;
-    };
-
     const Code& code_;
     Profile profile_;
     Watch watch_;
     Arithmetic arithmetic_;
     std::optional<Stop> stop_;
 
-    std::vector<Value> literals_;
-    std::vector<UnitCells> units_;
-    std::map<qint64, Cell> engineGlobals_;
-    std::map<RegisterNumbers, Cell> engineRegisters_;
+    Memory memory_;
 
     std::vector<Frame> frames_;
     std::vector<Value> stack_;
@@ -93,6 +81,13 @@ private:
     Value register0_;
     bool flag_ = false;
     int next_ = 0;  // the instruction to execute
+
+    std::unique_ptr<Registers> registers_;
+    bool isItemwise_ = false;
+    int forced_ = 0;            // variables
+    qint64 registersFrom_ = 0;  // the cycle to use register code again
+    qint64 pause_ = 1;          // cycles without it the next time that it gives up
+    qint64 registerCycles_ = 0;
 
     quint32 tick_ = 0;
     quint32 tickStep_ = 0;
@@ -110,6 +105,7 @@ private:
     const Cell& programCell(int variable) const;
 
     void beginCycle();
+    bool executeRegisters();
     void execute();
     void step(const Instruction& instruction);
     void endCycle();
@@ -118,7 +114,6 @@ private:
 
     void move(const Instruction& instruction);
     void moveAddress(const Instruction& instruction);
-    bool isStepDown(const Instruction& instruction) const;
     void binary(const Instruction& instruction);
     void jump(const Instruction& instruction);
     void call(const Instruction& instruction);

@@ -23,6 +23,8 @@ public:
 
     void setItem(int item) { item_ = item; }
     const Notes& notes() const { return notes_; }
+    void setNotes(const Notes& notes) { notes_ = notes; }
+    const Checks& checks() const { return checks_; }
 
     bool isOn(Check check) const { return checks_.actionOf(check) != Action::Off; }
     // Notes the check, or throws a Stop, as its action says.

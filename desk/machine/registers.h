@@ -1,0 +1,50 @@
+// Executes register code.
+#pragma once
+
+#include "machine/arithmetic.h"
+#include "machine/memory.h"
+#include "machine/register_code.h"
+#include "machine/watch.h"
+
+#include <optional>
+#include <vector>
+
+// What a cycle works on beside the memory.
+struct CycleState {
+    quint32& tick;
+    std::optional<quint32>& tickSetting;
+    qint64& instructions;
+};
+
+// All that is given must outlive it.
+class Registers {
+public:
+    Registers(const Code& code, const Profile& profile, Memory& memory, Watch& watch,
+              Arithmetic& arithmetic);
+
+    // Executes a cycle. False if it gave up: then everything is as it was before.
+    bool cycle(const CycleState& state);
+    // Whether the code must be lowered anew, as an engine object was used that it did not know.
+    bool isOutdated() const { return isOutdated_; }
+
+private:
+    const Profile& profile_;
+    Memory& memory_;
+    Watch& watch_;
+    Arithmetic& arithmetic_;
+    RegisterCode code_;
+    std::vector<quint8> isUnset_;  // for each slot, if any may be
+    std::optional<Notes> notesBefore_;
+    bool isOutdated_ = false;
+
+    void takeOver(const CycleState& state);
+    void handOver(const CycleState& state);
+    bool execute(qint64& budget);
+    bool run(qint64& budget);
+    void keepNotes();
+    void apply(int index);
+    void note(int index);
+    void applyMath(int index, double result, bool areOperandsFinite);
+    const Binding* engineObject(const RegisterInstruction& instruction);
+    bool useEngine(int index);
+};
