@@ -1125,7 +1125,9 @@ private:
         const Typ type = std::max(node(left).type, node(right).type);
         const bool isTyped = all_.profile.width == Width::Typed;
         const Limits limits = resultLimits(operation, node(left).limits, node(right).limits);
-        const Limits wanted = isTyped ? LimitsOf(type) : WIDEST;
+        const bool isShift =
+            operation >= Operation::ShiftLeft && operation <= Operation::RotateRight;
+        const Limits wanted = isTyped && !isShift ? LimitsOf(type) : WIDEST;
         if (limits.least == limits.greatest && wanted.holds(limits) && isConstant(left) &&
             isConstant(right)) {
             return addWhole(type, limits.least);
