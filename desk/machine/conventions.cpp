@@ -32,8 +32,7 @@ bool IsStepDown(const Code& code, const Instruction& instruction) {
 bool IsResultPushed(const Code& code, CallResult choice, int next) {
     const bool isInCode = next < static_cast<int>(code.instructions.size());
     const bool isDropped =
-        isInCode &&
-        code.instructions[static_cast<std::size_t>(next)].to.kind == OperandKind::Nil;
+        isInCode && code.instructions[static_cast<std::size_t>(next)].to.kind == OperandKind::Nil;
     return choice == CallResult::Both || (choice == CallResult::ByUse && isDropped);
 }
 

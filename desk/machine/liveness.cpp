@@ -17,8 +17,7 @@ Live BeforeOperation(const Instruction& instruction, Live after) {
         after.register0 = false;
     }
     after.flag = after.flag && !isTest;
-    after.accumulator =
-        after.accumulator || instruction.from.kind == OperandKind::Accumulator;
+    after.accumulator = after.accumulator || instruction.from.kind == OperandKind::Accumulator;
     after.register0 = after.register0 || instruction.from.kind == OperandKind::Register0;
     return after;
 }
@@ -26,8 +25,7 @@ Live BeforeOperation(const Instruction& instruction, Live after) {
 class Analysis {
 public:
     Analysis(const Code& code, const CodeUnit& unit)
-        : code_(code), unit_(unit),
-          live_(static_cast<std::size_t>(unit.end - unit.begin) + 1) {}
+        : code_(code), unit_(unit), live_(static_cast<std::size_t>(unit.end - unit.begin) + 1) {}
 
     // Backwards until nothing changes; loops need a further round or two.
     std::vector<Live> find() {

@@ -54,9 +54,9 @@ struct Node {
     R comparison = R::IsEqual;
     qint32 left = 0;
     qint32 right = 0;
-    Limits limits = TRUTH;   // of a whole number
-    bool isSingle = false;   // a real that has 32 bits
-    Typ meant = TYP_NONE;    // the type of the variable that an address leads to
+    Limits limits = TRUTH;  // of a whole number
+    bool isSingle = false;  // a real that has 32 bits
+    Typ meant = TYP_NONE;   // the type of the variable that an address leads to
 
     bool isReal() const { return IsReal(type); }
 };
@@ -97,7 +97,7 @@ struct Join {
 // What the callers of a unit need to know of it.
 struct UnitPlan {
     bool isCallable = false;
-    int body = 0;               // the instruction after those that take the parameters
+    int body = 0;  // the instruction after those that take the parameters
     Target entry = 0;
     qint32 returnSlot = 0;
     std::vector<qint32> slots;  // of the declarations; of a reference: what holds the address
@@ -110,7 +110,10 @@ struct UnitPlan {
 class Surroundings {
 public:
     Surroundings(const Code& lowered, const Profile& chosen, const Checks& set, Memory& bound)
-        : code(lowered), profile(chosen), checks(set), memory(bound),
+        : code(lowered),
+          profile(chosen),
+          checks(set),
+          memory(bound),
           builder(isOn(Check::ScanLimit)) {
         builder.code.tick = builder.newSlot();
         builder.code.tickSetting = builder.newSlot();
@@ -208,10 +211,10 @@ private:
         const bool isRetained = profile.locals == Locals::Retained;
         for (std::size_t index = 0; index < unit.declarations.size(); ++index) {
             if (IsParameter(unit.declarations[index])) {
-                plan.slots[index] = isRetained && unit.declarations[index].section ==
-                                                      Section::Argument
-                                        ? bind(cells.ofCalls.front()[index])
-                                        : builder.newSlot();
+                plan.slots[index] =
+                    isRetained && unit.declarations[index].section == Section::Argument
+                        ? bind(cells.ofCalls.front()[index])
+                        : builder.newSlot();
             } else {
                 plan.locals.push_back(static_cast<int>(index));
             }
@@ -222,9 +225,8 @@ private:
                 isRetained ? bind(cells.ofCalls.front()[index]) : builder.newSlot();
             noteUnset(cells.initial[index], plan.slots[index]);
         }
-        plan.firstLocal = plan.locals.empty()
-                              ? 0
-                              : plan.slots[static_cast<std::size_t>(plan.locals.front())];
+        plan.firstLocal =
+            plan.locals.empty() ? 0 : plan.slots[static_cast<std::size_t>(plan.locals.front())];
         addInitials(plan, cells.initial);
     }
 
@@ -252,14 +254,12 @@ private:
     bool takesParameter(const CodeUnit& unit, int at, int parameter) const {
         const Instruction& pop = code.instructions[static_cast<std::size_t>(at)];
         const Instruction& put = code.instructions[static_cast<std::size_t>(at) + 1];
-        const Declaration& declaration =
-            unit.declarations[static_cast<std::size_t>(parameter)];
+        const Declaration& declaration = unit.declarations[static_cast<std::size_t>(parameter)];
         const bool isReference = declaration.section == Section::Reference;
         return pop.operation == Operation::Move && pop.from.kind == OperandKind::Pop &&
                pop.to.kind == OperandKind::Accumulator && put.to.index == parameter &&
                put.operation == (isReference ? Operation::MoveAddress : Operation::Move) &&
-               put.from.kind == OperandKind::Accumulator &&
-               put.to.kind == OperandKind::Variable;
+               put.from.kind == OperandKind::Accumulator && put.to.kind == OperandKind::Variable;
     }
 };
 
@@ -270,8 +270,11 @@ private:
 class UnitLowering {
 public:
     UnitLowering(Surroundings& all, int unit)
-        : all_(all), builder_(all.builder), unit_(all.code.units[static_cast<std::size_t>(unit)]),
-          plan_(all.plans[static_cast<std::size_t>(unit)]), live_(FindLive(all.code, unit_)) {}
+        : all_(all),
+          builder_(all.builder),
+          unit_(all.code.units[static_cast<std::size_t>(unit)]),
+          plan_(all.plans[static_cast<std::size_t>(unit)]),
+          live_(FindLive(all.code, unit_)) {}
 
     void lower() {
         builder_.put(plan_.entry);
@@ -295,8 +298,8 @@ private:
 
     std::vector<Node> nodes_;
     State state_;
-    int index_ = 0;        // of the instruction
-    bool isEnded_ = false;  // nothing follows
+    int index_ = 0;           // of the instruction
+    bool isEnded_ = false;    // nothing follows
     std::set<qint32> known_;  // slots that are known to be set
     std::vector<qint32> temporaries_;
     std::size_t temporariesUsed_ = 0;
@@ -467,7 +470,8 @@ private:
     }
 
     void settleIn(qint32 slot, int& entry) {
-        if (entry == UNKNOWN || (node(entry).kind == NodeKind::Slot && node(entry).left == slot)) {
+        if (entry == UNKNOWN ||
+            (node(entry).kind == NodeKind::Slot && node(entry).left == slot)) {
             return;
         }
         save([slot](qint32 used) { return used == slot; });
@@ -800,9 +804,7 @@ private:
     }
 
     // Whether others than the instruction that is lowered may change the slot.
-    bool mayChange(qint32 slot) const {
-        return !builder_.isConstant(slot) && !isTemporary(slot);
-    }
+    bool mayChange(qint32 slot) const { return !builder_.isConstant(slot) && !isTemporary(slot); }
 
     // Stores a value, made to fit, in a slot that is no temporary.
     void assign(qint32 slot, Typ type, int stored, int storeItem) {
@@ -839,7 +841,8 @@ private:
     bool isUsed(qint32 slot) {
         const std::vector<int*> all = entries();
         return std::any_of(all.begin(), all.end(), [this, slot](const int* entry) {
-            return *entry != UNKNOWN && uses(*entry, [slot](qint32 used) { return used == slot; });
+            return *entry != UNKNOWN &&
+                   uses(*entry, [slot](qint32 used) { return used == slot; });
         });
     }
 
@@ -852,8 +855,8 @@ private:
         if (value.isReal()) {
             const bool isSingle = type == TYP_REAL && last.operation <= R::DivideReal;
             const bool isDone = type == TYP_LREAL || (type == TYP_REAL && value.isSingle);
-            last.operation = isSingle ? shifted(last.operation, R::AddReal, R::AddSingle)
-                                      : last.operation;
+            last.operation =
+                isSingle ? shifted(last.operation, R::AddReal, R::AddSingle) : last.operation;
             return isSingle || isDone;
         }
         if (IsReal(type)) {
@@ -910,8 +913,8 @@ private:
         if (IsReal(type)) {
             fitReal(slot, type, index, origin);
         } else if (value.isReal()) {
-            builder_.emit(R::RealToWhole, slot, slotOf(index), 0,
-                          builder_.limits(LimitsOf(type)), origin);
+            builder_.emit(R::RealToWhole, slot, slotOf(index), 0, builder_.limits(LimitsOf(type)),
+                          origin);
         } else if (LimitsOf(type).holds(value.limits)) {
             copyInto(slot, index);
         } else {
@@ -1102,14 +1105,14 @@ private:
 
     int reals(Operation operation, int left, int right) {
         const Typ type = std::max(node(left).type, node(right).type);
-        const Origin origin = originOf(
-            operation, node(left).isReal() ? node(left).type : TYP_REAL,
-            node(right).isReal() ? node(right).type : TYP_REAL);
+        const Origin origin =
+            originOf(operation, node(left).isReal() ? node(left).type : TYP_REAL,
+                     node(right).isReal() ? node(right).type : TYP_REAL);
         const qint32 leftSlot = asReal(left);
         const qint32 rightSlot = asReal(right);
         const bool isSingle = all_.profile.width == Width::Typed && type == TYP_REAL;
-        const qint32 slot = emitOperation(realOperation(operation, isSingle), leftSlot, rightSlot,
-                                          origin, 0);
+        const qint32 slot =
+            emitOperation(realOperation(operation, isSingle), leftSlot, rightSlot, origin, 0);
         return addValue(slot, type, WIDEST, isSingle);
     }
 

@@ -34,7 +34,7 @@ public:
     bool cycle();
     const std::optional<Stop>& stop() const { return stop_; }
     const Notes& notes() const { return watch_.notes(); }
-    qint64 cycles() const { return cycles_; }              // that were executed whole
+    qint64 cycles() const { return cycles_; }  // that were executed whole
     // That were executed; with the check "scan-limit" off register code does not count them.
     qint64 instructions() const { return instructions_; }
 

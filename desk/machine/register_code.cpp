@@ -147,7 +147,8 @@ bool RegisterCodeBuilder::closeLoop(Target place) {
     }
     const RegisterInstruction condition = code.instructions[static_cast<std::size_t>(head)];
     const int total = counted_ + condition.extra;
-    const auto used = std::lower_bound(uses_.begin(), uses_.end(), std::make_pair(head, Target()));
+    const auto used =
+        std::lower_bound(uses_.begin(), uses_.end(), std::make_pair(head, Target()));
     if (!IsConditional(condition.operation) || total > MOST_COUNTED) {
         return false;
     }

@@ -10,8 +10,6 @@
 #include "machine/memory.h"
 #include "machine/profile.h"
 
-
-
 #include <map>
 #include <vector>
 
@@ -34,78 +32,55 @@ inline Value ValueOf(Typ type, Slot slot) {
     return isReal ? Value::Real(type, slot.real) : Value::Whole(type, slot.whole);
 }
 
-enum class RegisterOperation : quint16 {
-    // Values: `to` becomes what is made of `left` and `right`.
-    Copy,
-    Fit,           // a whole number, within the limits
-    WholeToReal,
-    RealToWhole,   // within the limits
-    RoundToSingle,
-    Add,           // whole numbers of 64 bits
-    Subtract,
-    Multiply,
-    AddFit,        // the result is within the limits
-    SubtractFit,
-    MultiplyFit,
-    DivideFit,
-    ModuloFit,
-    BitAnd,
-    BitOr,
-    BitXor,
-    AddReal,
-    SubtractReal,
-    MultiplyReal,
-    DivideReal,
-    AddSingle,     // the result is rounded to 32 bits
-    SubtractSingle,
-    MultiplySingle,
-    DivideSingle,
-    Apply,         // any operation, by Arithmetic
-    IsEqual,       // 1 or 0
-    IsNotEqual,
-    IsLess,
-    IsLessOrEqual,
-    IsEqualReal,
-    IsNotEqualReal,
-    IsLessReal,
-    IsLessOrEqualReal,
-    IsNotLessReal,
-    IsNotLessOrEqualReal,
-    And,           // of truth values, 1 or 0
-    // Jumps: to the instruction `to`, if the comparison holds.
-    Jump,
-    JumpIfEqual,
-    JumpIfNotEqual,
-    JumpIfLess,
-    JumpIfLessOrEqual,
-    JumpIfEqualReal,
-    JumpIfNotEqualReal,
-    JumpIfLessReal,
-    JumpIfLessOrEqualReal,
-    JumpIfNotLessReal,
-    JumpIfNotLessOrEqualReal,
-    // Calls
-    Call,          // the unit at the instruction `to`; `left` is the slot to return by
-    Return,        // by the slot `left`
-    Restore,       // `right` slots from `to` on become those from `left` on
-    Math,          // the function `right` of `left`
-    Power,         // `left` to the power of `right`, of the library
-    Engine,        // the built-in `right`, with its arguments from `left` on
-    // Parameters by reference: the slot `left` holds the number of the slot that is meant.
-    LoadReferred,
-    StoreReferred,  // `right`
-    // Variables that may be unset
-    NeedSet,
-    MarkSet,
-    MarkUnset,
-    NeedReferredSet,
-    MarkReferredSet,
-    // The end of a cycle, and what leads there
-    Count,         // of the instructions executed
-    Note,          // raises a check
-    GiveUp,
-    End,
-};
+// Each operation and what it does, by X(NAME); `to`, `left` and `right` are slots unless it is
+// said otherwise.
+// clang-format off
+#define REGISTER_OPERATIONS(X)                                                                  \
+    /* `to` becomes what is made of `left` and `right`. */                                      \
+    X(Copy)                                                                                     \
+    X(Fit)          /* a whole number, within the limits */                                     \
+    X(WholeToReal)                                                                              \
+    X(RealToWhole)  /* within the limits */                                                     \
+    X(RoundToSingle)                                                                            \
+    X(Add) X(Subtract) X(Multiply)          /* whole numbers of 64 bits */                      \
+    X(AddFit) X(SubtractFit) X(MultiplyFit) /* the result is within the limits */               \
+    X(DivideFit) X(ModuloFit)                                                                   \
+    X(BitAnd) X(BitOr) X(BitXor)                                                                \
+    X(AddReal) X(SubtractReal) X(MultiplyReal) X(DivideReal)                                    \
+    X(AddSingle) X(SubtractSingle) X(MultiplySingle) X(DivideSingle) /* rounded to 32 bits */   \
+    X(Apply)        /* any operation, by Arithmetic */                                          \
+    /* `to` becomes 1 or 0. */                                                                  \
+    X(IsEqual) X(IsNotEqual) X(IsLess) X(IsLessOrEqual)                                         \
+    X(IsEqualReal) X(IsNotEqualReal) X(IsLessReal) X(IsLessOrEqualReal)                         \
+    X(IsNotLessReal) X(IsNotLessOrEqualReal)                                                    \
+    X(And)          /* of two that are 1 or 0 */                                                \
+    /* The instruction `to` is next if the comparison holds. */                                 \
+    X(Jump)                                                                                     \
+    X(JumpIfEqual) X(JumpIfNotEqual) X(JumpIfLess) X(JumpIfLessOrEqual)                         \
+    X(JumpIfEqualReal) X(JumpIfNotEqualReal) X(JumpIfLessReal) X(JumpIfLessOrEqualReal)         \
+    X(JumpIfNotLessReal) X(JumpIfNotLessOrEqualReal)                                            \
+    /* Calls */                                                                                 \
+    X(Call)         /* the unit at the instruction `to`; `left` keeps where to return */        \
+    X(Return)       /* to where `left` tells */                                                 \
+    X(Restore)      /* `right` slots from `to` on become those from `left` on */                \
+    X(Math)         /* the function `right` of the library, of `left` */                        \
+    X(Power)        /* of the library */                                                        \
+    X(Engine)       /* the built-in `right`, with its arguments from `left` on */               \
+    /* Parameters by reference: `left` holds the number of the slot that is meant. */           \
+    X(LoadReferred)                                                                             \
+    X(StoreReferred) /* `right` */                                                              \
+    /* Variables that may be unset */                                                           \
+    X(NeedSet) X(MarkSet) X(MarkUnset) X(NeedReferredSet) X(MarkReferredSet)                    \
+    /* The end of a cycle, and what leads there */                                              \
+    X(Count)        /* the instructions that were executed */                                   \
+    X(Note)         /* raises a check */                                                        \
+    X(GiveUp)                                                                                   \
+    X(End)
+// clang-format on
+
+#define ENUMERATOR(NAME) NAME,
+enum class RegisterOperation : quint16 { REGISTER_OPERATIONS(ENUMERATOR) };
+#undef ENUMERATOR
 
 struct RegisterInstruction {
     RegisterOperation operation;
@@ -209,7 +184,7 @@ private:
     int counted_ = 0;
     std::vector<bool> isConstant_;
     std::map<std::pair<bool, qint64>, qint32> constants_;
-    std::vector<int> places_;                 // where each lies, -1 if it is not put yet
+    std::vector<int> places_;                   // where each lies, -1 if it is not put yet
     std::vector<std::pair<int, Target>> uses_;  // of places, by instructions
     int lastPut_ = -1;
 

@@ -16,7 +16,10 @@ float Single(double number) {
 
 Registers::Registers(const Code& code, const Profile& profile, Memory& memory, Watch& watch,
                      Arithmetic& arithmetic)
-    : profile_(profile), memory_(memory), watch_(watch), arithmetic_(arithmetic),
+    : profile_(profile),
+      memory_(memory),
+      watch_(watch),
+      arithmetic_(arithmetic),
       code_(Lower(code, profile, watch.checks(), memory)) {
     isUnset_.resize(code_.hasUnset ? code_.slots.size() : 0);
 }
@@ -110,12 +113,30 @@ void Registers::note(int index) {
     watch_.raise(origin.check, QString());
 }
 
-Q_NEVER_INLINE void Registers::applyMath(int index, double result, bool areOperandsFinite) {
-    keepNotes();
-    watch_.setItem(code_.origins[static_cast<std::size_t>(index)].item);
-    code_.slots[static_cast<std::size_t>(
-                    code_.instructions[static_cast<std::size_t>(index)].to)]
-        .real = arithmetic_.realResult(result, areOperandsFinite).real;
+void Registers::applyMath(int index) {
+    const RegisterInstruction& instruction = code_.instructions[static_cast<std::size_t>(index)];
+    Slot* const slots = code_.slots.data();
+    const double argument = slots[instruction.left].real;
+    const MathFunction function = code_.functions[static_cast<std::size_t>(instruction.right)];
+    giveReal(index, function(argument), std::isfinite(argument));
+}
+
+void Registers::applyPower(int index) {
+    const RegisterInstruction& instruction = code_.instructions[static_cast<std::size_t>(index)];
+    const Slot* const slots = code_.slots.data();
+    const double base = slots[instruction.left].real;
+    const double exponent = slots[instruction.right].real;
+    giveReal(index, std::pow(base, exponent), std::isfinite(base) && std::isfinite(exponent));
+}
+
+void Registers::giveReal(int index, double result, bool areOperandsFinite) {
+    const RegisterInstruction& instruction = code_.instructions[static_cast<std::size_t>(index)];
+    if (!std::isfinite(result)) {
+        keepNotes();
+        watch_.setItem(code_.origins[static_cast<std::size_t>(index)].item);
+        result = arithmetic_.realResult(result, areOperandsFinite).real;
+    }
+    code_.slots[static_cast<std::size_t>(instruction.to)].real = result;
 }
 
 // The object by its numbers; null if it is not known yet.
@@ -161,243 +182,214 @@ bool Registers::useEngine(int index) {
 // What is usual
 // ---------------------------------------------------------------------------------------------
 
-// Each case is the whole of an instruction; where the result is not usual `apply` gives it. False
-// if the code gave up, or if the budget of instructions is used up.
-bool Registers::run(qint64& budget) {
-    const RegisterInstruction* const first = code_.instructions.data();
-    const RegisterInstruction* next = first + code_.begin;
-    const Limits* const limits = code_.limits.data();
-    Slot* const slots = code_.slots.data();
-    quint8* const isUnset = isUnset_.data();
-    qint64 left = budget;
+// Each of these is the whole of an instruction; where the result is not usual `apply` gives it.
+// False if the code gave up, or if the budget of instructions is used up.
+//
+// Each one jumps to the next by itself, which a processor foresees better than the one jump of a
+// switch; labels as values are an extension that GCC and Clang share.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic"
 
 #define INDEX static_cast<int>(at - first)
 #define TO slots[at->to]
 #define LEFT slots[at->left]
 #define RIGHT slots[at->right]
-#define WHOLE(OPERATION, EXPRESSION)       \
-    case RegisterOperation::OPERATION:     \
-        TO.whole = (EXPRESSION) ? 1 : 0;   \
-        break;
-#define ARITHMETIC(OPERATION, FUNCTION)                                             \
-    case RegisterOperation::OPERATION: {                                            \
-        qint64 result = 0;                                                          \
-        if (Q_UNLIKELY(FUNCTION(LEFT.whole, RIGHT.whole, &result))) {               \
-            apply(INDEX);                                                           \
-        } else {                                                                    \
-            TO.whole = result;                                                      \
-        }                                                                           \
-        break;                                                                      \
-    }                                                                               \
-    case RegisterOperation::OPERATION##Fit: {                                       \
-        qint64 result = 0;                                                          \
-        const bool isBeyond = FUNCTION(LEFT.whole, RIGHT.whole, &result);           \
-        if (Q_UNLIKELY(isBeyond || !limits[at->extra].holds(result))) {             \
-            apply(INDEX);                                                           \
-        } else {                                                                    \
-            TO.whole = result;                                                      \
-        }                                                                           \
-        break;                                                                      \
+#define NEXT                                           \
+    do {                                               \
+        ++at;                                          \
+        goto* labels[static_cast<int>(at->operation)]; \
+    } while (false)
+#define GO_TO(INSTRUCTION)                             \
+    do {                                               \
+        at = first + (INSTRUCTION);                    \
+        goto* labels[static_cast<int>(at->operation)]; \
+    } while (false)
+// Stores the result, or applies the instruction if the result is not usual.
+#define GIVE(FIELD, RESULT, IS_UNUSUAL) \
+    do {                                \
+        if (Q_UNLIKELY(IS_UNUSUAL)) {   \
+            apply(INDEX);               \
+        } else {                        \
+            TO.FIELD = RESULT;          \
+        }                               \
+        NEXT;                           \
+    } while (false)
+#define TRUTH(NAME, CONDITION)      \
+    NAME:                           \
+    TO.whole = (CONDITION) ? 1 : 0; \
+    NEXT;
+#define ARITHMETIC(NAME, FUNCTION)                                         \
+    NAME : {                                                               \
+        qint64 result = 0;                                                 \
+        const bool isBeyond = FUNCTION(LEFT.whole, RIGHT.whole, &result);  \
+        GIVE(whole, result, isBeyond);                                     \
+    }                                                                      \
+    NAME##Fit : {                                                          \
+        qint64 result = 0;                                                 \
+        const bool isBeyond = FUNCTION(LEFT.whole, RIGHT.whole, &result);  \
+        GIVE(whole, result, isBeyond || !limits[at->extra].holds(result)); \
     }
-#define DIVISION(OPERATION, OPERATOR)                                               \
-    case RegisterOperation::OPERATION: {                                            \
-        const qint64 divisor = RIGHT.whole;                                         \
-        if (Q_UNLIKELY(divisor == 0 || divisor == -1)) {                            \
-            apply(INDEX);                                                           \
-            break;                                                                  \
-        }                                                                           \
-        const qint64 result = LEFT.whole OPERATOR divisor;                          \
-        if (Q_UNLIKELY(!limits[at->extra].holds(result))) {                         \
-            apply(INDEX);                                                           \
-        } else {                                                                    \
-            TO.whole = result;                                                      \
-        }                                                                           \
-        break;                                                                      \
+#define DIVISION(NAME, OPERATOR)                               \
+    NAME : {                                                   \
+        const qint64 divisor = RIGHT.whole;                    \
+        if (Q_UNLIKELY(divisor == 0 || divisor == -1)) {       \
+            apply(INDEX);                                      \
+            NEXT;                                              \
+        }                                                      \
+        const qint64 result = LEFT.whole OPERATOR divisor;     \
+        GIVE(whole, result, !limits[at->extra].holds(result)); \
     }
-#define REAL(OPERATION, OPERATOR)                                                   \
-    case RegisterOperation::OPERATION##Real: {                                      \
-        const double result = LEFT.real OPERATOR RIGHT.real;                        \
-        if (Q_UNLIKELY(!std::isfinite(result))) {                                   \
-            apply(INDEX);                                                           \
-        } else {                                                                    \
-            TO.real = result;                                                       \
-        }                                                                           \
-        break;                                                                      \
-    }                                                                               \
-    case RegisterOperation::OPERATION##Single: {                                    \
-        const float result = Single(LEFT.real OPERATOR RIGHT.real);                 \
-        if (Q_UNLIKELY(!std::isfinite(result))) {                                   \
-            apply(INDEX);                                                           \
-        } else {                                                                    \
-            TO.real = static_cast<double>(result);                                  \
-        }                                                                           \
-        break;                                                                      \
+#define REAL(NAME, OPERATOR)                                             \
+    NAME##Real : {                                                       \
+        const double result = LEFT.real OPERATOR RIGHT.real;             \
+        GIVE(real, result, !std::isfinite(result));                      \
+    }                                                                    \
+    NAME##Single : {                                                     \
+        const float result = Single(LEFT.real OPERATOR RIGHT.real);      \
+        GIVE(real, static_cast<double>(result), !std::isfinite(result)); \
     }
-#define JUMP(OPERATION, CONDITION)                                                  \
-    case RegisterOperation::OPERATION:                                              \
-        left -= at->extra;                                                          \
-        if (Q_UNLIKELY(left < 0)) {                                                 \
-            return false;                                                           \
-        }                                                                           \
-        if (CONDITION) {                                                            \
-            next = first + at->to;                                                  \
-        }                                                                           \
-        break;
+#define JUMP(NAME, CONDITION)   \
+    NAME:                       \
+    left -= at->extra;          \
+    if (Q_UNLIKELY(left < 0)) { \
+        return false;           \
+    }                           \
+    if (CONDITION) {            \
+        GO_TO(at->to);          \
+    }                           \
+    NEXT;
+#define LABEL(NAME) &&NAME,
 
-    for (;;) {
-        const RegisterInstruction* const at = next++;
-        switch (at->operation) {
-            case RegisterOperation::Copy:
-                TO = LEFT;
-                break;
-            case RegisterOperation::Fit:
-                if (Q_UNLIKELY(!limits[at->extra].holds(LEFT.whole))) {
-                    apply(INDEX);
-                } else {
-                    TO = LEFT;
-                }
-                break;
-            case RegisterOperation::WholeToReal:
-                TO.real = static_cast<double>(LEFT.whole);
-                break;
-            case RegisterOperation::RealToWhole: {
-                const double real = LEFT.real;
-                const Limits& range = limits[at->extra];
-                const bool isWithin = real >= static_cast<double>(range.least) &&
-                                      real <= static_cast<double>(range.greatest);
-                const qint64 whole = isWithin ? static_cast<qint64>(real) : 0;
-                if (Q_UNLIKELY(!isWithin || static_cast<double>(whole) != real)) {
-                    apply(INDEX);
-                } else {
-                    TO.whole = whole;
-                }
-                break;
-            }
-            case RegisterOperation::RoundToSingle: {
-                const float single = Single(LEFT.real);
-                if (Q_UNLIKELY(!std::isfinite(single))) {
-                    apply(INDEX);
-                } else {
-                    TO.real = static_cast<double>(single);
-                }
-                break;
-            }
-            ARITHMETIC(Add, __builtin_add_overflow)
-            ARITHMETIC(Subtract, __builtin_sub_overflow)
-            ARITHMETIC(Multiply, __builtin_mul_overflow)
-            DIVISION(DivideFit, /)
-            DIVISION(ModuloFit, %)
-            case RegisterOperation::BitAnd:
-                TO.whole = LEFT.whole & RIGHT.whole;
-                break;
-            case RegisterOperation::BitOr:
-                TO.whole = LEFT.whole | RIGHT.whole;
-                break;
-            case RegisterOperation::BitXor:
-                TO.whole = LEFT.whole ^ RIGHT.whole;
-                break;
-            REAL(Add, +)
-            REAL(Subtract, -)
-            REAL(Multiply, *)
-            REAL(Divide, /)
-            case RegisterOperation::Apply:
-                apply(INDEX);
-                break;
-            WHOLE(IsEqual, LEFT.whole == RIGHT.whole)
-            WHOLE(IsNotEqual, LEFT.whole != RIGHT.whole)
-            WHOLE(IsLess, LEFT.whole < RIGHT.whole)
-            WHOLE(IsLessOrEqual, LEFT.whole <= RIGHT.whole)
-            WHOLE(IsEqualReal, LEFT.real == RIGHT.real)
-            WHOLE(IsNotEqualReal, LEFT.real != RIGHT.real)
-            WHOLE(IsLessReal, LEFT.real < RIGHT.real)
-            WHOLE(IsLessOrEqualReal, LEFT.real <= RIGHT.real)
-            WHOLE(IsNotLessReal, !(LEFT.real < RIGHT.real))
-            WHOLE(IsNotLessOrEqualReal, !(LEFT.real <= RIGHT.real))
-            WHOLE(And, (LEFT.whole & RIGHT.whole) != 0)
-            JUMP(Jump, true)
-            JUMP(JumpIfEqual, LEFT.whole == RIGHT.whole)
-            JUMP(JumpIfNotEqual, LEFT.whole != RIGHT.whole)
-            JUMP(JumpIfLess, LEFT.whole < RIGHT.whole)
-            JUMP(JumpIfLessOrEqual, LEFT.whole <= RIGHT.whole)
-            JUMP(JumpIfEqualReal, LEFT.real == RIGHT.real)
-            JUMP(JumpIfNotEqualReal, LEFT.real != RIGHT.real)
-            JUMP(JumpIfLessReal, LEFT.real < RIGHT.real)
-            JUMP(JumpIfLessOrEqualReal, LEFT.real <= RIGHT.real)
-            JUMP(JumpIfNotLessReal, !(LEFT.real < RIGHT.real))
-            JUMP(JumpIfNotLessOrEqualReal, !(LEFT.real <= RIGHT.real))
-            case RegisterOperation::Call:
-                left -= at->extra;
-                LEFT.whole = next - first;
-                next = first + at->to;
-                break;
-            case RegisterOperation::Return:
-                left -= at->extra;
-                next = first + LEFT.whole;
-                break;
-            case RegisterOperation::Restore:
-                std::copy_n(slots + at->left, at->right, slots + at->to);
-                break;
-            case RegisterOperation::Math: {
-                const double argument = LEFT.real;
-                const double result =
-                    code_.functions[static_cast<std::size_t>(at->right)](argument);
-                if (Q_UNLIKELY(!std::isfinite(result))) {
-                    applyMath(INDEX, result, std::isfinite(argument));
-                } else {
-                    TO.real = result;
-                }
-                break;
-            }
-            case RegisterOperation::Power: {
-                const double result = std::pow(LEFT.real, RIGHT.real);
-                if (Q_UNLIKELY(!std::isfinite(result))) {
-                    applyMath(INDEX, result, std::isfinite(LEFT.real) && std::isfinite(RIGHT.real));
-                } else {
-                    TO.real = result;
-                }
-                break;
-            }
-            case RegisterOperation::Engine:
-                if (!useEngine(INDEX)) {
-                    return false;
-                }
-                break;
-            case RegisterOperation::LoadReferred:
-                TO = slots[LEFT.whole];
-                break;
-            case RegisterOperation::StoreReferred:
-                slots[LEFT.whole] = RIGHT;
-                break;
-            case RegisterOperation::NeedSet:
-                if (isUnset[at->left] != 0) {
-                    return false;
-                }
-                break;
-            case RegisterOperation::MarkSet:
-                isUnset[at->left] = 0;
-                break;
-            case RegisterOperation::MarkUnset:
-                isUnset[at->left] = 1;
-                break;
-            case RegisterOperation::NeedReferredSet:
-                if (isUnset[LEFT.whole] != 0) {
-                    return false;
-                }
-                break;
-            case RegisterOperation::MarkReferredSet:
-                isUnset[LEFT.whole] = 0;
-                break;
-            case RegisterOperation::Count:
-                left -= at->extra;
-                break;
-            case RegisterOperation::Note:
-                note(INDEX);
-                break;
-            case RegisterOperation::GiveUp:
-                return false;
-            case RegisterOperation::End:
-                budget = left - at->extra;
-                return budget >= 0;
-        }
-    }
+bool Registers::run(qint64& budget) {
+    static const void* const labels[] = {REGISTER_OPERATIONS(LABEL)};
+    const RegisterInstruction* const first = code_.instructions.data();
+    const RegisterInstruction* at = first;
+    const Limits* const limits = code_.limits.data();
+    Slot* const slots = code_.slots.data();
+    quint8* const isUnset = isUnset_.data();
+    qint64 left = budget;
+    GO_TO(code_.begin);
+
+Copy:
+    TO = LEFT;
+    NEXT;
+Fit:
+    GIVE(whole, LEFT.whole, !limits[at->extra].holds(LEFT.whole));
+WholeToReal:
+    TO.real = static_cast<double>(LEFT.whole);
+    NEXT;
+RealToWhole : {
+    const double real = LEFT.real;
+    const Limits& range = limits[at->extra];
+    const bool isWithin =
+        real >= static_cast<double>(range.least) && real <= static_cast<double>(range.greatest);
+    const qint64 whole = isWithin ? static_cast<qint64>(real) : 0;
+    GIVE(whole, whole, !isWithin || static_cast<double>(whole) != real);
 }
+RoundToSingle : {
+    const float single = Single(LEFT.real);
+    GIVE(real, static_cast<double>(single), !std::isfinite(single));
+}
+    ARITHMETIC(Add, __builtin_add_overflow)
+    ARITHMETIC(Subtract, __builtin_sub_overflow)
+    ARITHMETIC(Multiply, __builtin_mul_overflow)
+    DIVISION(DivideFit, /)
+    DIVISION(ModuloFit, %)
+BitAnd:
+    TO.whole = LEFT.whole & RIGHT.whole;
+    NEXT;
+BitOr:
+    TO.whole = LEFT.whole | RIGHT.whole;
+    NEXT;
+BitXor:
+    TO.whole = LEFT.whole ^ RIGHT.whole;
+    NEXT;
+    REAL(Add, +)
+    REAL(Subtract, -)
+    REAL(Multiply, *)
+    REAL(Divide, /)
+Apply:
+    apply(INDEX);
+    NEXT;
+    TRUTH(IsEqual, LEFT.whole == RIGHT.whole)
+    TRUTH(IsNotEqual, LEFT.whole != RIGHT.whole)
+    TRUTH(IsLess, LEFT.whole < RIGHT.whole)
+    TRUTH(IsLessOrEqual, LEFT.whole <= RIGHT.whole)
+    TRUTH(IsEqualReal, LEFT.real == RIGHT.real)
+    TRUTH(IsNotEqualReal, LEFT.real != RIGHT.real)
+    TRUTH(IsLessReal, LEFT.real < RIGHT.real)
+    TRUTH(IsLessOrEqualReal, LEFT.real <= RIGHT.real)
+    TRUTH(IsNotLessReal, !(LEFT.real < RIGHT.real))
+    TRUTH(IsNotLessOrEqualReal, !(LEFT.real <= RIGHT.real))
+    TRUTH(And, (LEFT.whole & RIGHT.whole) != 0)
+    JUMP(Jump, true)
+    JUMP(JumpIfEqual, LEFT.whole == RIGHT.whole)
+    JUMP(JumpIfNotEqual, LEFT.whole != RIGHT.whole)
+    JUMP(JumpIfLess, LEFT.whole < RIGHT.whole)
+    JUMP(JumpIfLessOrEqual, LEFT.whole <= RIGHT.whole)
+    JUMP(JumpIfEqualReal, LEFT.real == RIGHT.real)
+    JUMP(JumpIfNotEqualReal, LEFT.real != RIGHT.real)
+    JUMP(JumpIfLessReal, LEFT.real < RIGHT.real)
+    JUMP(JumpIfLessOrEqualReal, LEFT.real <= RIGHT.real)
+    JUMP(JumpIfNotLessReal, !(LEFT.real < RIGHT.real))
+    JUMP(JumpIfNotLessOrEqualReal, !(LEFT.real <= RIGHT.real))
+Call:
+    left -= at->extra;
+    LEFT.whole = INDEX + 1;
+    GO_TO(at->to);
+Return:
+    left -= at->extra;
+    GO_TO(LEFT.whole);
+Restore:
+    std::copy_n(slots + at->left, at->right, slots + at->to);
+    NEXT;
+Math:
+    applyMath(INDEX);
+    NEXT;
+Power:
+    applyPower(INDEX);
+    NEXT;
+Engine:
+    if (!useEngine(INDEX)) {
+        return false;
+    }
+    NEXT;
+LoadReferred:
+    TO = slots[LEFT.whole];
+    NEXT;
+StoreReferred:
+    slots[LEFT.whole] = RIGHT;
+    NEXT;
+NeedSet:
+    if (isUnset[at->left] != 0) {
+        return false;
+    }
+    NEXT;
+MarkSet:
+    isUnset[at->left] = 0;
+    NEXT;
+MarkUnset:
+    isUnset[at->left] = 1;
+    NEXT;
+NeedReferredSet:
+    if (isUnset[LEFT.whole] != 0) {
+        return false;
+    }
+    NEXT;
+MarkReferredSet:
+    isUnset[LEFT.whole] = 0;
+    NEXT;
+Count:
+    left -= at->extra;
+    NEXT;
+Note:
+    note(INDEX);
+    NEXT;
+GiveUp:
+    return false;
+End:
+    budget = left - at->extra;
+    return budget >= 0;
+}
+
+#pragma GCC diagnostic pop

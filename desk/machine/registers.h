@@ -44,7 +44,9 @@ private:
     void keepNotes();
     void apply(int index);
     void note(int index);
-    void applyMath(int index, double result, bool areOperandsFinite);
+    void applyMath(int index);
+    void applyPower(int index);
+    void giveReal(int index, double result, bool areOperandsFinite);
     const Binding* engineObject(const RegisterInstruction& instruction);
     bool useEngine(int index);
 };

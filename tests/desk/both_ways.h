@@ -40,8 +40,8 @@ inline QString DifferenceOf(const Code& code, const Machine& one, const Machine&
     for (int index = 0; index < static_cast<int>(variables.size()) && one.cycles() > 0; ++index) {
         if (!AreSame(one.value(index), other.value(index))) {
             return QStringLiteral("%1 is %2 and %3")
-                .arg(variables[static_cast<std::size_t>(index)].name,
-                     TextOf(one.value(index)), TextOf(other.value(index)));
+                .arg(variables[static_cast<std::size_t>(index)].name, TextOf(one.value(index)),
+                     TextOf(other.value(index)));
         }
     }
     const auto textOf = [](const Machine& machine) {

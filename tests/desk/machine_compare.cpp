@@ -65,8 +65,9 @@ Value RandomValue(Typ type, std::mt19937& random) {
         return Value::Real(type, static_cast<double>(number) * 0.75);
     }
     const Range& range = RangeOf(type);
-    return Value::Whole(type, random() % 8 == 0 ? range.greatest
-                                                : std::clamp(number, range.least, range.greatest));
+    return Value::Whole(type, random() % 8 == 0
+                                  ? range.greatest
+                                  : std::clamp(number, range.least, range.greatest));
 }
 
 void SetInputs(const Code& code, std::mt19937& random, Machine& one, Machine& other) {
@@ -176,7 +177,7 @@ int main(int argc, char** argv) {
     }
     std::cout << totals.programs << " programs, " << totals.runs << " runs, " << totals.cycles
               << " cycles, " << totals.registerCycles << " by register code; " << totals.lowered
-              << " programs by register code alone by the default choices; "
-              << totals.differences << " differences\n";
+              << " programs by register code alone by the default choices; " << totals.differences
+              << " differences\n";
     return totals.differences == 0 && totals.programs > 0 ? 0 : 1;
 }
