@@ -57,6 +57,7 @@ struct Node {
     Limits limits = TRUTH;  // of a whole number
     bool isSingle = false;  // a real that has 32 bits
     Typ meant = TYP_NONE;   // the type of the variable that an address leads to
+    int size = 1;           // the nodes that it is made of
 
     bool isReal() const { return IsReal(type); }
 };
@@ -998,9 +999,18 @@ private:
         }
         Node both;
         both.kind = NodeKind::And;
-        both.left = left;
-        both.right = right;
+        both.left = small(left);
+        both.right = small(right);
+        both.size = node(both.left).size + node(both.right).size + 1;
         return add(both);
+    }
+
+    // The same truth; what is made of many others is worked out first, once for all uses.
+    int small(int index) {
+        constexpr int mostNodes = 16;
+        return node(index).size > mostNodes
+                   ? addValue(intoTemporary(index), TYP_BOOL, TRUTH)
+                   : index;
     }
 
     // A node that is 1 or 0.
