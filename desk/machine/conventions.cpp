@@ -42,3 +42,8 @@ MathFunction FindMathFunction(const QString& name) {
                      [&name](const MathRow& row) { return row.name == name; });
     return found == std::end(MATH_ROWS) ? nullptr : found->function;
 }
+
+std::size_t EngineNumbersOf(const BuiltIn& builtIn) {
+    constexpr std::size_t numbersOfRegister = 4;
+    return builtIn.parameters.size() < numbersOfRegister ? 1 : numbersOfRegister;
+}

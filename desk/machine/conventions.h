@@ -16,3 +16,6 @@ using MathFunction = double (*)(double);
 
 // The function of one real with that name, null if no built-in is one.
 MathFunction FindMathFunction(const QString& name);
+
+// How many of the first arguments of a built-in tell the engine object that it reads or writes.
+std::size_t EngineNumbersOf(const BuiltIn& builtIn);

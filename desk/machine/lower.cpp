@@ -137,6 +137,12 @@ public:
     bool mayBeUnset(qint32 slot) const { return unset_.count(slot) > 0; }
     bool isProgram(const CodeUnit& unit) const { return &unit == &code.units.back(); }
 
+    // Sees to it that the engine object with those numbers is there.
+    void addEngineObject(const EngineNumbers& numbers) {
+        Cell& cell = memory.engineObject(numbers);
+        builder.code.engineObjects[numbers] = {&cell, bind(cell)};
+    }
+
     // The type of what a variable means; an engine object may have another than the variable.
     Typ typeMeant(const CodeUnit& unit, int variable) const {
         const auto index = static_cast<std::size_t>(variable);
@@ -169,11 +175,8 @@ private:
     }
 
     void bindEngine() {
-        for (auto& [number, cell] : memory.engineGlobals) {
-            builder.code.engineGlobals[number] = {&cell, bind(cell)};
-        }
-        for (auto& [numbers, cell] : memory.engineRegisters) {
-            builder.code.engineRegisters[numbers] = {&cell, bind(cell)};
+        for (auto& [numbers, cell] : memory.engineObjects) {
+            builder.code.engineObjects[numbers] = {&cell, bind(cell)};
         }
     }
 
@@ -1434,20 +1437,40 @@ private:
         if (called.parameters.empty() || state_.stack.size() < called.parameters.size()) {
             throw Unusual();
         }
-        const qint32 first = passArguments(called);
-        int result = UNKNOWN;
-        if (const MathFunction function = FindMathFunction(called.name)) {
-            builder_.code.functions.push_back(function);
-            const auto number = static_cast<qint32>(builder_.code.functions.size()) - 1;
-            result = emitBuiltIn(R::Math, first, number, TYP_LREAL);
-        } else if (called.parameters.size() == 2 && called.name == QLatin1String("pow")) {
-            result = emitBuiltIn(R::Power, first, first + 1, TYP_LREAL);
-        } else {
-            result = engineBuiltIn(called, first);
+        const MathFunction function = FindMathFunction(called.name);
+        const bool isPower = called.name == QLatin1String("pow");
+        if (function == nullptr && !isPower) {
+            addKnownObject(called);
         }
+        const qint32 first = passArguments(called);
+        const int result = function != nullptr ? mathematics(function, first)
+                           : isPower ? emitBuiltIn(R::Power, first, first + 1, TYP_LREAL)
+                                     : engineBuiltIn(called, first);
         if (called.result != TYP_NONE) {
             giveResult(result);
         }
+    }
+
+    int mathematics(MathFunction function, qint32 argument) {
+        builder_.code.functions.push_back(function);
+        const auto number = static_cast<qint32>(builder_.code.functions.size()) - 1;
+        return emitBuiltIn(R::Math, argument, number, TYP_LREAL);
+    }
+
+    // An object whose numbers stand in the code.
+    void addKnownObject(const BuiltIn& called) {
+        EngineNumbers numbers;
+        for (std::size_t index = 0; index < EngineNumbersOf(called); ++index) {
+            const std::size_t left = called.parameters.size() - index;
+            const int passed = state_.stack[state_.stack.size() - left];
+            const Typ type = called.parameters[index];
+            if (IsReal(type) || !isConstant(passed) || node(passed).isReal() ||
+                !LimitsOf(type).holds(node(passed).limits)) {
+                return;
+            }
+            numbers.push_back(node(passed).limits.least);
+        }
+        all_.addEngineObject(numbers);
     }
 
     // Each made to fit its type, in slots that follow each other; the last one is taken first.

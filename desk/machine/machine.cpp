@@ -70,15 +70,11 @@ Cell Machine::initialCell(const Declaration& declaration) {
 
 // The object of an engine variable; the first declaration gives it its type.
 Cell& Machine::engineCell(const Declaration& declaration) {
-    const auto number = [&declaration](std::size_t index) {
-        return declaration.numbers[index].whole;
-    };
-    Cell fresh = initialCell(declaration);
-    if (declaration.section == Section::EngineGlobal) {
-        return memory_.engineGlobals.try_emplace(number(0), fresh).first->second;
+    EngineNumbers numbers;
+    for (const Literal& number : declaration.numbers) {
+        numbers.push_back(number.whole);
     }
-    const RegisterNumbers numbers = {number(0), number(1), number(2), number(3)};
-    return memory_.engineRegisters.try_emplace(numbers, fresh).first->second;
+    return memory_.engineObjects.try_emplace(numbers, initialCell(declaration)).first->second;
 }
 
 void Machine::bindEngineVariables() {
@@ -522,23 +518,13 @@ Value Machine::builtIn(int index, const std::vector<Value>& arguments) {
     return engineBuiltIn(called, arguments);
 }
 
-// The object by its numbers, an LREAL unless a variable with them is declared.
-Cell& Machine::engineCell(const std::vector<Value>& arguments) {
-    constexpr std::size_t registerNumbers = std::tuple_size_v<RegisterNumbers>;
-    Cell fresh;
-    fresh.type = TYP_LREAL;
-    fresh.value = Value::Real(TYP_LREAL, 0.0);
-    if (arguments.size() < registerNumbers) {
-        return memory_.engineGlobals.try_emplace(arguments[0].whole, fresh).first->second;
-    }
-    const RegisterNumbers numbers = {arguments[0].whole, arguments[1].whole, arguments[2].whole,
-                                     arguments[3].whole};
-    return memory_.engineRegisters.try_emplace(numbers, fresh).first->second;
-}
-
 // What reads or writes an engine object; one that writes takes the value last.
 Value Machine::engineBuiltIn(const BuiltIn& called, const std::vector<Value>& arguments) {
-    Cell& cell = engineCell(arguments);
+    EngineNumbers numbers;
+    for (std::size_t index = 0; index < EngineNumbersOf(called); ++index) {
+        numbers.push_back(arguments[index].whole);
+    }
+    Cell& cell = memory_.engineObject(numbers);
     if (called.result != TYP_NONE) {
         return arithmetic_.fit(called.result, cell.value);
     }

@@ -124,7 +124,6 @@ private:
     void executeBuiltIn(const Instruction& instruction);
     Value builtIn(int index, const std::vector<Value>& arguments);
     Value engineBuiltIn(const BuiltIn& builtIn, const std::vector<Value>& arguments);
-    Cell& engineCell(const std::vector<Value>& arguments);
 
     void push(const Value& value);
     Value pop();

@@ -4,7 +4,6 @@
 
 #include "machine/value.h"
 
-#include <array>
 #include <deque>
 #include <map>
 #include <vector>
@@ -27,13 +26,21 @@ struct UnitCells {
     std::size_t active = 0;
 };
 
-using RegisterNumbers = std::array<qint64, 4>;
+// The numbers by which an object of the engine is known: one of a global, four of a register.
+using EngineNumbers = std::vector<qint64>;
 
 struct Memory {
     std::vector<Value> literals;
     std::vector<UnitCells> units;
-    std::map<qint64, Cell> engineGlobals;
-    std::map<RegisterNumbers, Cell> engineRegisters;
+    std::map<EngineNumbers, Cell> engineObjects;
+
+    // The object with those numbers, an LREAL if it is not there yet.
+    Cell& engineObject(const EngineNumbers& numbers) {
+        Cell fresh;
+        fresh.type = TYP_LREAL;
+        fresh.value = Value::Real(TYP_LREAL, 0.0);
+        return engineObjects.try_emplace(numbers, fresh).first->second;
+    }
 
     // The variables of the program.
     Cells& program() { return units.back().ofCalls.front(); }

@@ -122,8 +122,7 @@ struct RegisterCode {
     std::vector<Slot> slots;  // as they are when a cycle begins, but for what is bound
     std::vector<MathFunction> functions;
     std::vector<Binding> bindings;
-    std::map<qint64, Binding> engineGlobals;
-    std::map<RegisterNumbers, Binding> engineRegisters;
+    std::map<EngineNumbers, Binding> engineObjects;
     bool hasUnset = false;  // whether a variable may be unset
     int begin = 0;          // the first instruction of the program
     qint32 tick = 0;        // the slots of the counter and of what `TICK := ...` sets

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
 
 namespace {
 
@@ -141,16 +140,14 @@ void Registers::giveReal(int index, double result, bool areOperandsFinite) {
 
 // The object by its numbers; null if it is not known yet.
 const Binding* Registers::engineObject(const RegisterInstruction& instruction) {
-    constexpr std::size_t registerNumbers = std::tuple_size_v<RegisterNumbers>;
     const BuiltIn& called = EngineBuiltIns()[static_cast<std::size_t>(instruction.right)];
-    const Slot* const numbers = code_.slots.data() + instruction.left;
-    if (called.parameters.size() < registerNumbers) {
-        const auto found = code_.engineGlobals.find(numbers[0].whole);
-        return found == code_.engineGlobals.end() ? nullptr : &found->second;
+    EngineNumbers numbers;
+    for (std::size_t index = 0; index < EngineNumbersOf(called); ++index) {
+        const Slot* const arguments = code_.slots.data() + instruction.left;
+        numbers.push_back(arguments[index].whole);
     }
-    const auto found = code_.engineRegisters.find(
-        {numbers[0].whole, numbers[1].whole, numbers[2].whole, numbers[3].whole});
-    return found == code_.engineRegisters.end() ? nullptr : &found->second;
+    const auto found = code_.engineObjects.find(numbers);
+    return found == code_.engineObjects.end() ? nullptr : &found->second;
 }
 
 // Executes a built-in that reads or writes an object; one that writes takes the value last. False
