@@ -1011,9 +1011,8 @@ private:
     // The same truth; what is made of many others is worked out first, once for all uses.
     int small(int index) {
         constexpr int mostNodes = 16;
-        return node(index).size > mostNodes
-                   ? addValue(intoTemporary(index), TYP_BOOL, TRUTH)
-                   : index;
+        return node(index).size > mostNodes ? addValue(intoTemporary(index), TYP_BOOL, TRUTH)
+                                            : index;
     }
 
     // A node that is 1 or 0.

@@ -2,6 +2,8 @@
 
 #include "machine/machine.h"
 
+#include "both_ways.h"
+
 #include "facts/compile.h"
 
 #include <gmock/gmock.h>
@@ -48,15 +50,21 @@ END_VAR
            QStringLiteral("\nEND_PROGRAM\n");
 }
 
-// A run of some cycles, and what became of it.
+// A run of some cycles, and what became of it. It must be the same where each cycle is executed
+// an item at a time.
 class Executed {
 public:
     explicit Executed(const QString& script, const QStringList& choices = {}, int cycles = 1,
                       const Checks& checks = Checks())
         : code_(CodeOf(script)), machine_(code_, ProfileOf(choices), checks) {
+        Machine reference(code_, ProfileOf(choices), checks);
+        reference.setItemwise();
+        reference.setTickStep(100);
         machine_.setTickStep(100);
         for (int cycle = 0; cycle < cycles; ++cycle) {
+            reference.cycle();
             machine_.cycle();
+            EXPECT_EQ(DifferenceOf(code_, reference, machine_).toStdString(), "");
         }
     }
 
