@@ -16,4 +16,5 @@ for _ = 1, cycles do
         y = scaled(y)
     end
 end
-print(x, y)
+print("x", x)
+print("y", string.format("%.17g", y))

@@ -23,4 +23,5 @@ for _ = 1, cycles do
         end
     end
 end
-print(step, count)
+print("step", step)
+print("count", count)

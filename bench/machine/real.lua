@@ -11,4 +11,5 @@ for _ = 1, cycles do
         level = level + (flow - level * 0.2) / 10.0
     end
 end
-print(level, flow)
+print("level", string.format("%.17g", level))
+print("flow", string.format("%.17g", flow))

@@ -10,4 +10,5 @@ for _ = 1, cycles do
         i = i + 1
     end
 end
-print(x, i)
+print("x", x)
+print("i", i)
