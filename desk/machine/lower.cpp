@@ -40,6 +40,15 @@ bool IsVariable(const CodeOperand& operand) {
     return operand.kind == OperandKind::Variable || operand.kind == OperandKind::Referred;
 }
 
+bool IsParameter(const Declaration& declaration) {
+    return declaration.section == Section::Argument || declaration.section == Section::Reference;
+}
+
+// What a variable of the program means: itself or an engine object.
+Cell& Meant(Cell& cell) {
+    return cell.referred == nullptr ? cell : *cell.referred;
+}
+
 // What the accumulator, an entry of the stack and so on are known to hold.
 enum class NodeKind : unsigned char {
     Slot,        // the value of the slot `left`
@@ -154,10 +163,6 @@ private:
     std::map<const Cell*, qint32> bound_;
     std::set<qint32> unset_;
 
-    static const Cell& Meant(const Cell& cell) {
-        return cell.referred == nullptr ? cell : *cell.referred;
-    }
-
     qint32 bind(Cell& cell) {
         const auto [known, isNew] = bound_.try_emplace(&cell, 0);
         if (isNew) {
@@ -200,15 +205,9 @@ private:
     void bindProgram(UnitPlan& plan) {
         Cells& cells = memory.program();
         for (std::size_t index = 0; index < cells.size(); ++index) {
-            Cell& cell = cells[index];
-            plan.slots[index] = bind(cell.referred == nullptr ? cell : *cell.referred);
+            plan.slots[index] = bind(Meant(cells[index]));
             noteUnset(memory.units.back().initial[index], plan.slots[index]);
         }
-    }
-
-    static bool IsParameter(const Declaration& declaration) {
-        return declaration.section == Section::Argument ||
-               declaration.section == Section::Reference;
     }
 
     void addLocals(UnitPlan& plan, const CodeUnit& unit, UnitCells& cells) {

@@ -123,7 +123,7 @@ private:
     void giveResult(bool hasResult);
     void executeBuiltIn(const Instruction& instruction);
     Value builtIn(int index, const std::vector<Value>& arguments);
-    Value engineBuiltIn(const BuiltIn& builtIn, const std::vector<Value>& arguments);
+    Value engineBuiltIn(const BuiltIn& called, const std::vector<Value>& arguments);
 
     void push(const Value& value);
     Value pop();

@@ -207,7 +207,7 @@ bool Registers::useEngine(int index) {
         if (Q_UNLIKELY(IS_UNUSUAL)) {   \
             apply(INDEX);               \
         } else {                        \
-            TO.FIELD = RESULT;          \
+            TO.FIELD = (RESULT);        \
         }                               \
         NEXT;                           \
     } while (false)
@@ -260,12 +260,12 @@ bool Registers::useEngine(int index) {
 bool Registers::run(qint64& budget) {
     static const void* const labels[] = {REGISTER_OPERATIONS(LABEL)};
     const RegisterInstruction* const first = code_.instructions.data();
-    const RegisterInstruction* at = first;
+    const RegisterInstruction* at = first + code_.begin;
     const Limits* const limits = code_.limits.data();
     Slot* const slots = code_.slots.data();
     quint8* const isUnset = isUnset_.data();
     qint64 left = budget;
-    GO_TO(code_.begin);
+    goto* labels[static_cast<int>(at->operation)];
 
 Copy:
     TO = LEFT;
