@@ -1,83 +1,23 @@
 #include "machine/lower.h"
 
 #include "machine/conventions.h"
+#include "machine/expressions.h"
 #include "machine/liveness.h"
+#include "machine/surroundings.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
-#include <set>
+#include <iterator>
 
 namespace {
 
 using R = RegisterOperation;
 
-constexpr int UNKNOWN = -1;
-// So that neither the calls within each other nor the values on the stack come to an end.
-constexpr std::size_t MOST_UNITS = 4000;
-constexpr std::size_t MOST_ENTRIES = 200;  // of the stack, by one unit
-
-constexpr Limits WIDEST = {std::numeric_limits<qint64>::min(),
-                           std::numeric_limits<qint64>::max()};
-constexpr Limits TRUTH = {0, 1};
-
-// Thrown where register code cannot go on.
-struct Unusual {};
-
-Limits LimitsOf(Typ type) {
-    return {RangeOf(type).least, RangeOf(type).greatest};
-}
-
-bool IsReal(Typ type) {
-    return type == TYP_REAL || type == TYP_LREAL;
-}
-
-bool IsNumber(Typ type) {
-    return type > TYP_NONE && type < TYP_STRING;
-}
+// Of the stack, by one unit: so that it does not come to its end.
+constexpr std::size_t MOST_ENTRIES = 200;
 
 bool IsVariable(const CodeOperand& operand) {
     return operand.kind == OperandKind::Variable || operand.kind == OperandKind::Referred;
 }
-
-bool IsParameter(const Declaration& declaration) {
-    return declaration.section == Section::Argument || declaration.section == Section::Reference;
-}
-
-// What a variable of the program means: itself or an engine object.
-Cell& Meant(Cell& cell) {
-    return cell.referred == nullptr ? cell : *cell.referred;
-}
-
-// What the accumulator, an entry of the stack and so on are known to hold.
-enum class NodeKind : unsigned char {
-    Slot,        // the value of the slot `left`
-    Comparison,  // of two slots
-    And,         // of two nodes
-    Not,         // of a node
-};
-
-struct Node {
-    NodeKind kind = NodeKind::Slot;
-    Typ type = TYP_BOOL;
-    R comparison = R::IsEqual;
-    qint32 left = 0;
-    qint32 right = 0;
-    Limits limits = TRUTH;  // of a whole number
-    bool isSingle = false;  // a real that has 32 bits
-    Typ meant = TYP_NONE;   // the type of the variable that an address leads to
-    int size = 1;           // the nodes that it is made of
-
-    bool isReal() const { return IsReal(type); }
-};
-
-// What the machine holds at a point of the code, by nodes.
-struct State {
-    int accumulator = UNKNOWN;
-    int register0 = UNKNOWN;
-    int flag = UNKNOWN;
-    std::vector<int> stack;
-};
 
 // The type of what a slot holds where ways of the code join.
 struct Form {
@@ -104,177 +44,11 @@ struct Join {
     }
 };
 
-// What the callers of a unit need to know of it.
-struct UnitPlan {
-    bool isCallable = false;
-    int body = 0;  // the instruction after those that take the parameters
-    Target entry = 0;
-    qint32 returnSlot = 0;
-    std::vector<qint32> slots;  // of the declarations; of a reference: what holds the address
-    qint32 firstLocal = 0;      // the locals have slots that follow each other
-    qint32 firstInitial = 0;    // and so have their initial values
-    std::vector<int> locals;
-};
-
-// What all units have in common.
-class Surroundings {
-public:
-    Surroundings(const Code& lowered, const Profile& chosen, const Checks& set, Memory& bound)
-        : code(lowered),
-          profile(chosen),
-          checks(set),
-          memory(bound),
-          builder(isOn(Check::ScanLimit)) {
-        builder.code.tick = builder.newSlot();
-        builder.code.tickSetting = builder.newSlot();
-        builder.code.isTickSet = builder.newSlot();
-        bindEngine();
-        for (std::size_t unit = 0; unit < code.units.size(); ++unit) {
-            plans.push_back(planOf(unit));
-        }
-        builder.code.hasUnset = !unset_.empty();
-    }
-
-    const Code& code;
-    const Profile& profile;
-    const Checks& checks;
-    Memory& memory;
-    RegisterCodeBuilder builder;
-    std::vector<UnitPlan> plans;
-
-    bool isOn(Check check) const { return checks.actionOf(check) != Action::Off; }
-    bool mayBeUnset(qint32 slot) const { return unset_.count(slot) > 0; }
-    bool isProgram(const CodeUnit& unit) const { return &unit == &code.units.back(); }
-
-    // Sees to it that the engine object with those numbers is there.
-    void addEngineObject(const EngineNumbers& numbers) {
-        Cell& cell = memory.engineObject(numbers);
-        builder.code.engineObjects[numbers] = {&cell, bind(cell)};
-    }
-
-    // The type of what a variable means; an engine object may have another than the variable.
-    Typ typeMeant(const CodeUnit& unit, int variable) const {
-        const auto index = static_cast<std::size_t>(variable);
-        return isProgram(unit) ? Meant(memory.program()[index]).type
-                               : unit.declarations[index].type;
-    }
-
-private:
-    std::map<const Cell*, qint32> bound_;
-    std::set<qint32> unset_;
-
-    qint32 bind(Cell& cell) {
-        const auto [known, isNew] = bound_.try_emplace(&cell, 0);
-        if (isNew) {
-            known->second = builder.newSlot();
-            builder.code.bindings.push_back({&cell, known->second});
-            noteUnset(cell, known->second);
-        }
-        return known->second;
-    }
-
-    void noteUnset(const Cell& cell, qint32 slot) {
-        if (cell.isUnset && isOn(Check::UninitializedRead)) {
-            unset_.insert(slot);
-        }
-    }
-
-    void bindEngine() {
-        for (auto& [numbers, cell] : memory.engineObjects) {
-            builder.code.engineObjects[numbers] = {&cell, bind(cell)};
-        }
-    }
-
-    UnitPlan planOf(std::size_t index) {
-        const CodeUnit& unit = code.units[index];
-        UnitPlan plan;
-        plan.entry = builder.newTarget();
-        plan.returnSlot = builder.newSlot();
-        plan.slots.assign(unit.declarations.size(), 0);
-        if (isProgram(unit)) {
-            plan.body = unit.begin;
-            bindProgram(plan);
-        } else {
-            plan.body = bodyOf(unit);
-            plan.isCallable = plan.body != NOWHERE && code.units.size() < MOST_UNITS;
-            addLocals(plan, unit, memory.units[index]);
-        }
-        return plan;
-    }
-
-    void bindProgram(UnitPlan& plan) {
-        Cells& cells = memory.program();
-        for (std::size_t index = 0; index < cells.size(); ++index) {
-            plan.slots[index] = bind(Meant(cells[index]));
-            noteUnset(memory.units.back().initial[index], plan.slots[index]);
-        }
-    }
-
-    void addLocals(UnitPlan& plan, const CodeUnit& unit, UnitCells& cells) {
-        const bool isRetained = profile.locals == Locals::Retained;
-        for (std::size_t index = 0; index < unit.declarations.size(); ++index) {
-            if (IsParameter(unit.declarations[index])) {
-                plan.slots[index] =
-                    isRetained && unit.declarations[index].section == Section::Argument
-                        ? bind(cells.ofCalls.front()[index])
-                        : builder.newSlot();
-            } else {
-                plan.locals.push_back(static_cast<int>(index));
-            }
-        }
-        for (const int local : plan.locals) {
-            const auto index = static_cast<std::size_t>(local);
-            plan.slots[index] =
-                isRetained ? bind(cells.ofCalls.front()[index]) : builder.newSlot();
-            noteUnset(cells.initial[index], plan.slots[index]);
-        }
-        plan.firstLocal =
-            plan.locals.empty() ? 0 : plan.slots[static_cast<std::size_t>(plan.locals.front())];
-        addInitials(plan, cells.initial);
-    }
-
-    void addInitials(UnitPlan& plan, const Cells& initial) {
-        for (const int local : plan.locals) {
-            const Value& value = initial[static_cast<std::size_t>(local)].value;
-            const qint32 slot = builder.newSlot();
-            builder.code.slots.back() = SlotOf(value);
-            plan.firstInitial = local == plan.locals.front() ? slot : plan.firstInitial;
-        }
-    }
-
-    // The instruction after those that take all parameters off the stack, the last one first;
-    // NOWHERE if a parameter is not taken as the compiler does it.
-    int bodyOf(const CodeUnit& unit) const {
-        int next = unit.begin;
-        for (std::size_t left = unit.parameters.size(); left-- > 0; next += 2) {
-            if (next + 2 > unit.end || !takesParameter(unit, next, unit.parameters[left])) {
-                return NOWHERE;
-            }
-        }
-        return next;
-    }
-
-    bool takesParameter(const CodeUnit& unit, int at, int parameter) const {
-        const Instruction& pop = code.instructions[static_cast<std::size_t>(at)];
-        const Instruction& put = code.instructions[static_cast<std::size_t>(at) + 1];
-        const Declaration& declaration = unit.declarations[static_cast<std::size_t>(parameter)];
-        const bool isReference = declaration.section == Section::Reference;
-        return pop.operation == Operation::Move && pop.from.kind == OperandKind::Pop &&
-               pop.to.kind == OperandKind::Accumulator && put.to.index == parameter &&
-               put.operation == (isReference ? Operation::MoveAddress : Operation::Move) &&
-               put.from.kind == OperandKind::Accumulator && put.to.kind == OperandKind::Variable;
-    }
-};
-
-// ---------------------------------------------------------------------------------------------
-// A unit
-// ---------------------------------------------------------------------------------------------
-
-class UnitLowering {
+class UnitLowering : private Expressions {
 public:
     UnitLowering(Surroundings& all, int unit)
-        : all_(all),
-          builder_(all.builder),
+        : Expressions(all.builder, all.profile.width),
+          all_(all),
           unit_(all.code.units[static_cast<std::size_t>(unit)]),
           plan_(all.plans[static_cast<std::size_t>(unit)]),
           live_(FindLive(all.code, unit_)) {}
@@ -292,21 +66,15 @@ public:
 
 private:
     Surroundings& all_;
-    RegisterCodeBuilder& builder_;
     const CodeUnit& unit_;
     const UnitPlan& plan_;
     std::vector<Live> live_;
     std::map<int, Join> joins_;  // by the instruction
     std::set<int> waiting_;      // joins that are reached and not lowered
 
-    std::vector<Node> nodes_;
-    State state_;
     int index_ = 0;           // of the instruction
     bool isEnded_ = false;    // nothing follows
     std::set<qint32> known_;  // slots that are known to be set
-    std::vector<qint32> temporaries_;
-    std::size_t temporariesUsed_ = 0;
-    std::set<qint32> allTemporaries_;
     std::vector<qint32> stackSlots_;
     qint32 accumulatorSlot_ = builder_.newSlot();
     qint32 register0Slot_ = builder_.newSlot();
@@ -391,10 +159,7 @@ private:
         builder_.put(join.place);
         waiting_.erase(index);
         known_.clear();
-        nodes_.clear();
-        temporariesUsed_ = 0;
-        lastOperation_ = UNKNOWN;
-        state_ = State();
+        forget();
         for (std::size_t entry = 0; entry < join.stack.size(); ++entry) {
             state_.stack.push_back(joined(join.stack[entry], stackSlot(entry)));
         }
@@ -449,12 +214,8 @@ private:
         return join.place;
     }
 
-    Form formOf(int node, bool isLive) const {
-        if (!isLive || node == UNKNOWN) {
-            return {};
-        }
-        const Node& known = nodes_[static_cast<std::size_t>(node)];
-        return {known.type, known.meant};
+    Form formOf(int index, bool isLive) const {
+        return isLive && index != UNKNOWN ? Form{node(index).type, node(index).meant} : Form();
     }
 
     void settle(const Live& live) {
@@ -489,141 +250,6 @@ private:
     // Nodes
     // -----------------------------------------------------------------------------------------
 
-    int add(const Node& node) {
-        nodes_.push_back(node);
-        return static_cast<int>(nodes_.size()) - 1;
-    }
-
-    const Node& node(int index) const {
-        if (index == UNKNOWN) {
-            throw Unusual();
-        }
-        return nodes_[static_cast<std::size_t>(index)];
-    }
-
-    int addValue(qint32 slot, Typ type, const Limits& limits, bool isSingle = false) {
-        Node value;
-        value.type = type;
-        value.left = slot;
-        value.limits = limits;
-        value.isSingle = isSingle;
-        return add(value);
-    }
-
-    // A value that fits its type.
-    int addFitting(qint32 slot, Typ type) {
-        if (!IsNumber(type)) {
-            throw Unusual();
-        }
-        return addValue(slot, type, IsReal(type) ? WIDEST : LimitsOf(type), type == TYP_REAL);
-    }
-
-    int addWhole(Typ type, qint64 number) {
-        return addValue(builder_.whole(number), type, {number, number});
-    }
-
-    int addReal(Typ type, double number) {
-        return addValue(builder_.real(number), type, WIDEST,
-                        static_cast<double>(static_cast<float>(number)) == number);
-    }
-
-    int addComparison(R comparison, qint32 left, qint32 right) {
-        Node compared;
-        compared.kind = NodeKind::Comparison;
-        compared.comparison = comparison;
-        compared.left = left;
-        compared.right = right;
-        return add(compared);
-    }
-
-    bool isConstant(int index) const {
-        return node(index).kind == NodeKind::Slot && builder_.isConstant(node(index).left);
-    }
-
-    qint32 newTemporary() {
-        if (temporariesUsed_ == temporaries_.size()) {
-            temporaries_.push_back(builder_.newSlot());
-            allTemporaries_.insert(temporaries_.back());
-        }
-        return temporaries_[temporariesUsed_++];
-    }
-    bool isTemporary(qint32 slot) const { return allTemporaries_.count(slot) > 0; }
-
-    template <typename Predicate>
-    bool uses(int index, Predicate isMeant) const {
-        const Node& used = node(index);
-        switch (used.kind) {
-            case NodeKind::Slot:
-                return isMeant(used.left);
-            case NodeKind::Comparison:
-                return isMeant(used.left) || isMeant(used.right);
-            case NodeKind::And:
-                return uses(used.left, isMeant) || uses(used.right, isMeant);
-            case NodeKind::Not:
-                return uses(used.left, isMeant);
-        }
-        return false;
-    }
-
-    // Copies what depends on those slots into temporaries, before they change. Whether there was
-    // anything.
-    template <typename Predicate>
-    bool save(Predicate isMeant) {
-        const std::size_t before = temporariesUsed_;
-        for (int* const entry : entries()) {
-            if (*entry != UNKNOWN && uses(*entry, isMeant)) {
-                intoTemporary(*entry);
-            }
-        }
-        return temporariesUsed_ != before;
-    }
-
-    std::vector<int*> entries() {
-        std::vector<int*> all = {&state_.accumulator, &state_.register0, &state_.flag};
-        for (int& entry : state_.stack) {
-            all.push_back(&entry);
-        }
-        return all;
-    }
-
-    // All that holds the node holds a temporary afterwards.
-    qint32 intoTemporary(int index) {
-        const qint32 slot = newTemporary();
-        copyInto(slot, index);
-        Node copied = node(index);
-        copied.kind = NodeKind::Slot;
-        copied.left = slot;
-        const int copy = add(copied);
-        for (int* const entry : entries()) {
-            *entry = *entry == index ? copy : *entry;
-        }
-        return slot;
-    }
-
-    qint32 slotOf(int index) {
-        return node(index).kind == NodeKind::Slot ? node(index).left : intoTemporary(index);
-    }
-
-    void copyInto(qint32 slot, int index) {
-        const Node copied = node(index);
-        switch (copied.kind) {
-            case NodeKind::Slot:
-                builder_.emit(R::Copy, slot, copied.left);
-                return;
-            case NodeKind::Comparison:
-                builder_.emit(copied.comparison, slot, copied.left, copied.right);
-                return;
-            case NodeKind::And: {
-                const qint32 left = slotOf(copied.left);
-                builder_.emit(R::And, slot, left, slotOf(copied.right));
-                return;
-            }
-            case NodeKind::Not:
-                builder_.emit(R::IsEqual, slot, slotOf(copied.left), builder_.whole(0));
-                return;
-        }
-    }
-
     // -----------------------------------------------------------------------------------------
     // Instructions
     // -----------------------------------------------------------------------------------------
@@ -633,6 +259,7 @@ private:
             throw Unusual();
         }
         builder_.countItem();
+        item_ = item();
         execute();
         const Live& live = liveAfter();
         state_.accumulator = live.accumulator ? state_.accumulator : UNKNOWN;
@@ -806,149 +433,10 @@ private:
         }
     }
 
-    // Whether others than the instruction that is lowered may change the slot.
-    bool mayChange(qint32 slot) const { return !builder_.isConstant(slot) && !isTemporary(slot); }
-
-    // Stores a value, made to fit, in a slot that is no temporary.
     void assign(qint32 slot, Typ type, int stored, int storeItem) {
-        if (!IsNumber(node(stored).type)) {
-            throw Unusual();
-        }
         state_.accumulator = liveAfter().accumulator ? state_.accumulator : UNKNOWN;
-        const bool isSaved = save([slot](qint32 used) { return used == slot; });
-        if (isSaved || !redirect(slot, type, stored, storeItem)) {
-            fitInto(slot, type, stored, storeItem);
-        }
+        storeIn(slot, type, stored, storeItem);
         markSet(slot);
-    }
-
-    // Makes the last instruction give its result to the variable instead of a temporary that is
-    // used for nothing else.
-    bool redirect(qint32 slot, Typ type, int stored, int storeItem) {
-        const Node& value = node(stored);
-        const bool isLast = value.kind == NodeKind::Slot && isTemporary(value.left) &&
-                            builder_.here() - 1 == lastOperation_ &&
-                            builder_.last().to == value.left;
-        if (!isLast || isUsed(value.left) || !canStore(value, type)) {
-            return false;
-        }
-        builder_.last().to = slot;
-        Origin& origin = builder_.lastOrigin();
-        origin.stored = type;
-        origin.storeItem = storeItem;
-        return true;
-    }
-
-    int lastOperation_ = UNKNOWN;  // where the last arithmetic instruction lies
-
-    bool isUsed(qint32 slot) {
-        const std::vector<int*> all = entries();
-        return std::any_of(all.begin(), all.end(), [this, slot](const int* entry) {
-            return *entry != UNKNOWN &&
-                   uses(*entry, [slot](qint32 used) { return used == slot; });
-        });
-    }
-
-    // Whether the last instruction can make its result fit the type; then it does.
-    bool canStore(const Node& value, Typ type) {
-        RegisterInstruction& last = builder_.last();
-        if (last.operation == R::Apply) {
-            return true;
-        }
-        if (value.isReal()) {
-            const bool isSingle = type == TYP_REAL && last.operation <= R::DivideReal;
-            const bool isDone = type == TYP_LREAL || (type == TYP_REAL && value.isSingle);
-            last.operation =
-                isSingle ? shifted(last.operation, R::AddReal, R::AddSingle) : last.operation;
-            return isSingle || isDone;
-        }
-        if (IsReal(type)) {
-            return false;
-        }
-        return LimitsOf(type).holds(value.limits) || narrow(last, LimitsOf(type));
-    }
-
-    static R shifted(R operation, R from, R to) {
-        return static_cast<R>(static_cast<int>(operation) - static_cast<int>(from) +
-                              static_cast<int>(to));
-    }
-
-    bool narrow(RegisterInstruction& last, const Limits& limits) {
-        Limits both = limits;
-        if (last.operation >= R::Add && last.operation <= R::Multiply) {
-            last.operation = shifted(last.operation, R::Add, R::AddFit);
-        } else if (last.operation >= R::AddFit && last.operation <= R::ModuloFit) {
-            const Limits& before = builder_.code.limits[last.extra];
-            both = {std::max(limits.least, before.least),
-                    std::min(limits.greatest, before.greatest)};
-        } else {
-            return false;
-        }
-        last.extra = builder_.limits(both);
-        return true;
-    }
-
-    // A node for the value made to fit a type.
-    int fitted(Typ type, int index, int storeItem) {
-        const Node& value = node(index);
-        if (!IsNumber(value.type)) {
-            throw Unusual();
-        }
-        const bool isDone = IsReal(type) ? value.type == type && value.isReal() &&
-                                               (type == TYP_LREAL || value.isSingle)
-                                         : !value.isReal() && LimitsOf(type).holds(value.limits);
-        if (isDone) {
-            Node same = value;
-            same.type = type;
-            return add(same);
-        }
-        const qint32 slot = newTemporary();
-        fitInto(slot, type, index, storeItem);
-        return addFitting(slot, type);
-    }
-
-    void fitInto(qint32 slot, Typ type, int index, int storeItem) {
-        const Node value = node(index);
-        Origin origin;
-        origin.left = value.type;
-        origin.stored = type;
-        origin.storeItem = storeItem;
-        if (IsReal(type)) {
-            fitReal(slot, type, index, origin);
-        } else if (value.isReal()) {
-            builder_.emit(R::RealToWhole, slot, slotOf(index), 0, builder_.limits(LimitsOf(type)),
-                          origin);
-        } else if (LimitsOf(type).holds(value.limits)) {
-            copyInto(slot, index);
-        } else {
-            builder_.emit(R::Fit, slot, slotOf(index), 0, builder_.limits(LimitsOf(type)),
-                          origin);
-        }
-    }
-
-    void fitReal(qint32 slot, Typ type, int index, Origin& origin) {
-        const bool isSingle = node(index).isReal() && node(index).isSingle;
-        const qint32 real = asReal(index);
-        if (type == TYP_LREAL || isSingle) {
-            builder_.emit(R::Copy, slot, real);
-        } else {
-            origin.left = TYP_LREAL;
-            builder_.emit(R::RoundToSingle, slot, real, 0, 0, origin);
-        }
-    }
-
-    // A slot that holds the number as a real.
-    qint32 asReal(int index) {
-        if (node(index).isReal()) {
-            return slotOf(index);
-        }
-        if (isConstant(index)) {
-            return builder_.real(static_cast<double>(builder_.valueOf(node(index).left).whole));
-        }
-        const qint32 whole = slotOf(index);
-        const qint32 slot = newTemporary();
-        builder_.emit(R::WholeToReal, slot, whole);
-        return slot;
     }
 
     // -----------------------------------------------------------------------------------------
@@ -979,224 +467,6 @@ private:
         builder_.emit(R::Note, 0, 0, 0, 0, origin);
     }
 
-    int operated(Operation operation, int left, int right) {
-        const bool isReal = node(left).isReal() || node(right).isReal();
-        if (operation == Operation::And || operation == Operation::Xor) {
-            return combined(operation, truthOf(left), truthOf(right));
-        }
-        if (operation >= Operation::Equal && operation <= Operation::GreaterOrEqual) {
-            return isReal ? comparedReals(operation, left, right)
-                          : comparedWholes(operation, left, right);
-        }
-        if (isReal && operation >= Operation::BitAnd && operation <= Operation::RotateRight) {
-            throw Unusual();
-        }
-        return isReal ? reals(operation, left, right) : wholes(operation, left, right);
-    }
-
-    int combined(Operation operation, int left, int right) {
-        if (operation == Operation::Xor) {
-            const qint32 slot = slotOf(left);
-            return addComparison(R::IsNotEqual, slot, slotOf(right));
-        }
-        Node both;
-        both.kind = NodeKind::And;
-        both.left = small(left);
-        both.right = small(right);
-        both.size = node(both.left).size + node(both.right).size + 1;
-        return add(both);
-    }
-
-    // The same truth; what is made of many others is worked out first, once for all uses.
-    int small(int index) {
-        constexpr int mostNodes = 16;
-        return node(index).size > mostNodes ? addValue(intoTemporary(index), TYP_BOOL, TRUTH)
-                                            : index;
-    }
-
-    // A node that is 1 or 0.
-    int truthOf(int index) {
-        const Node& value = node(index);
-        if (!IsNumber(value.type)) {
-            throw Unusual();
-        }
-        if (value.isReal()) {
-            return addComparison(R::IsNotEqualReal, slotOf(index), builder_.real(0.0));
-        }
-        if (TRUTH.holds(value.limits)) {
-            return index;
-        }
-        return addComparison(R::IsNotEqual, slotOf(index), builder_.whole(0));
-    }
-
-    int negated(int index) {
-        Node value = node(index);
-        if (value.kind == NodeKind::Comparison) {
-            Invert(value.comparison, value.left, value.right);
-            return add(value);
-        }
-        if (value.kind == NodeKind::Slot) {
-            return addComparison(R::IsEqual, value.left, builder_.whole(0));
-        }
-        value.kind = NodeKind::Not;
-        value.left = index;
-        return add(value);
-    }
-
-    // "a > b" is "b < a".
-    static bool changesSides(Operation operation) {
-        return operation == Operation::Greater || operation == Operation::GreaterOrEqual;
-    }
-
-    static R comparisonOf(Operation operation) {
-        switch (operation) {
-            case Operation::Equal:
-                return R::IsEqual;
-            case Operation::NotEqual:
-                return R::IsNotEqual;
-            case Operation::Less:
-            case Operation::Greater:
-                return R::IsLess;
-            default:
-                return R::IsLessOrEqual;
-        }
-    }
-
-    int comparedWholes(Operation operation, int left, int right) {
-        if (changesSides(operation)) {
-            std::swap(left, right);
-        }
-        const R comparison = comparisonOf(operation);
-        if (isConstant(left) && isConstant(right)) {
-            return addWhole(TYP_BOOL, holds(comparison, left, right) ? 1 : 0);
-        }
-        const qint32 slot = slotOf(left);
-        return addComparison(comparison, slot, slotOf(right));
-    }
-
-    bool holds(R comparison, int left, int right) const {
-        const qint64 one = builder_.valueOf(node(left).left).whole;
-        const qint64 other = builder_.valueOf(node(right).left).whole;
-        switch (comparison) {
-            case R::IsEqual:
-                return one == other;
-            case R::IsNotEqual:
-                return one != other;
-            case R::IsLess:
-                return one < other;
-            default:
-                return one <= other;
-        }
-    }
-
-    int comparedReals(Operation operation, int left, int right) {
-        if (changesSides(operation)) {
-            std::swap(left, right);
-        }
-        const qint32 slot = asReal(left);
-        return addComparison(shifted(comparisonOf(operation), R::IsEqual, R::IsEqualReal), slot,
-                             asReal(right));
-    }
-
-    Origin originOf(Operation operation, Typ left, Typ right) const {
-        Origin origin;
-        origin.operation = operation;
-        origin.left = left;
-        origin.right = right;
-        origin.item = item();
-        return origin;
-    }
-
-    int emitOperation(R done, qint32 left, qint32 right, const Origin& origin, quint16 limits) {
-        const qint32 slot = newTemporary();
-        lastOperation_ = builder_.here();
-        builder_.emit(done, slot, left, right, limits, origin);
-        return slot;
-    }
-
-    int reals(Operation operation, int left, int right) {
-        const Typ type = std::max(node(left).type, node(right).type);
-        const Origin origin =
-            originOf(operation, node(left).isReal() ? node(left).type : TYP_REAL,
-                     node(right).isReal() ? node(right).type : TYP_REAL);
-        const qint32 leftSlot = asReal(left);
-        const qint32 rightSlot = asReal(right);
-        const bool isSingle = all_.profile.width == Width::Typed && type == TYP_REAL;
-        const qint32 slot =
-            emitOperation(realOperation(operation, isSingle), leftSlot, rightSlot, origin, 0);
-        return addValue(slot, type, WIDEST, isSingle);
-    }
-
-    static R realOperation(Operation operation, bool isSingle) {
-        if (operation < Operation::Add || operation > Operation::Divide) {
-            return R::Apply;
-        }
-        return static_cast<R>(static_cast<int>(isSingle ? R::AddSingle : R::AddReal) +
-                              static_cast<int>(operation) - static_cast<int>(Operation::Add));
-    }
-
-    int wholes(Operation operation, int left, int right) {
-        const Typ type = std::max(node(left).type, node(right).type);
-        const bool isTyped = all_.profile.width == Width::Typed;
-        const Limits limits = resultLimits(operation, node(left).limits, node(right).limits);
-        const bool isShift =
-            operation >= Operation::ShiftLeft && operation <= Operation::RotateRight;
-        const Limits wanted = isTyped && !isShift ? LimitsOf(type) : WIDEST;
-        if (limits.least == limits.greatest && wanted.holds(limits) && isConstant(left) &&
-            isConstant(right)) {
-            return addWhole(type, limits.least);
-        }
-        const Origin origin = originOf(operation, node(left).type, node(right).type);
-        const qint32 leftSlot = slotOf(left);
-        const qint32 rightSlot = slotOf(right);
-        const R done = wholeOperation(operation, isTyped && !wanted.holds(limits), isTyped);
-        const qint32 slot =
-            emitOperation(done, leftSlot, rightSlot, origin, builder_.limits(wanted));
-        return addValue(slot, type, wanted.holds(limits) ? limits : wanted);
-    }
-
-    static R wholeOperation(Operation operation, bool isNarrowed, bool isTyped) {
-        switch (operation) {
-            case Operation::Add:
-                return isNarrowed ? R::AddFit : R::Add;
-            case Operation::Subtract:
-                return isNarrowed ? R::SubtractFit : R::Subtract;
-            case Operation::Multiply:
-                return isNarrowed ? R::MultiplyFit : R::Multiply;
-            case Operation::Divide:
-                return R::DivideFit;
-            case Operation::Modulo:
-                return R::ModuloFit;
-            case Operation::BitAnd:
-                return isTyped ? R::Apply : R::BitAnd;
-            case Operation::BitOr:
-                return isTyped ? R::Apply : R::BitOr;
-            case Operation::BitXor:
-                return isTyped ? R::Apply : R::BitXor;
-            default:
-                return R::Apply;
-        }
-    }
-
-    // Between which numbers the result lies if nothing comes up.
-    static Limits resultLimits(Operation operation, const Limits& left, const Limits& right) {
-        Limits result = WIDEST;
-        bool isBeyond = true;
-        if (operation == Operation::Add) {
-            isBeyond = __builtin_add_overflow(left.least, right.least, &result.least) ||
-                       __builtin_add_overflow(left.greatest, right.greatest, &result.greatest);
-        } else if (operation == Operation::Subtract) {
-            isBeyond = __builtin_sub_overflow(left.least, right.greatest, &result.least) ||
-                       __builtin_sub_overflow(left.greatest, right.least, &result.greatest);
-        } else if (operation == Operation::Modulo && right.least == right.greatest &&
-                   right.least > 0) {
-            isBeyond = false;
-            result = {left.least < 0 ? 1 - right.least : 0,
-                      left.greatest > 0 ? right.least - 1 : 0};
-        }
-        return isBeyond ? WIDEST : result;
-    }
-
     void unary() {
         const int value = state_.accumulator;
         if (instruction().operation == Operation::Test) {
@@ -1206,17 +476,6 @@ private:
         } else {
             state_.accumulator = complement(value);
         }
-    }
-
-    int complement(int index) {
-        const Typ type = node(index).type;
-        if (type < TYP_SINT || type > TYP_UDINT) {
-            throw Unusual();
-        }
-        const qint32 value = slotOf(index);
-        const qint32 slot =
-            emitOperation(R::Apply, value, value, originOf(Operation::BitNot, type, type), 0);
-        return addValue(slot, type, WIDEST);
     }
 
     // -----------------------------------------------------------------------------------------
@@ -1475,7 +734,7 @@ private:
     qint32 passArguments(const BuiltIn& called) {
         std::vector<qint32> slots(called.parameters.size());
         std::generate(slots.begin(), slots.end(), [this] { return builder_.newSlot(); });
-        allTemporaries_.insert(slots.begin(), slots.end());
+        keepAsTemporaries(slots);
         for (std::size_t index = slots.size(); index-- > 0;) {
             const int passed = pop();
             if (!IsNumber(node(passed).type)) {
@@ -1506,56 +765,12 @@ private:
     }
 };
 
-// ---------------------------------------------------------------------------------------------
-// All units
-// ---------------------------------------------------------------------------------------------
-
-// Units that may call themselves, by whatever way, are not callable.
-class RecursionFinder {
-public:
-    explicit RecursionFinder(Surroundings& all) : all_(all), marks_(all.code.units.size()) {}
-
-    void find() {
-        for (std::size_t unit = 0; unit < marks_.size() && marks_.size() < MOST_UNITS; ++unit) {
-            visit(static_cast<int>(unit));
-        }
-    }
-
-private:
-    enum class Mark : unsigned char { New, Open, Done };
-
-    Surroundings& all_;
-    std::vector<Mark> marks_;
-
-    void visit(int unit) {
-        Mark& mark = marks_[static_cast<std::size_t>(unit)];
-        if (mark == Mark::Open) {
-            all_.plans[static_cast<std::size_t>(unit)].isCallable = false;
-            return;
-        }
-        if (mark == Mark::Done) {
-            return;
-        }
-        mark = Mark::Open;
-        const CodeUnit& visited = all_.code.units[static_cast<std::size_t>(unit)];
-        for (int index = visited.begin; index < visited.end; ++index) {
-            const Instruction& call = all_.code.instructions[static_cast<std::size_t>(index)];
-            if (call.operation == Operation::Call && call.target != NOWHERE) {
-                visit(call.target);
-            }
-        }
-        mark = Mark::Done;
-    }
-};
-
 }  // namespace
 
-RegisterCode Lower(const Code& code, const Profile& profile, const Checks& checks,
-                   Memory& memory) {
-    Surroundings all(code, profile, checks, memory);
-    RecursionFinder(all).find();
-    for (std::size_t unit = 0; unit < code.units.size(); ++unit) {
-        if (all.plans[unit].isCallable || unit + 1 == code.units.size()) {
+RegisterCode Lower(const Lowered& lowered, Memory& memory) {
+    Surroundings all(lowered, memory);
+    for (std::size_t unit = 0; unit < all.plans.size(); ++unit) {
+        if (all.plans[unit].isCallable || unit + 1 == all.plans.size()) {
             UnitLowering(all, static_cast<int>(unit)).lower();
         }
     }

@@ -2,12 +2,10 @@
 // accumulator, register 0, the flag and the value stack.
 #pragma once
 
-#include "machine/code.h"
 #include "machine/memory.h"
-#include "machine/profile.h"
 #include "machine/register_code.h"
+#include "machine/surroundings.h"
 
 // Whatever the code is, register code comes of it that gives up where it cannot go on. The cells
 // of the memory must stay where they are as long as the register code is used.
-RegisterCode Lower(const Code& code, const Profile& profile, const Checks& checks,
-                   Memory& memory);
+RegisterCode Lower(const Lowered& lowered, Memory& memory);

@@ -186,7 +186,8 @@ bool Machine::executeRegisters() {
         return false;
     }
     if (!registers_) {
-        registers_ = std::make_unique<Registers>(code_, profile_, memory_, watch_, arithmetic_);
+        registers_ = std::make_unique<Registers>(Lowered{code_, profile_, watch_.checks(), isCounting_},
+                                                 memory_, watch_, arithmetic_);
     }
     const bool isDone = registers_->cycle({tick_, tickSetting_, instructions_});
     if (isDone) {

@@ -27,6 +27,8 @@ public:
 
     // From now on all cycles are executed an item at a time.
     void setItemwise() { isItemwise_ = true; }
+    // From now on instructions() need not be right, unless a check needs it.
+    void setUncounted() { isCounting_ = false; }
     // The cycles that were executed by register code.
     qint64 registerCycles() const { return registerCycles_; }
 
@@ -35,11 +37,13 @@ public:
     const std::optional<Stop>& stop() const { return stop_; }
     const Notes& notes() const { return watch_.notes(); }
     qint64 cycles() const { return cycles_; }  // that were executed whole
-    // That were executed; with the check "scan-limit" off register code does not count them.
-    qint64 instructions() const { return instructions_; }
+    qint64 instructions() const { return instructions_; }  // that were executed
 
-    // From now on counts how often each instruction is executed.
-    void countExecutions() { executions_.assign(code_.instructions.size(), 0); }
+    // From now on counts how often each instruction is executed, an item at a time.
+    void countExecutions() {
+        executions_.assign(code_.instructions.size(), 0);
+        setItemwise();
+    }
     const std::vector<qint64>& executions() const { return executions_; }
 
     // The variables of the program, by the index of their declarations.
@@ -84,6 +88,7 @@ private:
 
     std::unique_ptr<Registers> registers_;
     bool isItemwise_ = false;
+    bool isCounting_ = true;
     int forced_ = 0;            // variables
     qint64 registersFrom_ = 0;  // the cycle to use register code again
     qint64 pause_ = 1;          // cycles without it the next time that it gives up

@@ -1,9 +1,8 @@
 #include "machine/registers.h"
 
-#include "machine/lower.h"
-
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -13,18 +12,17 @@ float Single(double number) {
 
 }  // namespace
 
-Registers::Registers(const Code& code, const Profile& profile, Memory& memory, Watch& watch,
-                     Arithmetic& arithmetic)
-    : profile_(profile),
-      memory_(memory),
+Registers::Registers(const Lowered& lowered, Memory& memory, Watch& watch, Arithmetic& arithmetic)
+    : profile_(lowered.profile),
       watch_(watch),
       arithmetic_(arithmetic),
-      code_(Lower(code, profile, watch.checks(), memory)) {
+      code_(Lower(lowered, memory)) {
     isUnset_.resize(code_.hasUnset ? code_.slots.size() : 0);
 }
 
 bool Registers::cycle(const CycleState& state) {
-    const qint64 limit = watch_.isOn(Check::ScanLimit) ? profile_.scanLimit : 0;
+    const qint64 limit =
+        watch_.isOn(Check::ScanLimit) ? profile_.scanLimit : std::numeric_limits<qint64>::max();
     qint64 budget = limit;
     takeOver(state);
     notesBefore_.reset();

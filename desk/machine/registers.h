@@ -2,6 +2,7 @@
 #pragma once
 
 #include "machine/arithmetic.h"
+#include "machine/lower.h"
 #include "machine/memory.h"
 #include "machine/register_code.h"
 #include "machine/watch.h"
@@ -19,8 +20,7 @@ struct CycleState {
 // All that is given must outlive it.
 class Registers {
 public:
-    Registers(const Code& code, const Profile& profile, Memory& memory, Watch& watch,
-              Arithmetic& arithmetic);
+    Registers(const Lowered& lowered, Memory& memory, Watch& watch, Arithmetic& arithmetic);
 
     // Executes a cycle. False if it gave up: then everything is as it was before.
     bool cycle(const CycleState& state);
@@ -29,7 +29,6 @@ public:
 
 private:
     const Profile& profile_;
-    Memory& memory_;
     Watch& watch_;
     Arithmetic& arithmetic_;
     RegisterCode code_;

@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <climits>
+
 using testing::ElementsAre;
 
 namespace {
@@ -35,7 +37,9 @@ std::vector<RegisterOperation> OperationsOf(const QByteArray& statements) {
         cells.initial.push_back(cell);
     }
     cells.ofCalls.push_back(cells.initial);
-    const RegisterCode code = Lower(read.code, Profile(), Checks::None(), memory);
+    const Profile profile;
+    const Checks checks = Checks::None();
+    const RegisterCode code = Lower({read.code, profile, checks, false}, memory);
     std::vector<RegisterOperation> operations;
     for (const RegisterInstruction& instruction : code.instructions) {
         operations.push_back(instruction.operation);
@@ -117,6 +121,25 @@ TEST(Lower, ValuesThatWaitAreKeptFromStores) {
     EXPECT_EQ(run.machine.registerCycles(), 3);
 }
 
+// What an operation can give is known only as far as its operands are.
+TEST(Lower, ResultsThatMayNotFitAreLookedAt) {
+    const QByteArray examples[] = {
+        "MOV @y #A0 MOV #A0 $PUSH MOV 32769 #A0 MOD $POP #A0 MOV #A0 @x RET ",
+        "MOV @y #A0 MOV #A0 $PUSH MOV 2 #A0 SUB $POP #A0 MOV #A0 @y RET ",
+        "MOV 1 #A0 MOV #A0 $PUSH MOV @y #A0 SUB $POP #A0 MOV #A0 @y RET ",
+        "MOV @y #A0 ADD 1 #A0 MOV #A0 @y RET ",
+    };
+    for (const QByteArray& statements : examples) {
+        for (const qint64 value : {32767, 32768, -32768, -32769, INT_MAX, INT_MIN}) {
+            BothWays run(statements);
+            run.reference.set(1, Value::Whole(TYP_DINT, value));
+            run.machine.set(1, Value::Whole(TYP_DINT, value));
+            run.execute(1);
+            EXPECT_EQ(run.machine.registerCycles(), 1);
+        }
+    }
+}
+
 // Each operation on the stack doubles what the condition is made of.
 TEST(Lower, ConditionsDoNotGrowBeyondTheirCode) {
     const QByteArray doubled = QByteArray("MOV #A0 $PUSH AND $POP #A0 ").repeated(200);
@@ -170,8 +193,8 @@ TEST(Lower, WaysMayJoinWithDifferentStacks) {
 TEST(Lower, ACycleThatIsGivenUpLeavesNothing) {
     const char* const statements =
         "MOV 300 #A0 MOV #A0 $PUSH MOV 200 #A0 MUL $POP #A0 MOV #A0 @x MOV @y #A0 ADD 1 #A0 "
-        "MOV #A0 @y MOV 7 #A0 MOV #A0 *TICK MOV 1 #A0 MOV #A0 $PUSH MOV @y #A0 SUB 3 #A0 "
-        "DIV $POP #A0 MOV #A0 @x RET ";
+        "MOV #A0 @y MOV 7 #A0 MOV #A0 *TICK MOV 1 #A0 MOV #A0 $PUSH MOV @y #A0 MOV #A0 $PUSH "
+        "MOV 3 #A0 SUB $POP #A0 DIV $POP #A0 MOV #A0 @x RET ";
     BothWays run(statements, Noted("division-by-zero"));
     run.execute(5);
     EXPECT_TRUE(run.machine.stop());
