@@ -22,7 +22,7 @@ int Run(const char* way, const Code& code, qint64 cycles) {
     const bool isFast = std::strcmp(way, "fast") == 0;
     Profile profile;
     profile.scanLimit = std::numeric_limits<qint64>::max();
-    Machine machine(code, profile, isFast ? Checks::None() : Checks());
+    Machine machine(code, profile, isFast ? NoChecks() : Checks());
     if (isFast) {
         machine.setUncounted();
     }

@@ -3,8 +3,8 @@
 // An entry is a heading of a page with a line "<!-- id: ID, ID... -->" below it, and all that
 // stands between that line and the next heading. The heading is the text of a message, in which a
 // single capital letter other than "A" stands for what varies. Several entries may have one
-// identifier. With "reason" in place of "id" it is the entry of a help or a lint and its heading a
-// title.
+// identifier. With "reason" in place of "id" it is the entry of a help or a lint and its heading
+// a title.
 #pragma once
 
 #include <QString>

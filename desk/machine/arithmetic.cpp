@@ -14,17 +14,17 @@ constexpr qint64 GREATEST = std::numeric_limits<qint64>::max();
 Value Compared(Operation operation, bool isLess, bool isEqual, bool isGreater) {
     switch (operation) {
         case Operation::Equal:
-            return Value::Truth(isEqual);
+            return TruthValue(isEqual);
         case Operation::NotEqual:
-            return Value::Truth(!isEqual);
+            return TruthValue(!isEqual);
         case Operation::Less:
-            return Value::Truth(isLess);
+            return TruthValue(isLess);
         case Operation::Greater:
-            return Value::Truth(isGreater);
+            return TruthValue(isGreater);
         case Operation::LessOrEqual:
-            return Value::Truth(isLess || isEqual);
+            return TruthValue(isLess || isEqual);
         default:
-            return Value::Truth(isGreater || isEqual);
+            return TruthValue(isGreater || isEqual);
     }
 }
 
@@ -73,10 +73,10 @@ Value Arithmetic::apply(Operation operation, const Value& left, const Value& rig
                     QStringLiteral("the operands are not of a kind that the operation takes"));
     }
     if (operation == Operation::And) {
-        return Value::Truth(left.isTrue() && right.isTrue());
+        return TruthValue(left.isTrue() && right.isTrue());
     }
     if (operation == Operation::Xor) {
-        return Value::Truth(left.isTrue() != right.isTrue());
+        return TruthValue(left.isTrue() != right.isTrue());
     }
     const Typ type = std::max(left.type, right.type);
     if (IsShift(operation)) {
@@ -137,7 +137,7 @@ Value Arithmetic::reals(Operation operation, Typ type, double left, double right
 }
 
 Value Arithmetic::result(Typ type, qint64 number) {
-    return Value::Whole(type, profile_.width == Width::Typed ? fitWhole(type, number) : number);
+    return WholeValue(type, profile_.width == Width::Typed ? fitWhole(type, number) : number);
 }
 
 Value Arithmetic::result(Typ type, double number, bool areOperandsFinite) {
@@ -145,8 +145,7 @@ Value Arithmetic::result(Typ type, double number, bool areOperandsFinite) {
         watch_.raise(Check::NotFinite, QStringLiteral("the result is not finite"));
     }
     const bool isRounded = profile_.width == Width::Typed && type == TYP_REAL;
-    return Value::Real(type,
-                       isRounded ? static_cast<double>(static_cast<float>(number)) : number);
+    return RealValue(type, isRounded ? static_cast<double>(static_cast<float>(number)) : number);
 }
 
 Value Arithmetic::realResult(double number, bool areOperandsFinite) {
@@ -157,12 +156,12 @@ Value Arithmetic::bitNot(const Value& operand) {
     if (operand.type < TYP_SINT || operand.type > TYP_UDINT) {
         watch_.stop(Check::UnsoundCode, QStringLiteral("the operand is no whole number"));
     }
-    return Value::Whole(operand.type, Wrapped(operand.type, ~operand.whole));
+    return WholeValue(operand.type, Wrapped(operand.type, ~operand.whole));
 }
 
 Value Arithmetic::literal(const Value& value) const {
     const bool isRounded = profile_.width == Width::Typed && value.type == TYP_REAL;
-    return isRounded ? Value::Real(TYP_REAL, static_cast<double>(static_cast<float>(value.real)))
+    return isRounded ? RealValue(TYP_REAL, static_cast<double>(static_cast<float>(value.real)))
                      : value;
 }
 
@@ -356,7 +355,7 @@ Value Arithmetic::fit(Typ type, const Value& value) {
         return value;
     }
     if (type < TYP_REAL) {
-        return Value::Whole(
+        return WholeValue(
             type, value.isReal() ? roundedWhole(type, value.real) : fitWhole(type, value.whole));
     }
     const double number = value.asReal();
@@ -365,5 +364,5 @@ Value Arithmetic::fit(Typ type, const Value& value) {
     if (std::isfinite(number) && !std::isfinite(rounded)) {
         watch_.raise(Check::NotFinite, QStringLiteral("the number is beyond the range of REAL"));
     }
-    return Value::Real(type, rounded);
+    return RealValue(type, rounded);
 }

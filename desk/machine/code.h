@@ -2,8 +2,8 @@
 //
 // A reader who begins here finds the way of the code through the machine: `items` divides the
 // text, this unit decodes each item once, `verifier` proves that the code is sound, `machine`
-// executes it: an item at a time, or by what `lower` makes of it and `registers` executes. Records
-// refer to each other by their index.
+// executes it: an item at a time, or by what `lower` makes of it and `registers` executes.
+// Records refer to each other by their index.
 #pragma once
 
 #include "machine/forms.h"

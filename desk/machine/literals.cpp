@@ -106,7 +106,10 @@ std::optional<Literal> ReadUnsigned(std::string_view text) {
 Literal Negated(Literal literal) {
     literal.whole = -literal.whole;
     literal.real = -literal.real;
-    literal.type = literal.type < TYP_REAL ? SmallestTypeOf(literal.whole) : literal.type;
+    if (literal.type < TYP_REAL) {
+        // A number that is too low stays whole, as one that is too high does.
+        literal.type = std::min(SmallestTypeOf(literal.whole), TYP_UDINT);
+    }
     return literal;
 }
 

@@ -12,8 +12,12 @@ namespace {
 constexpr std::size_t MOST_CALLS = 10'000;      // within each other
 constexpr std::size_t MOST_VALUES = 1'000'000;  // on the stack
 
+Value ZeroOf(Typ type) {
+    return type == TYP_REAL || type == TYP_LREAL ? RealValue(type, 0.0) : WholeValue(type, 0);
+}
+
 Value AddressOf(Cell& cell) {
-    return Value::Whole(TYP_ARRAY, static_cast<qint64>(reinterpret_cast<qintptr>(&cell)));
+    return WholeValue(TYP_ARRAY, static_cast<qint64>(reinterpret_cast<qintptr>(&cell)));
 }
 
 }  // namespace
@@ -24,11 +28,7 @@ Value AddressOf(Cell& cell) {
 
 Machine::Machine(const Code& code, const Profile& profile, const Checks& checks)
     : code_(code), profile_(profile), watch_(checks), arithmetic_(profile_, watch_) {
-    try {
-        prepare();
-    } catch (const Stop& stop) {
-        stop_ = stop;
-    }
+    prepare();
 }
 
 void Machine::prepare() {
@@ -48,22 +48,27 @@ void Machine::prepare() {
 // A string is known by where it stands among the literals.
 Value Machine::literalValue(const Literal& literal) const {
     if (literal.type == TYP_STRING) {
-        return Value::Whole(TYP_STRING, &literal - code_.literals.data());
+        return WholeValue(TYP_STRING, &literal - code_.literals.data());
     }
-    return literal.type < TYP_REAL ? Value::Whole(literal.type, literal.whole)
-                                   : Value::Real(literal.type, literal.real);
+    return literal.type < TYP_REAL ? WholeValue(literal.type, literal.whole)
+                                   : RealValue(literal.type, literal.real);
 }
 
+// A value that ends the run leaves 0; there is a cell for each variable in any case.
 Cell Machine::initialCell(const Declaration& declaration) {
     watch_.setItem(declaration.item);
     Cell cell;
     cell.type = declaration.type;
-    cell.value = Value::Whole(declaration.type, 0);
+    cell.value = ZeroOf(declaration.type);
     const bool isEngine = declaration.section == Section::EngineGlobal ||
                           declaration.section == Section::EngineRegister;
     if (declaration.type < TYP_STRING) {
         const Value given = isEngine ? Value() : literalValue(declaration.numbers.front());
-        cell.value = arithmetic_.fit(declaration.type, given);
+        try {
+            cell.value = arithmetic_.fit(declaration.type, given);
+        } catch (const RunStop& stop) {
+            stop_ = stop_ ? stop_ : stop;
+        }
     }
     return cell;
 }
@@ -149,7 +154,7 @@ bool Machine::cycle() {
             execute();
         }
         endCycle();
-    } catch (const Stop& stop) {
+    } catch (const RunStop& stop) {
         stop_ = stop;
     }
     return !stop_;
@@ -186,8 +191,8 @@ bool Machine::executeRegisters() {
         return false;
     }
     if (!registers_) {
-        registers_ = std::make_unique<Registers>(Lowered{code_, profile_, watch_.checks(), isCounting_},
-                                                 memory_, watch_, arithmetic_);
+        registers_ = std::make_unique<Registers>(
+            Lowered{code_, profile_, watch_.checks(), isCounting_}, memory_, watch_, arithmetic_);
     }
     const bool isDone = registers_->cycle({tick_, tickSetting_, instructions_});
     if (isDone) {
@@ -239,7 +244,7 @@ void Machine::step(const Instruction& instruction) {
                 flag_ = accumulator_.isTrue();
             } else {
                 accumulator_ = instruction.operation == Operation::Not
-                                   ? Value::Truth(!accumulator_.isTrue())
+                                   ? TruthValue(!accumulator_.isTrue())
                                    : arithmetic_.bitNot(accumulator_);
             }
             return;
@@ -329,7 +334,7 @@ Value Machine::take(const CodeOperand& from) {
         case OperandKind::Pop:
             return pop();
         case OperandKind::Tick:
-            return Value::Whole(TYP_UDINT, tick_);
+            return WholeValue(TYP_UDINT, tick_);
         case OperandKind::Variable:
         case OperandKind::Referred:
             return load(from);

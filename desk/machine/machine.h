@@ -34,9 +34,9 @@ public:
 
     // Executes one cycle; false if the run has ended, then and before.
     bool cycle();
-    const std::optional<Stop>& stop() const { return stop_; }
+    const std::optional<RunStop>& stop() const { return stop_; }
     const Notes& notes() const { return watch_.notes(); }
-    qint64 cycles() const { return cycles_; }  // that were executed whole
+    qint64 cycles() const { return cycles_; }              // that were executed whole
     qint64 instructions() const { return instructions_; }  // that were executed
 
     // From now on counts how often each instruction is executed, an item at a time.
@@ -75,7 +75,7 @@ private:
     Profile profile_;
     Watch watch_;
     Arithmetic arithmetic_;
-    std::optional<Stop> stop_;
+    std::optional<RunStop> stop_;
 
     Memory memory_;
 

@@ -38,7 +38,7 @@ struct Memory {
     Cell& engineObject(const EngineNumbers& numbers) {
         Cell fresh;
         fresh.type = TYP_LREAL;
-        fresh.value = Value::Real(TYP_LREAL, 0.0);
+        fresh.value = RealValue(TYP_LREAL, 0.0);
         return engineObjects.try_emplace(numbers, fresh).first->second;
     }
 

@@ -1,6 +1,6 @@
 #include "machine/profile.h"
 
-#include <QVector>
+#include "qyx_text.h"
 
 #include <algorithm>
 #include <functional>
@@ -47,7 +47,7 @@ const std::vector<Choice>& Choices() {
     return choices;
 }
 
-constexpr QLatin1String SCAN_LIMIT("scan-limit");
+constexpr QLatin1String SCAN_LIMIT = "scan-limit"_L1;
 
 struct CheckRow {
     QLatin1String name;
@@ -56,22 +56,15 @@ struct CheckRow {
 
 // In the order of Check.
 constexpr CheckRow CHECK_ROWS[CHECKS_COUNT] = {
-    {QLatin1String("store-overflow"), Action::Note},
-    {QLatin1String("division-by-zero"), Action::Stop},
-    {QLatin1String("not-finite"), Action::Note},
-    {QLatin1String("real-to-int"), Action::Note},
-    {QLatin1String("mixed-division"), Action::Off},
-    {QLatin1String("shift-range"), Action::Note},
-    {QLatin1String("stack-left"), Action::Stop},
-    {QLatin1String("stack-left"), Action::Note},
-    {QLatin1String("stack-empty"), Action::Stop},
-    {QLatin1String("recursion"), Action::Stop},
-    {SCAN_LIMIT, Action::Stop},
-    {QLatin1String("uninitialized-read"), Action::Note},
-    {QLatin1String("unsound-code"), Action::Stop},
+    {"store-overflow"_L1, Action::Note}, {"division-by-zero"_L1, Action::Stop},
+    {"not-finite"_L1, Action::Note},     {"real-to-int"_L1, Action::Note},
+    {"mixed-division"_L1, Action::Off},  {"shift-range"_L1, Action::Note},
+    {"stack-left"_L1, Action::Stop},     {"stack-left"_L1, Action::Note},
+    {"stack-empty"_L1, Action::Stop},    {"recursion"_L1, Action::Stop},
+    {SCAN_LIMIT, Action::Stop},          {"uninitialized-read"_L1, Action::Note},
+    {"unsound-code"_L1, Action::Stop},
 };
-constexpr QLatin1String ACTIONS[] = {QLatin1String("off"), QLatin1String("note"),
-                                     QLatin1String("stop")};
+constexpr QLatin1String ACTIONS[] = {"off"_L1, "note"_L1, "stop"_L1};
 
 QString Quoted(const QString& text) {
     return u'"' + text + u'"';
@@ -158,9 +151,9 @@ Checks::Checks() {
                    [](const CheckRow& row) { return row.action; });
 }
 
-Checks Checks::None() {
+Checks NoChecks() {
     Checks checks;
-    checks.actions_.fill(Action::Off);
+    checks.setAll(Action::Off);
     return checks;
 }
 

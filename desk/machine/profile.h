@@ -73,15 +73,18 @@ enum class Action : unsigned char { Off, Note, Stop };
 class Checks {
 public:
     Checks();  // the defaults
-    static Checks None();
 
     Action actionOf(Check check) const { return actions_[static_cast<std::size_t>(check)]; }
+    void setAll(Action action) { actions_.fill(action); }
     // Sets a check by its name and action as texts. What is wrong with them, empty if nothing is.
     QString set(const QString& name, const QString& action);
 
 private:
     std::array<Action, CHECKS_COUNT> actions_;
 };
+
+// Checks of which none is on.
+Checks NoChecks();
 
 // The name of a check, by which it is set and explained: "store-overflow".
 QString NameOf(Check check);

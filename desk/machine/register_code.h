@@ -29,7 +29,7 @@ inline Slot SlotOf(const Value& value) {
 }
 inline Value ValueOf(Typ type, Slot slot) {
     const bool isReal = type == TYP_REAL || type == TYP_LREAL;
-    return isReal ? Value::Real(type, slot.real) : Value::Whole(type, slot.whole);
+    return isReal ? RealValue(type, slot.real) : WholeValue(type, slot.whole);
 }
 
 // Each operation and what it does, by X(NAME); `to`, `left` and `right` are slots unless it is

@@ -67,7 +67,7 @@ void Registers::handOver(const CycleState& state) {
 bool Registers::execute(qint64& budget) {
     try {
         return run(budget);
-    } catch (const Stop&) {
+    } catch (const RunStop&) {
         return false;
     }
 }

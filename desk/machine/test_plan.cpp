@@ -20,10 +20,8 @@ struct BoundSign {
 
 // A sign stands before those that it begins with.
 constexpr BoundSign BOUND_SIGNS[] = {
-    {"<>"_L1, Comparison::NotEqual},
-    {"<="_L1, Comparison::LessOrEqual},
-    {">="_L1, Comparison::GreaterOrEqual},
-    {"<"_L1, Comparison::Less},
+    {"<>"_L1, Comparison::NotEqual},       {"<="_L1, Comparison::LessOrEqual},
+    {">="_L1, Comparison::GreaterOrEqual}, {"<"_L1, Comparison::Less},
     {">"_L1, Comparison::Greater},
 };
 
@@ -189,12 +187,12 @@ private:
     // A bound has the precision of its variable: 1.1 + 0.1 is the REAL that 1.2 is.
     static Value shifted(const Value& value, const Value& width, int sign) {
         if (!value.isReal()) {
-            return Value::Whole(value.type, value.whole + sign * width.whole);
+            return WholeValue(value.type, value.whole + sign * width.whole);
         }
         const double sum = value.real + sign * width.real;
-        return Value::Real(value.type, value.type == TYP_REAL
-                                           ? static_cast<double>(static_cast<float>(sum))
-                                           : sum);
+        return RealValue(value.type, value.type == TYP_REAL
+                                         ? static_cast<double>(static_cast<float>(sum))
+                                         : sum);
     }
 };
 

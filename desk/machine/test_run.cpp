@@ -129,10 +129,10 @@ private:
             return machine_.value(variable);
         }
         if (subject_.profile.tickWrite == TickWrite::Counter) {
-            return Value::Whole(TYP_UDINT, machine_.tick());
+            return WholeValue(TYP_UDINT, machine_.tick());
         }
         const std::optional<quint32> setting = machine_.tickSetting();
-        return setting ? std::optional(Value::Whole(TYP_UDINT, *setting)) : std::nullopt;
+        return setting ? std::optional(WholeValue(TYP_UDINT, *setting)) : std::nullopt;
     }
 
     static QString textOf(const std::optional<Value>& value) {

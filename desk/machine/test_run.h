@@ -37,7 +37,7 @@ struct TestFailure {
     int line = 0;                    // of the row
     qint64 cycle = 0;                // of the case, from 1
     std::vector<CellFailure> cells;  // empty if the run has ended
-    std::optional<Stop> stop;        // why it has
+    std::optional<RunStop> stop;     // why it has
     LastCycles last;
 };
 

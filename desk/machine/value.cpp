@@ -51,10 +51,10 @@ double NumberOf(const QString& text) {
     return isNumber ? number : std::numeric_limits<double>::infinity();
 }
 
-Value RealValue(Typ type, double number) {
+Value NearestValue(Typ type, double number) {
     const double nearest =
         type == TYP_REAL ? static_cast<double>(static_cast<float>(number)) : number;
-    return Value::Real(type, nearest);
+    return RealValue(type, nearest);
 }
 
 }  // namespace
@@ -69,7 +69,7 @@ QString TextOf(const Value& value) {
 bool ReadValue(const QString& text, Typ type, Value& value) {
     if (type == TYP_BOOL) {
         const int truth = TruthOf(text);
-        value = Value::Truth(truth > 0);
+        value = TruthValue(truth > 0);
         return truth >= 0;
     }
     const QByteArray word = text.toUpper().toUtf8();
@@ -77,11 +77,11 @@ bool ReadValue(const QString& text, Typ type, Value& value) {
         ReadLiteral({word.constData(), static_cast<std::size_t>(word.size())});
     const bool isWhole = literal && literal->type < TYP_REAL;
     if (type >= TYP_REAL) {
-        value = RealValue(type, isWhole   ? static_cast<double>(literal->whole)
-                                : literal ? literal->real
-                                          : NumberOf(text));
+        value = NearestValue(type, isWhole   ? static_cast<double>(literal->whole)
+                                   : literal ? literal->real
+                                             : NumberOf(text));
         return std::isfinite(value.real) && !(literal && literal->type == TYP_STRING);
     }
-    value = Value::Whole(type, isWhole ? literal->whole : 0);
+    value = WholeValue(type, isWhole ? literal->whole : 0);
     return isWhole && RangeOf(type).holds(literal->whole);
 }

@@ -15,24 +15,26 @@ struct Value {
         double real;
     };
 
-    static Value Whole(Typ type, qint64 whole) {
-        Value value;
-        value.type = type;
-        value.whole = whole;
-        return value;
-    }
-    static Value Real(Typ type, double real) {
-        Value value;
-        value.type = type;
-        value.real = real;
-        return value;
-    }
-    static Value Truth(bool isTrue) { return Whole(TYP_BOOL, isTrue ? 1 : 0); }
-
     bool isReal() const { return type == TYP_REAL || type == TYP_LREAL; }
     double asReal() const { return isReal() ? real : static_cast<double>(whole); }
     bool isTrue() const { return isReal() ? real != 0.0 : whole != 0; }
 };
+
+inline Value WholeValue(Typ type, qint64 whole) {
+    Value value;
+    value.type = type;
+    value.whole = whole;
+    return value;
+}
+inline Value RealValue(Typ type, double real) {
+    Value value;
+    value.type = type;
+    value.real = real;
+    return value;
+}
+inline Value TruthValue(bool isTrue) {
+    return WholeValue(TYP_BOOL, isTrue ? 1 : 0);
+}
 
 // The numbers that an integer type, or BOOL, holds.
 struct Range {

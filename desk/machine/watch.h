@@ -7,7 +7,7 @@
 #include <utility>
 
 // Why a run has ended before its time; thrown where it does.
-struct Stop {
+struct RunStop {
     Check check;
     QString message;  // no full stop at its end
     int item = 0;     // the number of the item
@@ -27,7 +27,7 @@ public:
     const Checks& checks() const { return checks_; }
 
     bool isOn(Check check) const { return checks_.actionOf(check) != Action::Off; }
-    // Notes the check, or throws a Stop, as its action says.
+    // Notes the check, or throws a RunStop, as its action says.
     void raise(Check check, const QString& message) {
         switch (checks_.actionOf(check)) {
             case Action::Off:
@@ -39,9 +39,9 @@ public:
                 stop(check, message);
         }
     }
-    // Throws a Stop, whatever the action of the check.
+    // Throws a RunStop, whatever the action of the check.
     [[noreturn]] void stop(Check check, const QString& message) const {
-        throw Stop{check, message, item_};
+        throw RunStop{check, message, item_};
     }
 
 private:

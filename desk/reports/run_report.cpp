@@ -113,7 +113,7 @@ std::vector<Finding> FindingsOf(const Notes& notes) {
     return findings;
 }
 
-Finding FindingOf(const Stop& stop) {
+Finding FindingOf(const RunStop& stop) {
     return {Level::Error, NameOf(stop.check), stop.message, stop.item};
 }
 

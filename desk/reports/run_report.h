@@ -19,7 +19,7 @@ struct Finding {
 
 // A note for each check and item, in the order of the items; the stop is the last.
 std::vector<Finding> FindingsOf(const Notes& notes);
-Finding FindingOf(const Stop& stop);
+Finding FindingOf(const RunStop& stop);
 
 // Shows findings with the line of the script that each item was written for, or with the items
 // around it.

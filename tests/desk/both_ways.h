@@ -8,7 +8,7 @@
 #include <cmath>
 #include <optional>
 
-inline QString TextOfStop(const std::optional<Stop>& stop) {
+inline QString TextOfStop(const std::optional<RunStop>& stop) {
     return stop ? QStringLiteral("%1 at %2: %3")
                       .arg(NameOf(stop->check))
                       .arg(stop->item)

@@ -59,16 +59,16 @@ TEST_F(InputsTest, WrongSettingsAreRefused) {
 }
 
 TEST_F(InputsTest, ConditionsCompare) {
-    const Value five = Value::Whole(TYP_UINT, 5);
+    const Value five = WholeValue(TYP_UINT, 5);
     EXPECT_TRUE(holds("total=5", five));
     EXPECT_FALSE(holds("total<>5", five));
     EXPECT_TRUE(holds("total>=5", five));
     EXPECT_TRUE(holds("total <= 5", five));
     EXPECT_FALSE(holds("total<5", five));
     EXPECT_TRUE(holds("total>4", five));
-    EXPECT_TRUE(holds("level<0.5", Value::Real(TYP_REAL, 0.25)));
-    EXPECT_FALSE(holds("level=0.5", Value::Real(TYP_REAL, std::nan(""))));
-    EXPECT_TRUE(holds("level<>0.5", Value::Real(TYP_REAL, std::nan(""))));
+    EXPECT_TRUE(holds("level<0.5", RealValue(TYP_REAL, 0.25)));
+    EXPECT_FALSE(holds("level=0.5", RealValue(TYP_REAL, std::nan(""))));
+    EXPECT_TRUE(holds("level<>0.5", RealValue(TYP_REAL, std::nan(""))));
 }
 
 TEST_F(InputsTest, TablesAreRead) {

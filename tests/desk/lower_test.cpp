@@ -28,7 +28,7 @@ std::vector<RegisterOperation> OperationsOf(const QByteArray& statements) {
     EXPECT_FALSE(read.fault) << statements.toStdString();
     Memory memory;
     for (const Literal& literal : read.code.literals) {
-        memory.literals.push_back(Value::Whole(literal.type, literal.whole));
+        memory.literals.push_back(WholeValue(literal.type, literal.whole));
     }
     UnitCells& cells = memory.units.emplace_back();
     for (const Declaration& declaration : read.code.program().declarations) {
@@ -38,7 +38,7 @@ std::vector<RegisterOperation> OperationsOf(const QByteArray& statements) {
     }
     cells.ofCalls.push_back(cells.initial);
     const Profile profile;
-    const Checks checks = Checks::None();
+    const Checks checks = NoChecks();
     const RegisterCode code = Lower({read.code, profile, checks, false}, memory);
     std::vector<RegisterOperation> operations;
     for (const RegisterInstruction& instruction : code.instructions) {
@@ -132,8 +132,8 @@ TEST(Lower, ResultsThatMayNotFitAreLookedAt) {
     for (const QByteArray& statements : examples) {
         for (const qint64 value : {32767, 32768, -32768, -32769, INT_MAX, INT_MIN}) {
             BothWays run(statements);
-            run.reference.set(1, Value::Whole(TYP_DINT, value));
-            run.machine.set(1, Value::Whole(TYP_DINT, value));
+            run.reference.set(1, WholeValue(TYP_DINT, value));
+            run.machine.set(1, WholeValue(TYP_DINT, value));
             run.execute(1);
             EXPECT_EQ(run.machine.registerCycles(), 1);
         }
@@ -163,7 +163,7 @@ TEST(Lower, WhatIsNotUsualIsExecutedAnItemAtATime) {
         {"MOV 1 #A0 MOV #A0 @x RET ", 3},
         {"MOV @z #A0 RET ", 0},
         {"MOV 'A' #A0 RET ", 0},
-        {"MOV $POP #A0 RET ", 0, Checks::None()},
+        {"MOV $POP #A0 RET ", 0, NoChecks()},
         {"MOV #A0 @x RET ", 0},
         {"JMPT L1 L1: RET ", 0},
         {"MOV @x #A0 ", 0},
@@ -184,8 +184,8 @@ TEST(Lower, WhatIsNotUsualIsExecutedAnItemAtATime) {
 TEST(Lower, WaysMayJoinWithDifferentStacks) {
     BothWays run("MOV @b #A0 TST #A0 JMPF L1 MOV 1 #A0 MOV #A0 $PUSH L1: RET ",
                  Noted("stack-left"));
-    run.reference.set(2, Value::Truth(true));
-    run.machine.set(2, Value::Truth(true));
+    run.reference.set(2, TruthValue(true));
+    run.machine.set(2, TruthValue(true));
     run.execute();
     EXPECT_LT(run.machine.registerCycles(), 3);
 }
@@ -217,8 +217,8 @@ TEST(Lower, ForcedVariablesAreKept) {
     BothWays run("MOV @x #A0 ADD 1 #A0 MOV #A0 @x MOV @x #A0 MOV #A0 @g RET ");
     run.execute(1);
     for (const int variable : {0, 0, 4}) {
-        run.reference.force(variable, Value::Whole(TYP_INT, 50));
-        run.machine.force(variable, Value::Whole(TYP_INT, 50));
+        run.reference.force(variable, WholeValue(TYP_INT, 50));
+        run.machine.force(variable, WholeValue(TYP_INT, 50));
         run.execute(1);
     }
     EXPECT_EQ(run.machine.registerCycles(), 1);
@@ -241,8 +241,8 @@ TEST(Lower, UnsetVariablesAreToldUntilTheyAreSet) {
     run.machine.setUninitialized(0, 0);
     run.execute(2);
     EXPECT_EQ(run.machine.registerCycles(), 1);
-    run.reference.set(2, Value::Truth(true));
-    run.machine.set(2, Value::Truth(true));
+    run.reference.set(2, TruthValue(true));
+    run.machine.set(2, TruthValue(true));
     run.execute(8);
     EXPECT_EQ(run.machine.notes().size(), 1U);
     EXPECT_GT(run.machine.registerCycles(), 3);
@@ -280,8 +280,8 @@ TEST(Lower, EngineObjectsAreKnownAfterTheirFirstUse) {
     run.execute(1);
     EXPECT_EQ(run.machine.registerCycles(), 0);
     for (int cycle = 0; cycle < 20; ++cycle) {
-        run.reference.set(1, Value::Whole(TYP_DINT, 0));
-        run.machine.set(1, Value::Whole(TYP_DINT, 0));
+        run.reference.set(1, WholeValue(TYP_DINT, 0));
+        run.machine.set(1, WholeValue(TYP_DINT, 0));
         run.execute(1);
     }
     EXPECT_GT(run.machine.registerCycles(), 15);

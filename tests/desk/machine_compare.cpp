@@ -35,7 +35,7 @@ enum class Checking { Usual, Noted, None };
 constexpr Checking CHECKINGS[] = {Checking::Usual, Checking::Noted, Checking::None};
 
 Checks ChecksOf(Checking checking) {
-    Checks checks = checking == Checking::None ? Checks::None() : Checks();
+    Checks checks = checking == Checking::None ? NoChecks() : Checks();
     if (checking == Checking::Noted) {
         for (std::size_t check = 0; check < CHECKS_COUNT - 1; ++check) {
             checks.set(NameOf(static_cast<Check>(check)), QStringLiteral("note"));
@@ -62,12 +62,11 @@ bool IsInput(const Declaration& declaration) {
 Value RandomValue(Typ type, std::mt19937& random) {
     const auto number = static_cast<qint64>(random()) % 8 - 2;
     if (type == TYP_REAL || type == TYP_LREAL) {
-        return Value::Real(type, static_cast<double>(number) * 0.75);
+        return RealValue(type, static_cast<double>(number) * 0.75);
     }
     const Range& range = RangeOf(type);
-    return Value::Whole(type, random() % 8 == 0
-                                  ? range.greatest
-                                  : std::clamp(number, range.least, range.greatest));
+    return WholeValue(type, random() % 8 == 0 ? range.greatest
+                                              : std::clamp(number, range.least, range.greatest));
 }
 
 void SetInputs(const Code& code, std::mt19937& random, Machine& one, Machine& other) {

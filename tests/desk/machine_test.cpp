@@ -288,6 +288,9 @@ TEST(Machine, RealsAreRoundedAsChosen) {
 }
 
 TEST(Machine, InitialValuesAreMadeToFit) {
+    const Executed low(
+        QStringLiteral("PROGRAM P VAR a : DINT := -4294967295; END_VAR END_PROGRAM"));
+    EXPECT_EQ(low.text("a"), "1");
     const Executed run(
         QStringLiteral("PROGRAM P VAR a : SINT := 200; b : INT := 16#FF; "
                        "c : REAL := -2.5; f : BOOL := TRUE; END_VAR END_PROGRAM"));
@@ -300,6 +303,9 @@ TEST(Machine, InitialValuesAreMadeToFit) {
     EXPECT_EQ(stopped.stop(), "real-to-int");
     EXPECT_FALSE(stopped.machine().cycle());
     EXPECT_EQ(stopped.machine().cycles(), 0);
+    stopped.machine().setUninitialized(0, 0);
+    stopped.machine().set(0, WholeValue(TYP_SINT, 5));
+    EXPECT_EQ(stopped.text("a"), "5");
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -349,8 +355,8 @@ TEST(Machine, TickIsSetBesideTheCounterUnlessChosen) {
 
 TEST(Machine, ForcedVariablesKeepTheirValue) {
     Executed run(Script(QStringLiteral("d1 := d1 + 1; g := g + 1;")), {}, 1);
-    run.machine().force(run.variable("d1"), Value::Whole(TYP_DINT, 50));
-    run.machine().force(run.variable("g"), Value::Whole(TYP_INT, 9));
+    run.machine().force(run.variable("d1"), WholeValue(TYP_DINT, 50));
+    run.machine().force(run.variable("g"), WholeValue(TYP_INT, 9));
     run.machine().cycle();
     EXPECT_EQ(run.text("d1") + " " + run.text("g"), "50 9");
     run.machine().release(run.variable("d1"));
@@ -365,7 +371,7 @@ TEST(Machine, UnsetVariablesAreToldWhereTheyAreKnown) {
     EXPECT_THAT(run.notes(), ElementsAre("uninitialized-read 1"));
     Executed set(Script(QStringLiteral("d1 := d;")), {}, 0);
     set.machine().setUninitialized(0, set.variable("d"));
-    set.machine().set(set.variable("d"), Value::Whole(TYP_DINT, 3));
+    set.machine().set(set.variable("d"), WholeValue(TYP_DINT, 3));
     set.machine().cycle();
     EXPECT_THAT(set.notes(), IsEmpty());
 }
@@ -464,7 +470,7 @@ TEST(Machine, OneReadingOfTheStackFitsAllCalls) {
                 QStringLiteral("call-result = %1").arg(QLatin1String(result)),
                 QStringLiteral("return-stack = %1").arg(QLatin1String(atReturn)),
                 QStringLiteral("scan-limit = 10000")};
-            Checks stopAtLimit = Checks::None();
+            Checks stopAtLimit = NoChecks();
             stopAtLimit.set(QStringLiteral("scan-limit"), QStringLiteral("stop"));
             const Executed run(script, choices, 1, stopAtLimit);
             if (run.text("i1") == "7" && run.text("d1") == "3" && run.text("ui1") == "15") {
@@ -555,7 +561,7 @@ TEST(Machine, UnsoundCodeStopsTheRun) {
     for (const char* const code : codes) {
         CodeResult read = ReadCode(QByteArray(HEAD) + code);
         ASSERT_FALSE(read.fault) << code << read.fault->message.toStdString();
-        Machine machine(read.code, Profile(), Checks::None());
+        Machine machine(read.code, Profile(), NoChecks());
         EXPECT_FALSE(machine.cycle()) << code;
         EXPECT_EQ(NameOf(machine.stop()->check), QLatin1String("unsound-code")) << code;
     }
@@ -563,7 +569,7 @@ TEST(Machine, UnsoundCodeStopsTheRun) {
 
 TEST(Machine, TheStackHasAnEnd) {
     CodeResult read = ReadCode(QByteArray(HEAD) + "L1: MOV #A0 $PUSH JMP L1 RET ");
-    Machine machine(read.code, Profile(), Checks::None());
+    Machine machine(read.code, Profile(), NoChecks());
     EXPECT_FALSE(machine.cycle());
 }
 

@@ -35,9 +35,9 @@ TEST(Trace, HeadTellsScriptVersionAndChoices) {
 }
 
 TEST(Trace, RowsHoldTheTextsOfValues) {
-    const std::vector<Value> values = {Value::Truth(true), Value::Whole(TYP_INT, -5),
-                                       Value::Real(TYP_REAL, static_cast<double>(0.1F)),
-                                       Value::Real(TYP_LREAL, 2.0)};
+    const std::vector<Value> values = {TruthValue(true), WholeValue(TYP_INT, -5),
+                                       RealValue(TYP_REAL, static_cast<double>(0.1F)),
+                                       RealValue(TYP_LREAL, 2.0)};
     EXPECT_EQ(TraceRow(12, 1100, values), "12,1100,TRUE,-5,0.1,2.0\n");
     EXPECT_EQ(TraceRow(1, 4'294'967'295, {}), "1,4294967295\n");
 }
@@ -108,10 +108,10 @@ TEST_F(FilesTest, TestTablesOfNoCyclesHaveNoRow) {
 
 TEST(Chart, PageHoldsTheDataAndTheLicence) {
     Series level(10);
-    level.add({1, Value::Real(TYP_REAL, static_cast<double>(0.1F))});
-    level.add({2, Value::Real(TYP_REAL, std::numeric_limits<double>::infinity())});
+    level.add({1, RealValue(TYP_REAL, static_cast<double>(0.1F))});
+    level.add({2, RealValue(TYP_REAL, std::numeric_limits<double>::infinity())});
     Series on(10);
-    on.add({1, Value::Truth(true)});
+    on.add({1, TruthValue(true)});
     const std::string page =
         PageOf({"<a & b>", 2, 100, true, {{"level", TYP_REAL, level}, {"on", TYP_BOOL, on}}});
     EXPECT_THAT(page, HasSubstr("<title>&lt;a &amp; b&gt;</title>"));

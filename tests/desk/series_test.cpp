@@ -14,7 +14,7 @@ Series SeriesOf(const std::vector<double>& values, std::size_t mostPieces) {
     Series series(mostPieces);
     qint64 cycle = 0;
     for (const double value : values) {
-        series.add({++cycle, Value::Real(TYP_LREAL, value)});
+        series.add({++cycle, RealValue(TYP_LREAL, value)});
     }
     return series;
 }
@@ -48,7 +48,7 @@ TEST(Series, NothingIsNoPoint) {
 TEST(Series, LongRunsStayWithinTheirBounds) {
     Series series(16);
     for (qint64 cycle = 1; cycle <= 100'000; ++cycle) {
-        series.add({cycle, Value::Whole(TYP_DINT, cycle * 7919 % 10'007)});
+        series.add({cycle, WholeValue(TYP_DINT, cycle * 7919 % 10'007)});
     }
     EXPECT_LE(series.points().size(), 4U * 16);
     EXPECT_GE(series.points().size(), 2U * 8);

@@ -179,9 +179,9 @@ struct Expected {
 };
 
 Value ValueOf(Typ type, double number) {
-    return type < TYP_REAL    ? Value::Whole(type, static_cast<qint64>(number))
-           : type == TYP_REAL ? Value::Real(type, static_cast<double>(static_cast<float>(number)))
-                              : Value::Real(type, number);
+    return type < TYP_REAL    ? WholeValue(type, static_cast<qint64>(number))
+           : type == TYP_REAL ? RealValue(type, static_cast<double>(static_cast<float>(number)))
+                              : RealValue(type, number);
 }
 
 bool HoldsFor(const TestQuestion& question, double number) {
