@@ -77,7 +77,8 @@ def execute(program, task, folder):
     options += [f"--trace={trace}", f"--engine={engine}", "--quiet"]
     options += [f"--check={name}={action}" for name, action in task.checks.items()]
     process = call([DESK, "run", source, *options], allowed=(0, 1))
-    rows = read_trace(trace.read_text("utf-8"))
+    # A run that an initial value ends has no cycles and writes no trace.
+    rows = read_trace(trace.read_text("utf-8")) if trace.exists() else []
     message = process.stderr.strip() or process.stdout.strip() or "no message"
     return Trace(rows, message if process.returncode else None)
 
