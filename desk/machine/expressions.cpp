@@ -147,7 +147,7 @@ void Expressions::forget() {
     nodes_.clear();
     temporariesUsed_ = 0;
     lastOperation_ = UNKNOWN;
-    state_ = State();
+    held_ = HeldValues();
 }
 
 bool Expressions::isTemporary(qint32 slot) const {
@@ -180,8 +180,8 @@ bool Expressions::save(const SlotTest& isMeant) {
 }
 
 std::vector<int*> Expressions::entries() {
-    std::vector<int*> all = {&state_.accumulator, &state_.register0, &state_.flag};
-    for (int& entry : state_.stack) {
+    std::vector<int*> all = {&held_.accumulator, &held_.register0, &held_.flag};
+    for (int& entry : held_.stack) {
         all.push_back(&entry);
     }
     return all;

@@ -53,7 +53,7 @@ struct Node {
 };
 
 // What the machine holds at a point of the code, by nodes.
-struct State {
+struct HeldValues {
     int accumulator = UNKNOWN;
     int register0 = UNKNOWN;
     int flag = UNKNOWN;
@@ -71,7 +71,7 @@ public:
 
 protected:
     RegisterCodeBuilder& builder_;
-    State state_;
+    HeldValues held_;
     int item_ = 0;  // of the instruction that is lowered
 
     int add(const Node& node);

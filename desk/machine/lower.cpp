@@ -3,7 +3,7 @@
 #include "machine/conventions.h"
 #include "machine/expressions.h"
 #include "machine/liveness.h"
-#include "machine/surroundings.h"
+#include "machine/unit_plans.h"
 
 #include <algorithm>
 #include <iterator>
@@ -46,7 +46,7 @@ struct Join {
 
 class UnitLowering : private Expressions {
 public:
-    UnitLowering(Surroundings& all, int unit)
+    UnitLowering(UnitPlans& all, int unit)
         : Expressions(all.builder, all.profile.width),
           all_(all),
           unit_(all.code.units[static_cast<std::size_t>(unit)]),
@@ -65,7 +65,7 @@ public:
     }
 
 private:
-    Surroundings& all_;
+    UnitPlans& all_;
     const CodeUnit& unit_;
     const UnitPlan& plan_;
     std::vector<Live> live_;
@@ -161,11 +161,11 @@ private:
         known_.clear();
         forget();
         for (std::size_t entry = 0; entry < join.stack.size(); ++entry) {
-            state_.stack.push_back(joined(join.stack[entry], stackSlot(entry)));
+            held_.stack.push_back(joined(join.stack[entry], stackSlot(entry)));
         }
-        state_.accumulator = joined(join.accumulator, accumulatorSlot_);
-        state_.register0 = joined(join.register0, register0Slot_);
-        state_.flag = joined(join.flag, flagSlot_);
+        held_.accumulator = joined(join.accumulator, accumulatorSlot_);
+        held_.register0 = joined(join.register0, register0Slot_);
+        held_.flag = joined(join.flag, flagSlot_);
     }
 
     int joined(const Form& form, qint32 slot) {
@@ -195,12 +195,12 @@ private:
         Join& join = joins_.at(index);
         const Live& live = liveAt(index);
         Join found;
-        for (const int entry : state_.stack) {
+        for (const int entry : held_.stack) {
             found.stack.push_back(formOf(entry, true));
         }
-        found.accumulator = formOf(state_.accumulator, live.accumulator);
-        found.register0 = formOf(state_.register0, live.register0);
-        found.flag = formOf(state_.flag, live.flag);
+        found.accumulator = formOf(held_.accumulator, live.accumulator);
+        found.register0 = formOf(held_.register0, live.register0);
+        found.flag = formOf(held_.flag, live.flag);
         if (join.isReached && !join.expectsAsMuchAs(found)) {
             throw Unusual();
         }
@@ -219,17 +219,17 @@ private:
     }
 
     void settle(const Live& live) {
-        for (std::size_t entry = 0; entry < state_.stack.size(); ++entry) {
-            settleIn(stackSlot(entry), state_.stack[entry]);
+        for (std::size_t entry = 0; entry < held_.stack.size(); ++entry) {
+            settleIn(stackSlot(entry), held_.stack[entry]);
         }
         if (live.accumulator) {
-            settleIn(accumulatorSlot_, state_.accumulator);
+            settleIn(accumulatorSlot_, held_.accumulator);
         }
         if (live.register0) {
-            settleIn(register0Slot_, state_.register0);
+            settleIn(register0Slot_, held_.register0);
         }
         if (live.flag) {
-            settleIn(flagSlot_, state_.flag);
+            settleIn(flagSlot_, held_.flag);
         }
     }
 
@@ -262,9 +262,9 @@ private:
         item_ = item();
         execute();
         const Live& live = liveAfter();
-        state_.accumulator = live.accumulator ? state_.accumulator : UNKNOWN;
-        state_.register0 = live.register0 ? state_.register0 : UNKNOWN;
-        state_.flag = live.flag ? state_.flag : UNKNOWN;
+        held_.accumulator = live.accumulator ? held_.accumulator : UNKNOWN;
+        held_.register0 = live.register0 ? held_.register0 : UNKNOWN;
+        held_.flag = live.flag ? held_.flag : UNKNOWN;
     }
 
     void execute() {
@@ -295,10 +295,10 @@ private:
         const int moved = take(instruction().from);
         switch (instruction().to.kind) {
             case OperandKind::Accumulator:
-                state_.accumulator = moved;
+                held_.accumulator = moved;
                 return;
             case OperandKind::Register0:
-                state_.register0 = moved;
+                held_.register0 = moved;
                 return;
             case OperandKind::Push:
                 push(moved);
@@ -320,9 +320,9 @@ private:
     int take(const CodeOperand& from) {
         switch (from.kind) {
             case OperandKind::Accumulator:
-                return state_.accumulator;
+                return held_.accumulator;
             case OperandKind::Register0:
-                return state_.register0;
+                return held_.register0;
             case OperandKind::Pop:
                 return pop();
             case OperandKind::Tick:
@@ -346,18 +346,18 @@ private:
     }
 
     void push(int pushed) {
-        if (pushed == UNKNOWN || state_.stack.size() == MOST_ENTRIES) {
+        if (pushed == UNKNOWN || held_.stack.size() == MOST_ENTRIES) {
             throw Unusual();
         }
-        state_.stack.push_back(pushed);
+        held_.stack.push_back(pushed);
     }
 
     int pop() {
-        if (state_.stack.empty()) {
+        if (held_.stack.empty()) {
             throw Unusual();
         }
-        const int popped = state_.stack.back();
-        state_.stack.pop_back();
+        const int popped = held_.stack.back();
+        held_.stack.pop_back();
         return popped;
     }
 
@@ -434,7 +434,7 @@ private:
     }
 
     void assign(qint32 slot, Typ type, int stored, int storeItem) {
-        state_.accumulator = liveAfter().accumulator ? state_.accumulator : UNKNOWN;
+        held_.accumulator = liveAfter().accumulator ? held_.accumulator : UNKNOWN;
         storeIn(slot, type, stored, storeItem);
         markSet(slot);
     }
@@ -446,8 +446,8 @@ private:
     void binary() {
         const int taken = take(instruction().from);
         const bool isStepDown = IsStepDown(all_.code, instruction());
-        const int left = isStepDown ? state_.accumulator : taken;
-        const int right = isStepDown ? taken : state_.accumulator;
+        const int left = isStepDown ? held_.accumulator : taken;
+        const int right = isStepDown ? taken : held_.accumulator;
         const Operation operation = instruction().operation;
         if (!IsNumber(node(left).type) || !IsNumber(node(right).type)) {
             throw Unusual();
@@ -456,8 +456,8 @@ private:
         if (operation == Operation::Divide && isMixed && all_.isOn(Check::MixedDivision)) {
             raise(Check::MixedDivision);
         }
-        state_.accumulator = UNKNOWN;
-        state_.accumulator = operated(operation, left, right);
+        held_.accumulator = UNKNOWN;
+        held_.accumulator = operated(operation, left, right);
     }
 
     void raise(Check check) {
@@ -468,13 +468,13 @@ private:
     }
 
     void unary() {
-        const int value = state_.accumulator;
+        const int value = held_.accumulator;
         if (instruction().operation == Operation::Test) {
-            state_.flag = truthOf(value);
+            held_.flag = truthOf(value);
         } else if (instruction().operation == Operation::Not) {
-            state_.accumulator = negated(truthOf(value));
+            held_.accumulator = negated(truthOf(value));
         } else {
-            state_.accumulator = complement(value);
+            held_.accumulator = complement(value);
         }
     }
 
@@ -489,9 +489,9 @@ private:
             isEnded_ = true;
             return;
         }
-        node(state_.flag);
+        node(held_.flag);
         const Target place = reach(instruction().target);
-        branch(state_.flag, operation == Operation::JumpIfTrue, place);
+        branch(held_.flag, operation == Operation::JumpIfTrue, place);
     }
 
     void branch(int condition, bool isTaken, Target place) {
@@ -552,7 +552,7 @@ private:
         address.left = isReference(variable) ? slot : builder_.whole(slot);
         address.limits = WIDEST;
         address.meant = all_.typeMeant(unit_, variable);
-        state_.accumulator = add(address);
+        held_.accumulator = add(address);
     }
 
     void call() {
@@ -561,10 +561,10 @@ private:
         }
         const UnitPlan& plan = all_.plans[static_cast<std::size_t>(instruction().target)];
         const CodeUnit& unit = all_.code.units[static_cast<std::size_t>(instruction().target)];
-        if (!plan.isCallable || state_.stack.size() < unit.parameters.size()) {
+        if (!plan.isCallable || held_.stack.size() < unit.parameters.size()) {
             throw Unusual();
         }
-        state_.accumulator = state_.register0 = state_.flag = UNKNOWN;
+        held_.accumulator = held_.register0 = held_.flag = UNKNOWN;
         passParameters(unit, plan);
         save([this](qint32 used) { return mayChange(used); });
         restoreLocals(unit, plan);
@@ -654,7 +654,7 @@ private:
     }
 
     void giveResult(int result) {
-        state_.accumulator = result;
+        held_.accumulator = result;
         if (IsResultPushed(all_.code, all_.profile.callResult, index_ + 1)) {
             push(result);
         }
@@ -663,11 +663,11 @@ private:
     // The callers of a function find its value in the variable for the result.
     void leave() {
         const bool isProgram = all_.isProgram(unit_);
-        if (!state_.stack.empty()) {
+        if (!held_.stack.empty()) {
             leaveValues(isProgram);
         }
         if (!isProgram && unit_.result != NOWHERE) {
-            const Node& value = node(state_.accumulator);
+            const Node& value = node(held_.accumulator);
             const qint32 result = slotOfVariable(unit_.result);
             if (value.kind != NodeKind::Slot || value.left != result) {
                 throw Unusual();
@@ -691,7 +691,7 @@ private:
             throw Unusual();
         }
         const BuiltIn& called = EngineBuiltIns()[static_cast<std::size_t>(instruction().target)];
-        if (called.parameters.empty() || state_.stack.size() < called.parameters.size()) {
+        if (called.parameters.empty() || held_.stack.size() < called.parameters.size()) {
             throw Unusual();
         }
         const MathFunction function = FindMathFunction(called.name);
@@ -719,7 +719,7 @@ private:
         EngineNumbers numbers;
         for (std::size_t index = 0; index < EngineNumbersOf(called); ++index) {
             const std::size_t left = called.parameters.size() - index;
-            const int passed = state_.stack[state_.stack.size() - left];
+            const int passed = held_.stack[held_.stack.size() - left];
             const Typ type = called.parameters[index];
             if (IsReal(type) || !isConstant(passed) || node(passed).isReal() ||
                 !LimitsOf(type).holds(node(passed).limits)) {
@@ -768,7 +768,7 @@ private:
 }  // namespace
 
 RegisterCode Lower(const Lowered& lowered, Memory& memory) {
-    Surroundings all(lowered, memory);
+    UnitPlans all(lowered, memory);
     for (std::size_t unit = 0; unit < all.plans.size(); ++unit) {
         if (all.plans[unit].isCallable || unit + 1 == all.plans.size()) {
             UnitLowering(all, static_cast<int>(unit)).lower();

@@ -4,7 +4,7 @@
 
 #include "machine/memory.h"
 #include "machine/register_code.h"
-#include "machine/surroundings.h"
+#include "machine/unit_plans.h"
 
 // Whatever the code is, register code comes of it that gives up where it cannot go on. The cells
 // of the memory must stay where they are as long as the register code is used.

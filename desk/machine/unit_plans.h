@@ -32,9 +32,9 @@ struct UnitPlan {
 };
 
 // What all units have in common.
-class Surroundings {
+class UnitPlans {
 public:
-    Surroundings(const Lowered& lowered, Memory& bound);
+    UnitPlans(const Lowered& lowered, Memory& bound);
 
     const Code& code;
     const Profile& profile;

@@ -1,4 +1,4 @@
-#include "machine/surroundings.h"
+#include "machine/unit_plans.h"
 
 #include "machine/conventions.h"
 
@@ -21,7 +21,7 @@ Cell& Meant(Cell& cell) {
 // Units that may call themselves, by whatever way, are not callable.
 class RecursionFinder {
 public:
-    explicit RecursionFinder(Surroundings& all) : all_(all), marks_(all.code.units.size()) {}
+    explicit RecursionFinder(UnitPlans& all) : all_(all), marks_(all.code.units.size()) {}
 
     void find() {
         for (std::size_t unit = 0; unit < marks_.size() && marks_.size() < MOST_UNITS; ++unit) {
@@ -32,7 +32,7 @@ public:
 private:
     enum class Mark : unsigned char { New, Open, Done };
 
-    Surroundings& all_;
+    UnitPlans& all_;
     std::vector<Mark> marks_;
 
     void visit(int unit) {
@@ -58,7 +58,7 @@ private:
 
 }  // namespace
 
-Surroundings::Surroundings(const Lowered& lowered, Memory& bound)
+UnitPlans::UnitPlans(const Lowered& lowered, Memory& bound)
     : code(lowered.code),
       profile(lowered.profile),
       checks(lowered.checks),
@@ -75,17 +75,17 @@ Surroundings::Surroundings(const Lowered& lowered, Memory& bound)
     RecursionFinder(*this).find();
 }
 
-void Surroundings::addEngineObject(const EngineNumbers& numbers) {
+void UnitPlans::addEngineObject(const EngineNumbers& numbers) {
     Cell& cell = memory.engineObject(numbers);
     builder.code.engineObjects[numbers] = {&cell, bind(cell)};
 }
 
-Typ Surroundings::typeMeant(const CodeUnit& unit, int variable) const {
+Typ UnitPlans::typeMeant(const CodeUnit& unit, int variable) const {
     const auto index = static_cast<std::size_t>(variable);
     return isProgram(unit) ? Meant(memory.program()[index]).type : unit.declarations[index].type;
 }
 
-qint32 Surroundings::bind(Cell& cell) {
+qint32 UnitPlans::bind(Cell& cell) {
     const auto [known, isNew] = bound_.try_emplace(&cell, 0);
     if (isNew) {
         known->second = builder.newSlot();
@@ -95,19 +95,19 @@ qint32 Surroundings::bind(Cell& cell) {
     return known->second;
 }
 
-void Surroundings::noteUnset(const Cell& cell, qint32 slot) {
+void UnitPlans::noteUnset(const Cell& cell, qint32 slot) {
     if (cell.isUnset && isOn(Check::UninitializedRead)) {
         unset_.insert(slot);
     }
 }
 
-void Surroundings::bindEngine() {
+void UnitPlans::bindEngine() {
     for (auto& [numbers, cell] : memory.engineObjects) {
         builder.code.engineObjects[numbers] = {&cell, bind(cell)};
     }
 }
 
-UnitPlan Surroundings::planOf(std::size_t index) {
+UnitPlan UnitPlans::planOf(std::size_t index) {
     const CodeUnit& unit = code.units[index];
     UnitPlan plan;
     plan.entry = builder.newTarget();
@@ -124,7 +124,7 @@ UnitPlan Surroundings::planOf(std::size_t index) {
     return plan;
 }
 
-void Surroundings::bindProgram(UnitPlan& plan) {
+void UnitPlans::bindProgram(UnitPlan& plan) {
     Cells& cells = memory.program();
     for (std::size_t index = 0; index < cells.size(); ++index) {
         plan.slots[index] = bind(Meant(cells[index]));
@@ -132,7 +132,7 @@ void Surroundings::bindProgram(UnitPlan& plan) {
     }
 }
 
-void Surroundings::addLocals(UnitPlan& plan, const CodeUnit& unit, UnitCells& cells) {
+void UnitPlans::addLocals(UnitPlan& plan, const CodeUnit& unit, UnitCells& cells) {
     const bool isRetained = profile.locals == Locals::Retained;
     for (std::size_t index = 0; index < unit.declarations.size(); ++index) {
         if (IsParameter(unit.declarations[index])) {
@@ -154,7 +154,7 @@ void Surroundings::addLocals(UnitPlan& plan, const CodeUnit& unit, UnitCells& ce
     addInitials(plan, cells.initial);
 }
 
-void Surroundings::addInitials(UnitPlan& plan, const Cells& initial) {
+void UnitPlans::addInitials(UnitPlan& plan, const Cells& initial) {
     for (const int local : plan.locals) {
         const Value& value = initial[static_cast<std::size_t>(local)].value;
         const qint32 slot = builder.newSlot();
@@ -163,7 +163,7 @@ void Surroundings::addInitials(UnitPlan& plan, const Cells& initial) {
     }
 }
 
-int Surroundings::bodyOf(const CodeUnit& unit) const {
+int UnitPlans::bodyOf(const CodeUnit& unit) const {
     int next = unit.begin;
     for (std::size_t left = unit.parameters.size(); left-- > 0; next += 2) {
         if (next + 2 > unit.end || !takesParameter(unit, next, unit.parameters[left])) {
@@ -173,7 +173,7 @@ int Surroundings::bodyOf(const CodeUnit& unit) const {
     return next;
 }
 
-bool Surroundings::takesParameter(const CodeUnit& unit, int at, int parameter) const {
+bool UnitPlans::takesParameter(const CodeUnit& unit, int at, int parameter) const {
     const Instruction& pop = code.instructions[static_cast<std::size_t>(at)];
     const Instruction& put = code.instructions[static_cast<std::size_t>(at) + 1];
     const Declaration& declaration = unit.declarations[static_cast<std::size_t>(parameter)];
