@@ -192,26 +192,33 @@ private:
         if (!isInBody(index)) {
             throw Unusual();
         }
-        Join& join = joins_.at(index);
         const Live& live = liveAt(index);
+        const Join found = foundFor(live);
+        Join& join = joins_.at(index);
+        if (join.isReached && !join.expectsAsMuchAs(found)) {
+            throw Unusual();
+        }
+        if (!join.isReached) {
+            const Target target = join.place;
+            join = found;
+            join.place = target;
+            waiting_.insert(index);
+        }
+        settle(live);
+        return join.place;
+    }
+
+    // What is held here of what is live at a join.
+    Join foundFor(const Live& live) const {
         Join found;
+        found.isReached = true;
         for (const int entry : held_.stack) {
             found.stack.push_back(formOf(entry, true));
         }
         found.accumulator = formOf(held_.accumulator, live.accumulator);
         found.register0 = formOf(held_.register0, live.register0);
         found.flag = formOf(held_.flag, live.flag);
-        if (join.isReached && !join.expectsAsMuchAs(found)) {
-            throw Unusual();
-        }
-        if (!join.isReached) {
-            found.place = join.place;
-            found.isReached = true;
-            join = found;
-            waiting_.insert(index);
-        }
-        settle(live);
-        return join.place;
+        return found;
     }
 
     Form formOf(int index, bool isLive) const {

@@ -253,7 +253,7 @@ bool Registers::useEngine(int index) {
         GO_TO(at->to);          \
     }                           \
     NEXT;
-#define LABEL(NAME) &&NAME,
+#define LABEL(NAME) &&NAME,  // NOLINT(bugprone-macro-parentheses)
 
 bool Registers::run(qint64& budget) {
     static const void* const labels[] = {REGISTER_OPERATIONS(LABEL)};

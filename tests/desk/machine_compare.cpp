@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <iostream>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -94,8 +95,8 @@ void SetUninitialized(const Code& code, Machine& machine) {
 
 class Comparison {
 public:
-    explicit Comparison(const QString& name, const Code& code, Totals& totals)
-        : name_(name), code_(code), totals_(totals) {}
+    Comparison(QString name, const Code& code, Totals& totals)
+        : name_(std::move(name)), code_(code), totals_(totals) {}
 
     void compareAll() {
         ++totals_.programs;
