@@ -41,8 +41,9 @@ bool IsShift(Operation operation) {
     return operation >= Operation::ShiftLeft && operation <= Operation::RotateRight;
 }
 
-bool IsOnBits(Operation operation) {
-    return operation >= Operation::BitAnd && operation <= Operation::RotateRight;
+bool IsOfWholeNumbers(Operation operation) {
+    return operation == Operation::Modulo ||
+           (operation >= Operation::BitAnd && operation <= Operation::RotateRight);
 }
 
 // The bits that a number has in a type.
@@ -68,7 +69,8 @@ QString Number(qint64 number) {
 
 Value Arithmetic::apply(Operation operation, const Value& left, const Value& right) {
     const bool isReal = left.isReal() || right.isReal();
-    if (left.type >= TYP_STRING || right.type >= TYP_STRING || (isReal && IsOnBits(operation))) {
+    if (left.type >= TYP_STRING || right.type >= TYP_STRING ||
+        (isReal && IsOfWholeNumbers(operation))) {
         watch_.stop(Check::UnsoundCode,
                     QStringLiteral("the operands are not of a kind that the operation takes"));
     }
@@ -129,8 +131,6 @@ Value Arithmetic::reals(Operation operation, Typ type, double left, double right
                 watch_.stop(Check::DivisionByZero, QStringLiteral("a real is divided by 0"));
             }
             return result(type, left / right, areFinite);
-        case Operation::Modulo:
-            return result(type, std::fmod(left, right), areFinite);
         default:
             return result(type, std::pow(left, right), areFinite);
     }

@@ -552,6 +552,7 @@ TEST(Machine, UnsoundCodeStopsTheRun) {
         "MOV 'A' #A0 SUB 0 #A0 RET ",
         "MOV 'A' #A0 MOV #A0 @x RET ",
         "MOV 1.5 #A0 BNOT #A0 RET ",
+        "MOV 1.5 #A0 MOV #A0 $PUSH MOD $POP #A0 RET ",
         "MOV 1.5 #A0 MOV #A0 $PUSH BAND $POP #A0 RET ",
         "CAL P RET ",
         "EXEC P RET ",
