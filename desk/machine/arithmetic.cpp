@@ -57,6 +57,11 @@ int Remainder(qint64 count, int bits) {
     return static_cast<int>(rest < 0 ? rest + bits : rest);
 }
 
+// The rest of a division; 0 where the quotient is 0, and where it might not fit.
+qint64 RestOf(qint64 left, qint64 right) {
+    return right == 0 || right == -1 ? 0 : left % right;
+}
+
 QString Number(qint64 number) {
     return QString::number(number);
 }
@@ -102,7 +107,7 @@ Value Arithmetic::whole(Operation operation, Typ type, qint64 left, qint64 right
         case Operation::Divide:
             return result(type, quotient(left, divisorOf(right)));
         case Operation::Modulo:
-            return result(type, remainder(left, divisorOf(right)));
+            return result(type, RestOf(left, divisorOf(right)));
         case Operation::Power:
             return result(type, power(left, right));
         case Operation::BitAnd:
@@ -224,10 +229,6 @@ qint64 Arithmetic::quotient(qint64 left, qint64 right) {
     return right == 0 ? 0 : left / right;
 }
 
-qint64 Arithmetic::remainder(qint64 left, qint64 right) {
-    return right == 0 || right == -1 ? 0 : left % right;
-}
-
 // By squaring. Where a product does not fit the whole power does not, so it is raised once.
 qint64 Arithmetic::power(qint64 base, qint64 exponent) {
     if (exponent < 0) {
@@ -235,7 +236,7 @@ qint64 Arithmetic::power(qint64 base, qint64 exponent) {
         return base == 1 || base == -1 ? (isOdd ? base : 1) : quotient(1, divisorOf(base));
     }
     quint64 low = 1;
-    quint64 factor = static_cast<quint64>(base);
+    auto factor = static_cast<quint64>(base);
     bool fits = true;
     qint64 exact = 1;
     qint64 exactFactor = base;

@@ -20,7 +20,7 @@ public:
     Value literal(const Value& value) const;
 
     // A real that a function of the C library gave for those operands.
-    Value realResult(double result, bool areOperandsFinite);
+    Value realResult(double number, bool areOperandsFinite);
 
 private:
     const Profile& profile_;
@@ -34,7 +34,6 @@ private:
     qint64 subtract(qint64 left, qint64 right);
     qint64 multiply(qint64 left, qint64 right);
     qint64 quotient(qint64 left, qint64 right);
-    qint64 remainder(qint64 left, qint64 right);
     qint64 power(qint64 base, qint64 exponent);
     qint64 overflowed(bool isNegative, quint64 wrapped);
     qint64 divisorOf(qint64 right);

@@ -17,7 +17,10 @@ Value ZeroOf(Typ type) {
 }
 
 Value AddressOf(Cell& cell) {
-    return WholeValue(TYP_ARRAY, static_cast<qint64>(reinterpret_cast<qintptr>(&cell)));
+    Value value;
+    value.type = TYP_ARRAY;
+    value.address = &cell;
+    return value;
 }
 
 }  // namespace
@@ -393,11 +396,10 @@ void Machine::moveAddress(const Instruction& instruction) {
         accumulator_ = AddressOf(meant(instruction.from.index));
         return;
     }
-    if (accumulator_.type != TYP_ARRAY || accumulator_.whole == 0) {
+    if (accumulator_.type != TYP_ARRAY || accumulator_.address == nullptr) {
         watch_.stop(Check::UnsoundCode, QStringLiteral("the accumulator holds no address"));
     }
-    own(instruction.to.index).referred =
-        reinterpret_cast<Cell*>(static_cast<qintptr>(accumulator_.whole));
+    own(instruction.to.index).referred = accumulator_.address;
 }
 
 void Machine::binary(const Instruction& instruction) {

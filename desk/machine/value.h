@@ -7,12 +7,15 @@
 
 #include <limits>
 
+struct Cell;
+
 // A whole number, a real, the index of a string among the literals, or the address of a variable.
 struct Value {
     Typ type = TYP_SINT;  // the type it was given; TYP_ARRAY for an address
     union {
         qint64 whole = 0;
         double real;
+        Cell* address;
     };
 
     bool isReal() const { return type == TYP_REAL || type == TYP_LREAL; }
