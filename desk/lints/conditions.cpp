@@ -21,6 +21,7 @@ struct Condition {
     Token keyword;  // IF, ELSIF, WHILE, UNTIL
     int begin;      // the tokens from one to before another
     int end;
+    int loop;  // the token that begins the loop of a WHILE or UNTIL
 };
 
 Token EndOfCondition(Token keyword) {
@@ -42,9 +43,24 @@ bool IsConstant(const Subject& subject, int token) {
     return !subject.tokens.isOneOf(token, {TOKEN_IDENTIFIER, TOKEN_RESULT, TOKEN_TICK});
 }
 
+// Keeps the tokens of the REPEATs that are open before a token; gives that of the loop of an
+// UNTIL or WHILE.
+int LoopOf(const Subject& subject, int token, std::vector<int>& repeats) {
+    if (subject.tokens.is(token, TOKEN_REPEAT)) {
+        repeats.push_back(token);
+    } else if (subject.tokens.is(token, TOKEN_UNTIL)) {
+        const int repeat = repeats.back();
+        repeats.pop_back();
+        return repeat;
+    }
+    return token;
+}
+
 std::vector<Condition> ConstantConditions(const Subject& subject) {
     std::vector<Condition> conditions;
+    std::vector<int> repeats;
     for (int index = 0; index < subject.tokens.count(); ++index) {
+        const int loop = LoopOf(subject, index, repeats);
         const Token keyword = subject.tokens.code(index);
         const Token last = EndOfCondition(keyword);
         int end = index + 1;
@@ -53,7 +69,7 @@ std::vector<Condition> ConstantConditions(const Subject& subject) {
             ++end;
         }
         if (last != TOKEN_UNKNOWN && subject.tokens.is(end, last)) {
-            conditions.push_back({keyword, index + 1, end});
+            conditions.push_back({keyword, index + 1, end, loop});
         }
     }
     return conditions;
@@ -160,27 +176,26 @@ std::optional<bool> Evaluation::comparison(const OperationFact& operation) const
 // Loops
 // ---------------------------------------------------------------------------------------------
 
-// The loop to whose head or end a token belongs.
-const StatementFact& LoopAt(const Subject& subject, int token) {
-    const Span span = subject.tokens.span(token);
-    const auto found = std::find_if(
-        subject.facts.statements.rbegin(), subject.facts.statements.rend(),
-        [span](const StatementFact& each) {
-            return IsLoop(each) && each.span.begin <= span.begin && span.end <= each.span.end;
-        });
-    return *found;
+// The numbers of statements that can end a loop, before each statement and after the last.
+std::vector<int> CountLeaving(const Subject& subject) {
+    std::vector<int> counts = {0};
+    for (const StatementFact& each : subject.facts.statements) {
+        const bool isLeaving =
+            each.kind == TOKEN_BREAK || each.kind == TOKEN_EXIT || each.kind == TOKEN_GOTO;
+        counts.push_back(counts.back() + (isLeaving ? 1 : 0));
+    }
+    return counts;
 }
 
 // Whether a statement within the loop can end it.
-bool CanBeLeft(const Subject& subject, const StatementFact& loop) {
-    return std::any_of(subject.facts.statements.begin(), subject.facts.statements.end(),
-                       [&loop](const StatementFact& each) {
-                           const bool isWithin = loop.span.begin <= each.span.begin &&
-                                                 each.span.end <= loop.span.end;
-                           return isWithin &&
-                                  (each.kind == TOKEN_BREAK || each.kind == TOKEN_EXIT ||
-                                   each.kind == TOKEN_GOTO);
-                       });
+bool CanBeLeft(const Subject& subject, const std::vector<int>& leaving, int loop) {
+    const std::vector<StatementFact>& all = subject.facts.statements;
+    const int first = StatementAt(subject, subject.tokens.span(loop).begin);
+    const auto end =
+        std::lower_bound(all.begin() + first, all.end(), subject.statement(first).span.end,
+                         [](const StatementFact& each, int at) { return each.span.begin < at; });
+    return leaving[static_cast<std::size_t>(end - all.begin())] !=
+           leaving[static_cast<std::size_t>(first)];
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -204,10 +219,11 @@ QString Consequence(const Condition& condition, std::optional<bool> truth) {
 }
 
 // A loop that is left from within is meant to have no condition.
-bool IsMeant(const Subject& subject, const Condition& condition, std::optional<bool> truth) {
+bool IsMeant(const Subject& subject, const std::vector<int>& leaving, const Condition& condition,
+             std::optional<bool> truth) {
     const bool isOfLoop = condition.keyword == TOKEN_WHILE || condition.keyword == TOKEN_UNTIL;
     const bool neverRuns = condition.keyword == TOKEN_WHILE && truth == false;
-    return isOfLoop && !neverRuns && CanBeLeft(subject, LoopAt(subject, condition.begin));
+    return isOfLoop && !neverRuns && CanBeLeft(subject, leaving, condition.loop);
 }
 
 std::vector<Diagnostic> FindConstantConditions(const Subject& subject) {
@@ -217,11 +233,12 @@ std::vector<Diagnostic> FindConstantConditions(const Subject& subject) {
         return findings;
     }
     const Evaluation evaluation(subject);
+    const std::vector<int> leaving = CountLeaving(subject);
     for (const Condition& condition : conditions) {
         const Span span = {subject.tokens.span(condition.begin).begin,
                            subject.tokens.span(condition.end - 1).end};
         const std::optional<bool> truth = evaluation.truthOf(span);
-        if (!IsMeant(subject, condition, truth)) {
+        if (!IsMeant(subject, leaving, condition, truth)) {
             findings.push_back(Finding(span, Consequence(condition, truth)));
         }
     }
