@@ -1,7 +1,9 @@
 // Variables of FOR that the body of the loop changes.
 
 #include "lints/flow_rules.h"
+#include "lints/subject.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace {
@@ -136,9 +138,45 @@ std::unordered_map<int, int> LastStatements(const FlowScript& script) {
     return last;
 }
 
-bool LeavesLoop(const FlowScript& script, int statement) {
-    const Token kind = script.statement(statement).kind;
-    return kind == TOKEN_BREAK || kind == TOKEN_EXIT || kind == TOKEN_GOTO;
+// The outermost loop around the current statement that has the variable; one is there.
+int OutermostLoop(const Loops& loops, int variable) {
+    return std::find_if(
+               loops.open.begin(), loops.open.end(),
+               [variable](const OpenStatement& each) { return each.variable == variable; })
+        ->statement;
+}
+
+int InnermostLoop(const FlowScript& script, int statement) {
+    int outer = script.statement(statement).parent;
+    while (!IsLoop(script.statement(outer))) {
+        outer = script.statement(outer).parent;
+    }
+    return outer;
+}
+
+// Whether the label of a GOTO stands outside of a loop.
+bool LeadsOutOf(const FlowScript& script, const StatementFact& jump, const StatementFact& loop) {
+    const std::vector<UseFact>& uses = script.facts.uses;
+    const auto use = std::lower_bound(
+        uses.begin(), uses.end(), jump.span.begin,
+        [](const UseFact& each, int offset) { return each.span.begin < offset; });
+    const Span label = script.name(use->name).span;
+    return label.begin < loop.span.begin || label.begin >= loop.span.end;
+}
+
+// Whether a statement within a loop, the last of its run, leaves that loop.
+bool Leaves(const FlowScript& script, int statement, int loop) {
+    const StatementFact& fact = script.statement(statement);
+    switch (fact.kind) {
+        case TOKEN_EXIT:
+            return true;
+        case TOKEN_BREAK:
+            return InnermostLoop(script, statement) == loop;
+        case TOKEN_GOTO:
+            return LeadsOutOf(script, fact, script.statement(loop));
+        default:
+            return false;
+    }
 }
 
 Diagnostic DiagnosticOf(const FlowScript& script, const UseFact& use) {
@@ -164,7 +202,7 @@ void FindChangedLoopVariables(const FlowScript& script, std::vector<Diagnostic>&
                                ? LoopsAround(loops, use.name)
                                : isChange * LoopsAround(loops, use.name);
         const int branch = script.layout.of(loops.open.back().statement).branch;
-        if (around > 0 && !LeavesLoop(script, last.at(branch))) {
+        if (around > 0 && !Leaves(script, last.at(branch), OutermostLoop(loops, use.name))) {
             found.push_back(DiagnosticOf(script, use));
         }
     }

@@ -358,6 +358,18 @@ TEST(LoopVariable, TheLoopIsLeftAtOnce) {
               "");
     EXPECT_EQ(FoundInProgram("FOR i := 1 TO 9 DO IF ok THEN\ni := 0; r := 1; END_IF; END_FOR;"),
               "3:1 loop-variable-changed");
+    EXPECT_EQ(FoundInProgram("FOR i := 1 TO 9 DO IF ok THEN i := 0; GOTO out; END_IF; END_FOR;"
+                             "out: r := 1;"),
+              "");
+}
+
+TEST(LoopVariable, AnotherLoopIsLeft) {
+    EXPECT_EQ(
+        FoundInProgram("FOR i := 1 TO 9 DO WHILE ok DO\ni := 0; BREAK; END_WHILE; END_FOR;"),
+        "3:1 loop-variable-changed");
+    EXPECT_EQ(FoundInProgram("FOR i := 1 TO 9 DO IF ok THEN\ni := 0; GOTO next; END_IF; r := i;"
+                             "next: x := r; END_FOR;"),
+              "3:1 loop-variable-changed");
 }
 
 // ---------------------------------------------------------------------------------------------
