@@ -6,8 +6,11 @@
 
 #include "qyx_text.h"
 
+#include <QHash>
+
 #include <algorithm>
 #include <map>
+#include <optional>
 
 namespace {
 
@@ -38,13 +41,13 @@ bool AreInOneBranch(const Subject& subject, int before, int after) {
 // The next statement of the same parent and branch, NONE if there is none.
 int NextInBranch(const Subject& subject, int statement) {
     const StatementFact& of = subject.statement(statement);
-    const int count = static_cast<int>(subject.facts.statements.size());
-    int next = statement + 1;
-    while (next < count && subject.statement(next).span.begin < of.span.end) {
-        ++next;
-    }
-    const bool isSibling = next < count && subject.statement(next).parent == of.parent &&
-                           subject.statement(next).unit == of.unit;
+    const std::vector<StatementFact>& all = subject.facts.statements;
+    const auto found =
+        std::lower_bound(all.begin() + statement + 1, all.end(), of.span.end,
+                         [](const StatementFact& each, int at) { return each.span.begin < at; });
+    const int next = static_cast<int>(found - all.begin());
+    const bool isSibling =
+        found != all.end() && found->parent == of.parent && found->unit == of.unit;
     return isSibling && AreInOneBranch(subject, statement, next) ? next : NONE;
 }
 
@@ -62,16 +65,36 @@ bool IsFollowed(const Subject& subject, int loop) {
     return false;
 }
 
-// Whether the statements before an EXIT, in its branch, give the function its result.
-bool IsAfterResult(const Subject& subject, int exit) {
-    const StatementFact& of = subject.statement(exit);
-    for (int before = exit - 1; before > of.parent; --before) {
-        const StatementFact& each = subject.statement(before);
-        if (each.parent == of.parent && each.kind == TOKEN_RESULT) {
-            return AreInOneBranch(subject, before, exit);
+// By statement, whether those before it in its branch give the function its result. Of statements
+// in none it is not told.
+std::vector<bool> AfterResult(const Subject& subject) {
+    const std::size_t count = subject.facts.statements.size();
+    std::vector<bool> areAfter(count, false);
+    std::vector<int> lastOf(count, NONE);  // by parent
+    for (std::size_t at = 0; at < count; ++at) {
+        const int statement = static_cast<int>(at);
+        const int parent = subject.statement(statement).parent;
+        if (parent == NONE) {
+            continue;
         }
+        int& before = lastOf[static_cast<std::size_t>(parent)];
+        areAfter[at] = before != NONE && AreInOneBranch(subject, before, statement) &&
+                       (areAfter[static_cast<std::size_t>(before)] ||
+                        subject.statement(before).kind == TOKEN_RESULT);
+        before = statement;
     }
-    return false;
+    return areAfter;
+}
+
+// By statement, whether it stands in a CASE.
+std::vector<bool> InCase(const Subject& subject) {
+    std::vector<bool> areIn;
+    for (const StatementFact& each : subject.facts.statements) {
+        areIn.push_back(each.parent != NONE &&
+                        (subject.statement(each.parent).kind == TOKEN_CASE ||
+                         areIn[static_cast<std::size_t>(each.parent)]));
+    }
+    return areIn;
 }
 
 Diagnostic ExitInCase(const Subject& subject, const StatementFact& exit) {
@@ -91,18 +114,45 @@ Diagnostic ExitInLoop(const Subject& subject, const StatementFact& exit) {
                    QStringLiteral("`BREAK` leaves the loop"));
 }
 
+// What is asked about an EXIT, for all of a script.
+struct ExitFacts {
+    std::vector<bool> areAfterResult;  // by statement
+    std::vector<bool> areInCase;
+    QHash<int, bool> areFollowed;  // by loop, as far as it was asked
+};
+
+bool IsFollowed(const Subject& subject, ExitFacts& facts, int loop) {
+    const auto known = facts.areFollowed.constFind(loop);
+    return known != facts.areFollowed.constEnd()
+               ? *known
+               : *facts.areFollowed.insert(loop, IsFollowed(subject, loop));
+}
+
+// What is found of an EXIT in a loop or CASE. After its result a function is meant to end.
+std::optional<Diagnostic> FindingOfExit(const Subject& subject, ExitFacts& facts, int exit,
+                                        int outer) {
+    const auto index = static_cast<std::size_t>(exit);
+    const StatementFact& fact = subject.statement(exit);
+    const bool isMeant = facts.areAfterResult[index];
+    if (subject.statement(outer).kind == TOKEN_CASE || (isMeant && facts.areInCase[index])) {
+        return ExitInCase(subject, fact);
+    }
+    if (isMeant || !IsFollowed(subject, facts, outer)) {
+        return std::nullopt;
+    }
+    return ExitInLoop(subject, fact);
+}
+
 std::vector<Diagnostic> FindExits(const Subject& subject) {
     std::vector<Diagnostic> findings;
+    ExitFacts facts = {AfterResult(subject), InCase(subject), {}};
     for (int index = 0; index < static_cast<int>(subject.facts.statements.size()); ++index) {
-        const StatementFact& exit = subject.statement(index);
-        const int outer = exit.kind == TOKEN_EXIT ? InnermostConstruct(subject, index) : NONE;
-        if (outer == NONE) {
-            continue;
-        }
-        if (subject.statement(outer).kind == TOKEN_CASE) {
-            findings.push_back(ExitInCase(subject, exit));
-        } else if (IsFollowed(subject, outer) && !IsAfterResult(subject, index)) {
-            findings.push_back(ExitInLoop(subject, exit));
+        const bool isExit = subject.statement(index).kind == TOKEN_EXIT;
+        const int outer = isExit ? InnermostConstruct(subject, index) : NONE;
+        const std::optional<Diagnostic> found =
+            outer == NONE ? std::nullopt : FindingOfExit(subject, facts, index, outer);
+        if (found) {
+            findings.push_back(*found);
         }
     }
     return findings;
