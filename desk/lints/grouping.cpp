@@ -44,6 +44,17 @@ bool IsRealNumber(const Subject& subject, int token) {
     return subject.tokens.is(token, TOKEN_NUMBER) && NumberOf(subject.tokens.text(token)).isReal;
 }
 
+// The ")" of a call that begins at a token.
+int LastOfCall(const Subject& subject, int token) {
+    int open = 0;
+    do {
+        ++token;
+        open += subject.tokens.is(token, TOKEN_LEFT_PARENTHESIS) ? 1 : 0;
+        open -= subject.tokens.is(token, TOKEN_RIGHT_PARENTHESIS) ? 1 : 0;
+    } while (open > 0);
+    return token;
+}
+
 constexpr int LONGEST_SPELLED = 200;
 
 }  // namespace
@@ -91,28 +102,62 @@ bool Grouping::isSignTaken(const OperationFact& operation) const {
            subject_.tokens.is(subject_.tokens.at(operation.left.begin), TOKEN_MINUS);
 }
 
-// Whether a name or a number in the operation is a real.
-bool Grouping::isOfReals(const OperationFact& operation) const {
-    const Span span = operation.span();
+// What is used at a token, null if nothing is.
+const UseFact* Grouping::useAt(int token) const {
     const std::vector<UseFact>& uses = subject_.facts.uses;
-    auto use = std::lower_bound(
-        uses.begin(), uses.end(), span.begin,
+    const int begin = subject_.tokens.span(token).begin;
+    const auto use = std::lower_bound(
+        uses.begin(), uses.end(), begin,
         [](const UseFact& each, int offset) { return each.span.begin < offset; });
-    for (; use != uses.end() && use->span.begin < span.end; ++use) {
-        if (IsReal(subject_.name(use->name).type)) {
+    return use != uses.end() && use->span.begin == begin ? &*use : nullptr;
+}
+
+// Whether a name, a number or what a call gives is a real. The types of the operation itself are
+// those of all that stands before it too.
+bool Grouping::isOfReals(const OperationFact& operation) const {
+    const int end = subject_.tokens.at(operation.right.end);
+    for (int token = subject_.tokens.at(operation.left.begin); token < end; ++token) {
+        const UseFact* const use = useAt(token);
+        const bool isReal = use == nullptr ? IsRealNumber(subject_, token)
+                                           : IsReal(subject_.name(use->name).type);
+        if (isReal) {
             return true;
         }
+        if (use != nullptr && use->kind == UseKind::Call) {
+            token = LastOfCall(subject_, token);
+        }
     }
-    int token = subject_.tokens.at(span.begin);
-    while (subject_.tokens.span(token).begin < span.end && !IsRealNumber(subject_, token)) {
-        ++token;
+    return false;
+}
+
+// Whether an operand has a value that is known before the script runs: a number with its signs,
+// or the name of a constant.
+bool Grouping::isFixed(Span operand) const {
+    const int token = subject_.tokens.at(operand.begin);
+    const int end = subject_.tokens.at(operand.end);
+    const UseFact* const use = end == token + 1 ? useAt(token) : nullptr;
+    return SignedNumber(subject_, token, end).has_value() ||
+           (use != nullptr && subject_.name(use->name).isConstant);
+}
+
+// Whether an AND, OR or XOR on the right of a comparison is hardly meant as one of bits: what is
+// compared is a plain number, or what is fixed. One mask of an AND is meant.
+bool Grouping::isHardlyOfBits(const OperationFact& operation) const {
+    const std::optional<Number> number =
+        SignedNumber(subject_, subject_.tokens.at(operation.left.begin),
+                     subject_.tokens.at(operation.left.end));
+    if (number && !number->hasBase) {
+        return true;
     }
-    return subject_.tokens.span(token).begin < span.end;
+    const bool isLeftFixed = isFixed(operation.left);
+    const bool isRightFixed = isFixed(operation.right);
+    return operation.code == TOKEN_AND ? isLeftFixed && isRightFixed
+                                       : isLeftFixed || isRightFixed;
 }
 
 // Whether the usual rules would not take the operation at that index, if there is one, for an
 // operand of the other. What a rule would refuse for its types nobody can mean: so a comparison
-// has no surprise but a plain number on its right to which an AND or OR belongs. And a * (b / c)
+// has no surprise but a fixed value on its right to which an AND or OR belongs. And a * (b / c)
 // is (a * b) / c where the division is one of reals.
 bool Grouping::needsParentheses(const Node& parent, int operand) const {
     if (operand == NONE) {
@@ -121,11 +166,7 @@ bool Grouping::needsParentheses(const Node& parent, int operand) const {
     const OperationFact& inner = *nodes_[static_cast<std::size_t>(operand)].operation;
     const Token outer = parent.operation->code;
     if (IsComparison(outer)) {
-        const int first = subject_.tokens.at(inner.left.begin);
-        const bool isPlain = subject_.tokens.is(first, TOKEN_NUMBER) &&
-                             subject_.tokens.span(first).end == inner.left.end &&
-                             !NumberOf(subject_.tokens.text(first)).hasBase;
-        return operand == parent.right && IsLogical(inner.code) && isPlain;
+        return operand == parent.right && IsLogical(inner.code) && isHardlyOfBits(inner);
     }
     if (outer == TOKEN_NOT) {
         return !IsComparison(inner.code);
@@ -146,9 +187,23 @@ void Grouping::judge(int index) {
     const Node right = at(node.right);
     const bool isChain = right.operation != nullptr &&
                          right.operation->code == node.operation->code && right.isSurprising;
-    node.isSurprising = isSignTaken(*node.operation) || needsParentheses(node, node.left) ||
-                        needsParentheses(node, node.right) || isChain;
+    node.isSurprising = isSurprisingItself(node) || isChain;
     node.holdsSurprise = node.isSurprising || left.holdsSurprise || right.holdsSurprise;
+}
+
+bool Grouping::isSurprisingItself(const Node& node) const {
+    return isSignTaken(*node.operation) || needsParentheses(node, node.left) ||
+           needsParentheses(node, node.right);
+}
+
+// Of a chain that is too long to be shown the operation whose operands surprise.
+const OperationFact* Grouping::causeOf(const Node& node) const {
+    const bool isShown = node.operation->span().length() <= LONGEST_SPELLED;
+    const Node* at = &node;
+    while (!isShown && !isSurprisingItself(*at)) {
+        at = &nodes_[static_cast<std::size_t>(at->right)];
+    }
+    return at->operation;
 }
 
 std::vector<const OperationFact*> Grouping::surprises(bool areConditions) const {
@@ -160,7 +215,7 @@ std::vector<const OperationFact*> Grouping::surprises(bool areConditions) const 
         const bool isFound =
             !isCovered && node.isSurprising && IsCondition(*node.operation) == areConditions;
         if (isFound) {
-            found.push_back(node.operation);
+            found.push_back(causeOf(node));
         }
         areCovered.push_back(isCovered || isFound);
     }

@@ -13,7 +13,8 @@ public:
 
     // The operations whose operands lie in each other as the usual rules have it not. Of those
     // that lie in each other it is the outermost of a kind: conditions are comparisons and
-    // operations between BOOL, all others are arithmetic.
+    // operations between BOOL, all others are arithmetic. Of a chain that is too long to be shown
+    // it is the operation in it whose operands surprise.
     std::vector<const OperationFact*> surprises(bool areConditions) const;
 
     // The operation in one line, with parentheses where the usual rules need them.
@@ -36,8 +37,13 @@ private:
     void link(int index);
     void judge(int index);
     bool isSignTaken(const OperationFact& operation) const;
+    const UseFact* useAt(int token) const;
     bool isOfReals(const OperationFact& operation) const;
+    bool isFixed(Span operand) const;
+    bool isHardlyOfBits(const OperationFact& operation) const;
     bool needsParentheses(const Node& parent, int operand) const;
+    bool isSurprisingItself(const Node& node) const;
+    const OperationFact* causeOf(const Node& node) const;
     QString operandText(const Node& parent, int operand, Span span) const;
 };
 
