@@ -29,11 +29,11 @@ const DeclarationFact* DeclarationAt(const Subject& subject, int token) {
     return found != all.end() && found->span.begin == offset ? &*found : nullptr;
 }
 
-// Whether a section begins as "VAR CONSTANT", with the declarations on the lines below.
+// Whether a section begins as "VAR CONSTANT", or with a line of "CONSTANT" alone.
 bool IsConstantHead(const Subject& subject, int section) {
     const Tokens& tokens = subject.tokens;
     return IsSectionBegin(tokens.code(section)) && tokens.is(section + 1, TOKEN_CONSTANT) &&
-           !tokens.isFirstOnLine(section + 1);
+           (!tokens.isFirstOnLine(section + 1) || tokens.isFirstOnLine(section + 2));
 }
 
 // Whether something is stored into the variable, perhaps by who gets a reference to it.
@@ -47,13 +47,20 @@ QSet<int> WrittenNames(const Subject& subject) {
     return names;
 }
 
+// The ":=" of a declaration that has an initial value stands here.
+int AssignOf(const Subject& subject, const NameFact& name) {
+    return subject.tokens.at(name.span.begin) + 3;
+}
+
 Diagnostic NoConstant(const Subject& subject, const NameFact& name) {
     const QStringView text = subject.textOf(name);
+    const bool hasValue = subject.tokens.is(AssignOf(subject, name), TOKEN_ASSIGN);
     return Finding(name.span,
                    QStringLiteral("%1 is no constant: \"CONSTANT\" belongs to the first"
                                   " declaration of the section alone")
                        .arg(Quoted(text)),
-                   QStringLiteral("write `CONSTANT` before %1 too").arg(Code(text)));
+                   QStringLiteral("write `CONSTANT` before %1 too%2")
+                       .arg(Code(text), hasValue ? ""_L1 : ", and give it a value"_L1));
 }
 
 std::vector<Diagnostic> FindDeclarationsAfterConstants(const Subject& subject) {
@@ -146,7 +153,8 @@ QString RangeText(const Range& range) {
     if (!IsIntegers(range)) {
         return QStringLiteral("no number of type \"%1\" is as large").arg(TypToStr(range.type));
     }
-    return QStringLiteral("a \"%1\" is from %2 to %3")
+    return QStringLiteral("%1 \"%2\" is from %3 to %4")
+        .arg(range.type == TYP_INT ? "an"_L1 : "a"_L1)
         .arg(TypToStr(range.type))
         .arg(static_cast<qint64>(range.low))
         .arg(static_cast<qint64>(range.high));
@@ -176,7 +184,7 @@ std::vector<Diagnostic> FindOutOfRange(const Subject& subject) {
     };
     for (const DeclarationFact& each : subject.facts.declarations) {
         const NameFact& name = subject.name(each.name);
-        checkAfterAssign(name, subject.tokens.at(name.span.begin) + 3, each.span);
+        checkAfterAssign(name, AssignOf(subject, name), each.span);
     }
     for (const UseFact& use : subject.facts.uses) {
         const int statement = StatementAt(subject, use.span.begin);

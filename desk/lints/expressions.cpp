@@ -34,6 +34,17 @@ std::vector<Diagnostic> FindConditions(const Subject& subject) {
 // Comparisons
 // ---------------------------------------------------------------------------------------------
 
+// What a comparison with TRUE or FALSE is meant to ask of a number. The order of truth values
+// asks nothing.
+QString NumberHelp(const QString& left, Token comparison, bool isTrue) {
+    if (comparison != TOKEN_EQUAL && comparison != TOKEN_NOT_EQUAL) {
+        return QStringLiteral("compare it with a number");
+    }
+    const bool isMeantTrue = (comparison == TOKEN_EQUAL) == isTrue;
+    const QString meant = left + (isMeantTrue ? QStringLiteral(" <> 0") : QStringLiteral(" = 0"));
+    return QStringLiteral("compare it with a number, as in %1").arg(Code(meant));
+}
+
 // The compiler takes a BOOL on the right of a comparison alone.
 Diagnostic NumberAndBool(const Subject& subject, const OperationFact& comparison) {
     const int right = subject.tokens.at(comparison.right.begin);
@@ -48,8 +59,7 @@ Diagnostic NumberAndBool(const Subject& subject, const OperationFact& comparison
     return Finding(
         comparison.span(),
         QStringLiteral("The number %1 is compared with %2").arg(Quoted(left)).arg(isTrue ? 1 : 0),
-        QStringLiteral("compare it with a number, as in %1")
-            .arg(Code(QString(left + QStringLiteral(" <> 0")))));
+        NumberHelp(left, comparison.code, isTrue));
 }
 
 std::vector<Diagnostic> FindBoolsAndNumbers(const Subject& subject) {
@@ -86,7 +96,8 @@ std::vector<Diagnostic> FindRealEqualities(const Subject& subject) {
                 QStringLiteral("Reals are compared with %1, and what is computed is hardly ever"
                                " equal")
                     .arg(Quoted(subject.source.text(each.op))),
-                QStringLiteral("compare their distance, as in `fabs(x - y) < 0.001`")));
+                QStringLiteral("compare their distance, as in `fabs(x - y) %1 0.001`")
+                    .arg(each.code == TOKEN_EQUAL ? "<"_L1 : ">="_L1)));
         }
     }
     return findings;
