@@ -75,12 +75,23 @@ private:
     }
 };
 
+// Identifiers as they are meant, whatever their letters and the blanks around them.
+QStringList IdsOf(const std::vector<std::string>& arguments) {
+    QStringList ids = ListOf(arguments);
+    for (QString& id : ids) {
+        id = id.trimmed().toLower();
+    }
+    return ids;
+}
+
 // Whether all of them are lints; what is none is told.
 bool AreLints(const QStringList& ids) {
     for (const QString& id : ids) {
         if (!LintIds().contains(id)) {
-            Complain(QStringLiteral("there is no lint \"%1\"; the nearest is %2")
-                         .arg(id, NearestLint(id)));
+            const QString nearest = NearestLint(id);
+            Complain(QStringLiteral("there is no lint \"%1\"").arg(id) +
+                     (nearest.isEmpty() ? QString() : QStringLiteral("; the nearest is ")) +
+                     nearest);
             return false;
         }
     }
@@ -88,7 +99,7 @@ bool AreLints(const QStringList& ids) {
 }
 
 Status RunCheck(CheckArguments arguments) {
-    const QStringList disabled = ListOf(arguments.disabled);
+    const QStringList disabled = IdsOf(arguments.disabled);
     if (!AreLints(disabled)) {
         return STATUS_FAILED;
     }

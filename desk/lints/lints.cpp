@@ -2,11 +2,15 @@
 
 #include "check/context.h"
 #include "explain/distance.h"
+#include "facts/catalogue.h"
 #include "lints/allow.h"
 #include "lints/flow.h"
 #include "lints/lints_table.h"
 
 #include "qyx_text.h"
+
+#include <QPair>
+#include <QSet>
 
 #include <algorithm>
 
@@ -45,24 +49,27 @@ std::vector<Diagnostic> AllFindings(const Subject& subject) {
 // What comments allow
 // ---------------------------------------------------------------------------------------------
 
+QSet<QString> KnownIds() {
+    const QStringList ids = LintIds();
+    return {ids.begin(), ids.end()};
+}
+
 // The identifiers that lines allow, and which of them something was found for.
 class Allowances {
 public:
     explicit Allowances(const Subject& subject)
-        : subject_(subject), all_(AllowancesOf(subject)), areUsed_(all_.size(), false) {}
+        : subject_(subject), known_(KnownIds()), all_(AllowancesOf(subject, known_)) {
+        for (const Allowance& each : all_) {
+            allowed_.insert({each.line, each.id});
+        }
+    }
 
     // Whether the finding is allowed.
     bool take(const Diagnostic& finding) {
-        bool isAllowed = false;
-        const int line = subject_.lineOf(finding.span.begin);
-        const auto first = std::lower_bound(
-            all_.begin(), all_.end(), line,
-            [](const Allowance& allowance, int wanted) { return allowance.line < wanted; });
-        for (auto each = first; each != all_.end() && each->line == line; ++each) {
-            if (each->id == finding.id) {
-                areUsed_[static_cast<std::size_t>(each - all_.begin())] = true;
-                isAllowed = true;
-            }
+        const Key key = {subject_.lineOf(finding.span.begin), finding.id};
+        const bool isAllowed = allowed_.contains(key);
+        if (isAllowed) {
+            used_.insert(key);
         }
         return isAllowed;
     }
@@ -70,34 +77,62 @@ public:
     // What is of no use, but for the identifiers of a kind.
     std::vector<Diagnostic> useless(bool areAllowing) const {
         std::vector<Diagnostic> findings;
-        for (std::size_t index = 0; index < all_.size(); ++index) {
-            if (!areUsed_[index] && (all_[index].id == USELESS_ALLOW) == areAllowing) {
-                findings.push_back(finding(all_[index]));
+        for (const Allowance& each : all_) {
+            if (!used_.contains({each.line, each.id}) &&
+                (each.id == USELESS_ALLOW) == areAllowing) {
+                findings.push_back(finding(each));
             }
         }
         return findings;
     }
 
 private:
-    const Subject& subject_;
-    std::vector<Allowance> all_;
-    std::vector<bool> areUsed_;
+    using Key = QPair<int, QString>;  // line and identifier
 
-    static Diagnostic finding(const Allowance& allowance);
+    const Subject& subject_;
+    QSet<QString> known_;
+    std::vector<Allowance> all_;
+    QSet<Key> allowed_;
+    QSet<Key> used_;
+
+    Diagnostic finding(const Allowance& allowance) const;
 };
 
-Diagnostic Allowances::finding(const Allowance& allowance) {
+bool IsOfCompiler(const QString& id) {
+    for (int constant = 0; constant < ConstantsCount(); ++constant) {
+        if (IdOf(constant) == id) {
+            return true;
+        }
+    }
+    return false;
+}
+
+Diagnostic NoLint(const Allowance& allowance) {
+    const QString message = QStringLiteral("There is no lint %1").arg(Quoted(allowance.id));
+    if (IsOfCompiler(allowance.id)) {
+        return Finding(allowance.span, message,
+                       QStringLiteral("warnings of the compiler cannot be allowed"));
+    }
+    const QString nearest = NearestLint(allowance.id);
+    return nearest.isEmpty() ? Finding(allowance.span, message)
+                             : Finding(allowance.span, message,
+                                       QStringLiteral("did you mean %1?").arg(Code(nearest)));
+}
+
+Diagnostic Allowances::finding(const Allowance& allowance) const {
+    if (allowance.isMisspelled) {
+        return Finding(allowance.span, QStringLiteral("This comment allows nothing"),
+                       QStringLiteral("write `yxst:allow`, in small letters and without blanks"));
+    }
     if (allowance.id.isEmpty()) {
         return Finding(allowance.span, QStringLiteral("This comment names no lint to allow"));
     }
-    if (LintIds().contains(allowance.id)) {
-        return Finding(allowance.span,
-                       QStringLiteral("%1 finds nothing on this line").arg(Quoted(allowance.id)),
-                       QStringLiteral("leave %1 out of the comment").arg(Code(allowance.id)));
+    if (!known_.contains(allowance.id)) {
+        return NoLint(allowance);
     }
     return Finding(allowance.span,
-                   QStringLiteral("There is no lint %1").arg(Quoted(allowance.id)),
-                   QStringLiteral("did you mean %1?").arg(Code(NearestLint(allowance.id))));
+                   QStringLiteral("%1 finds nothing on this line").arg(Quoted(allowance.id)),
+                   QStringLiteral("leave %1 out of the comment").arg(Code(allowance.id)));
 }
 
 void RemoveAllowed(std::vector<Diagnostic>& findings, Allowances& allowances) {
@@ -123,6 +158,22 @@ void ApplyComments(const Subject& subject, std::vector<Diagnostic>& findings) {
     }
 }
 
+// A label that no way leads to is told as a statement that is never reached, not as unused too.
+void RemoveUnreachedLabels(std::vector<Diagnostic>& findings) {
+    QSet<int> unreached;
+    for (const Diagnostic& each : findings) {
+        if (each.id == "unreachable-code"_L1) {
+            unreached.insert(each.span.begin);
+        }
+    }
+    findings.erase(std::remove_if(findings.begin(), findings.end(),
+                                  [&](const Diagnostic& each) {
+                                      return each.id == "unused-label"_L1 &&
+                                             unreached.contains(each.span.begin);
+                                  }),
+                   findings.end());
+}
+
 }  // namespace
 
 std::vector<Diagnostic> FindLints(const Source& source, const Facts& facts,
@@ -137,6 +188,7 @@ std::vector<Diagnostic> FindLints(const Source& source, const Facts& facts,
         std::remove_if(findings.begin(), findings.end(),
                        [&](const Diagnostic& each) { return disabled.contains(each.id); }),
         findings.end());
+    RemoveUnreachedLabels(findings);
     for (Diagnostic& each : findings) {
         for (Help& help : each.helps) {
             help.id = each.id;
@@ -160,8 +212,5 @@ QStringList LintIds() {
 }
 
 QString NearestLint(const QString& id) {
-    const QStringList ids = LintIds();
-    return *std::min_element(ids.begin(), ids.end(), [&id](const QString& a, const QString& b) {
-        return EditDistance(id, a) < EditDistance(id, b);
-    });
+    return NearestWord(id, LintIds());
 }

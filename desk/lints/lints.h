@@ -17,5 +17,5 @@ std::vector<Diagnostic> FindLints(const Source& source, const Facts& facts,
 // The identifiers of all lints, in the order of the table.
 QStringList LintIds();
 
-// The lint that may be meant by an identifier that none has.
+// The lint that may be meant by an identifier that none has, empty if none is like it.
 QString NearestLint(const QString& id);

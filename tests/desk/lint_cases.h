@@ -71,6 +71,12 @@ inline std::vector<LintCase> CasesOfStatements() {
          LintedFunction("FOR i := 1 TO n DO IF i = 3 THEN RESULT := i; ELSE EXIT; END_IF;\n"
                         "END_FOR; RESULT := n;"),
          "EXIT", "\"EXIT\" ends the whole of \"Find\", not the loop alone", breakHelp},
+        {"exit-in-loop",
+         LintedFunction("CASE n OF 1: FOR i := 1 TO n DO RESULT := i; EXIT; END_FOR; END_CASE;\n"
+                        "RESULT := n;"),
+         "EXIT",
+         "\"EXIT\" ends the whole of \"Find\" and leaves the value of the \"CASE\" on the stack",
+         "a branch ends by itself; to leave `Find`, set a variable and `EXIT` after `END_CASE`"},
         {"label-in-case", LintedStatements("CASE a OF 1: b := 2; RUNNING: b := 3; END_CASE;"),
          "RUNNING", "\"RUNNING:\" begins no branch of the \"CASE\": it is a label for \"GOTO\"",
          "a branch begins with numbers: write the value of `RUNNING`"},
@@ -101,6 +107,20 @@ inline std::vector<LintCase> CasesOfDeclarations() {
          "\"high\" is no constant: \"CONSTANT\" belongs to the first declaration of the section"
          " alone",
          "write `CONSTANT` before `high` too"},
+        {"declaration-after-constants",
+         Declared("VAR CONSTANT\n  low : INT := 1;\n  high : INT;\nEND_VAR\n"
+                  "VAR_INPUT a : INT; END_VAR a := low;"),
+         "high",
+         "\"high\" is no constant: \"CONSTANT\" belongs to the first declaration of the section"
+         " alone",
+         "write `CONSTANT` before `high` too, and give it a value"},
+        {"declaration-after-constants",
+         Declared("VAR\n  CONSTANT\n  low : INT := 1;\n  high : INT := 2;\nEND_VAR\n"
+                  "VAR_INPUT a : INT; END_VAR a := low + high;"),
+         "high",
+         "\"high\" is no constant: \"CONSTANT\" belongs to the first declaration of the section"
+         " alone",
+         "write `CONSTANT` before `high` too"},
         {"bool-initial-true", Declared("VAR p : BOOL := True; END_VAR p := NOT p;"), "True",
          "\"p\" is missing from the code: as an initial value \"True\" has no meaning",
          "write `TRUE`"},
@@ -116,11 +136,11 @@ inline std::vector<LintCase> CasesOfDeclarations() {
         {"constant-out-of-range", LintedStatements("w := + - 1;"), "+ - 1",
          "\"+ - 1\" does not fit into \"w\": a \"UDINT\" is from 0 to 4294967295"},
         {"constant-out-of-range", LintedStatements("a := 16#10000;"), "16#10000",
-         "\"16#10000\" does not fit into \"a\": a \"INT\" is from -32768 to 32767"},
+         "\"16#10000\" does not fit into \"a\": an \"INT\" is from -32768 to 32767"},
         {"constant-out-of-range", LintedStatements("u := 8#400;"), "8#400",
          "\"8#400\" does not fit into \"u\": a \"USINT\" is from 0 to 255"},
         {"constant-out-of-range", LintedStatements("a := 32768.0;"), "32768.0",
-         "\"32768.0\" does not fit into \"a\": a \"INT\" is from -32768 to 32767"},
+         "\"32768.0\" does not fit into \"a\": an \"INT\" is from -32768 to 32767"},
         {"constant-out-of-range", LintedStatements("r := 1.0E39;"), "1.0E39",
          "\"1.0E39\" does not fit into \"r\": no number of type \"REAL\" is as large"},
         {"constant-out-of-range", LintedStatements("l := -1.0E309;"), "-1.0E309",
@@ -132,7 +152,7 @@ inline std::vector<LintCase> CasesOfDeclarations() {
          "from"
          " 0 to 4294967295"},
         {"constant-out-of-range", LintedFunction("RESULT := 70000 (* all *);"), "70000",
-         "\"70000\" does not fit into \"RESULT\": a \"INT\" is from -32768 to 32767"},
+         "\"70000\" does not fit into \"RESULT\": an \"INT\" is from -32768 to 32767"},
         {"look-alike-names",
          Declared("VAR_INPUT\n Alarm : INT;\n Аlarm : INT;\nEND_VAR Alarm := Аlarm;"), "Аlarm",
          "\"Аlarm\" is another name than \"Alarm\", which looks like it: the letter \"А\" at "
@@ -203,26 +223,52 @@ inline std::vector<LintCase> CasesOfGrouping() {
                 "This is grouped as \"y AND (z OR (a > 1))\""),
         Grouped(condition, "IF x AND y XOR z THEN END_IF;", "x AND y XOR z",
                 "This is grouped as \"x AND (y XOR z)\""),
+        Grouped(condition, "x := a = 16#0F OR 16#10;", "a = 16#0F OR 16#10",
+                "This is grouped as \"a = (16#0F OR 16#10)\""),
+        Grouped(condition, "x := a = b OR -1;", "a = b OR -1",
+                "This is grouped as \"a = (b OR -1)\""),
+        Grouped(condition, "x := a > -1 OR b;", "a > -1 OR b",
+                "This is grouped as \"a > (-1 OR b)\""),
+        {grouping,
+         QStringLiteral("FUNCTION Cut : INT VAR_ARG x : REAL; END_VAR RESULT := 2;\n"
+                        "IF x > 1.0 THEN RESULT := 3; END_IF; END_FUNCTION\n"
+                        "PROGRAM P VAR_INPUT a : INT; r : REAL; END_VAR\n"
+                        "a := a * Cut(r) / 2;\nEND_PROGRAM\n"),
+         "a * Cut(r) / 2", "This is grouped as \"a * (Cut(r) / 2)\"",
+         "write the parentheses that are meant"},
+        {condition,
+         Declared("VAR CONSTANT idle : INT := 1; CONSTANT done : INT := 2; END_VAR\n"
+                  "VAR_INPUT state : INT; run : BOOL; END_VAR run := state = idle OR done;"),
+         "state = idle OR done", "This is grouped as \"state = (idle OR done)\"",
+         "write the parentheses that are meant"},
         Grouped(condition, "x := a > 0 OR b;", "a > 0 OR b",
                 "This is grouped as \"a > (0 OR b)\""),
     };
 }
 
 inline std::vector<LintCase> CasesOfValues() {
-    constexpr const char* numberHelp = "compare it with a number, as in `a <> 0`";
+    constexpr const char* trueHelp = "compare it with a number, as in `a <> 0`";
+    constexpr const char* falseHelp = "compare it with a number, as in `a = 0`";
     constexpr const char* realHelp = "compare their distance, as in `fabs(x - y) < 0.001`";
+    constexpr const char* farHelp = "compare their distance, as in `fabs(x - y) >= 0.001`";
     constexpr const char* constant = "constant-condition";
     return {
         {"bool-and-number", LintedStatements("x := a = TRUE;"), "a = TRUE",
-         "The number \"a\" is compared with 1", numberHelp},
+         "The number \"a\" is compared with 1", trueHelp},
+        {"bool-and-number", LintedStatements("x := a = FALSE;"), "a = FALSE",
+         "The number \"a\" is compared with 0", falseHelp},
+        {"bool-and-number", LintedStatements("x := a <> TRUE;"), "a <> TRUE",
+         "The number \"a\" is compared with 1", falseHelp},
+        {"bool-and-number", LintedStatements("x := a >= TRUE;"), "a >= TRUE",
+         "The number \"a\" is compared with 1", "compare it with a number"},
         {"bool-and-number", LintedStatements("x := a <> false;"), "a <> false",
-         "The number \"a\" is compared with 0", numberHelp},
+         "The number \"a\" is compared with 0", trueHelp},
         {"bool-and-number", LintedStatements("x := r = y;"), "r = y",
          "The number \"r\" is compared with a \"BOOL\", which is 1 or 0"},
         {"real-equality", LintedStatements("x := r = q;"), "r = q",
          "Reals are compared with \"=\", and what is computed is hardly ever equal", realHelp},
         {"real-equality", LintedStatements("x := a + l <> 2;"), "a + l <> 2",
-         "Reals are compared with \"<>\", and what is computed is hardly ever equal", realHelp},
+         "Reals are compared with \"<>\", and what is computed is hardly ever equal", farHelp},
         {"real-equality", LintedStatements("x := a = 0.5;"), "a = 0.5",
          "Reals are compared with \"=\", and what is computed is hardly ever equal", realHelp},
         {constant, LintedStatements("IF TRUE THEN a := 1; END_IF;"), "TRUE",
@@ -253,6 +299,17 @@ inline std::vector<LintCase> CasesOfValues() {
          "leave `real-equality` out of the comment"},
         {"useless-allow", LintedStatements("a := b; (* yxst:allow unused-labels *)"),
          "unused-labels", "There is no lint \"unused-labels\"", "did you mean `unused-label`?"},
+        {"useless-allow", LintedStatements("a := b; // yxst:allow is-declared-but-never-used-in"),
+         "is-declared-but-never-used-in", "There is no lint \"is-declared-but-never-used-in\"",
+         "warnings of the compiler cannot be allowed"},
+        {"useless-allow", LintedStatements("a := b; // yxst:allow qqqqqqqqqqqqqqqqq, so it is"),
+         "qqqqqqqqqqqqqqqqq", "There is no lint \"qqqqqqqqqqqqqqqqq\""},
+        {"useless-allow", LintedStatements("a := b; // yxst: allow real-equality"), "yxst: allow",
+         "This comment allows nothing",
+         "write `yxst:allow`, in small letters and without blanks"},
+        {"useless-allow", LintedStatements("a := b; // YXST:ALLOW REAL-EQUALITY"), "YXST:ALLOW",
+         "This comment allows nothing",
+         "write `yxst:allow`, in small letters and without blanks"},
         {"useless-allow", LintedStatements("a := b; // it is fine, yxst:allow"), "yxst:allow",
          "This comment names no lint to allow"},
         {"useless-allow", LintedStatements("a := b; // yxst:allow useless-allow"),
@@ -315,6 +372,9 @@ inline std::vector<QString> ScriptsWithoutLints() {
              "x := a = TRUE; // yxst:allow bool-and-number the switch of the old panel",
              "x := a = TRUE; (* as before; yxst:allow bool-and-number *)",
              "x := (r = q) AND (a = TRUE); // yxst:allow bool-and-number, real-equality",
+             "x := a = TRUE; // yxst:allow bool-and-number, because it is so, as before",
+             "x := (r = q) AND (a = TRUE); // yxst:allow bool-and-number real-equality so it is",
+             "a := b; // on the page of yxst: allow me to say so",
              "a := b; // yxst:allow unused-label, useless-allow",
              "a := b; // see yxst:allowance and no-yxst:allow or yxst:allow-all",
          }) {

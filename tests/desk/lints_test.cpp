@@ -121,6 +121,27 @@ TEST(Lints, AllowanceHoldsForItsLineAlone) {
     EXPECT_EQ(IdsIn(above), (QStringList{"useless-allow", "constant-out-of-range"}));
 }
 
+TEST(Lints, AnUnreachedLabelIsToldOnce) {
+    const QString script = LintedStatements("EXIT; done: a := 1; // yxst:allow useless-allow");
+    EXPECT_EQ(IdsIn(script), (QStringList{"unreachable-code", "useless-allow"}));
+    EXPECT_EQ(IdsIn(LintedStatements("EXIT; done: a := 1;"), {"unreachable-code"}),
+              QStringList{"unused-label"});
+}
+
+// What is long is shortened within the parentheses, and marked where they are.
+TEST(Lints, ALongGroupingShowsItsParentheses) {
+    QString chain;
+    for (int index = 0; index < 60; ++index) {
+        chain += QStringLiteral("x AND ");
+    }
+    const Source source = SourceOf(
+        LintedStatements((QStringLiteral("x := ") + chain + "y OR z;").toUtf8().constData()));
+    const std::vector<Diagnostic> found = FoundIn(source);
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].message, QStringLiteral("This is grouped as \"x AND (y OR z)\""));
+    EXPECT_EQ(source.text(found[0].span).toString(), QStringLiteral("x AND y OR z"));
+}
+
 TEST(Lints, EachHasACaseAndAnIdentifierOfItsOwn) {
     QSet<QString> tried = {"unset-read", "unused-store", "unreachable-code",
                            "loop-variable-changed"};  // in lints_flow_test.cpp
@@ -145,6 +166,8 @@ TEST(Lints, EachHasAnEntryInTheManual) {
 TEST(Lints, TheNearestIsProposed) {
     EXPECT_EQ(NearestLint("surprising-group"), QStringLiteral("surprising-grouping"));
     EXPECT_EQ(NearestLint("unused-lable"), QStringLiteral("unused-label"));
+    EXPECT_EQ(NearestLint("Real-Equality"), QStringLiteral("real-equality"));
+    EXPECT_EQ(NearestLint("nothing-of-all-this"), QString());
 }
 
 }  // namespace
