@@ -15,7 +15,7 @@
 struct Allowance {
     QString id;  // empty where the comment names none
     Span span;
-    int line;
+    int line;                   // on which the comment begins
     bool isMisspelled = false;  // the marker, as in "yxst: allow"; it allows nothing
 };
 

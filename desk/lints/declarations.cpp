@@ -2,16 +2,13 @@
 
 #include "check/context.h"
 #include "lints/lints_table.h"
-#include "lints/literals.h"
 
 #include "qyx_text.h"
-#include "qyx_types.h"
 
 #include <QHash>
 
 #include <algorithm>
 #include <iterator>
-#include <limits>
 
 namespace {
 
@@ -45,11 +42,6 @@ QSet<int> WrittenNames(const Subject& subject) {
         }
     }
     return names;
-}
-
-// The ":=" of a declaration that has an initial value stands here.
-int AssignOf(const Subject& subject, const NameFact& name) {
-    return subject.tokens.at(name.span.begin) + 3;
 }
 
 Diagnostic NoConstant(const Subject& subject, const NameFact& name) {
@@ -104,94 +96,6 @@ std::vector<Diagnostic> FindMixedInitialValues(const Subject& subject) {
                                    " meaning")
                         .arg(Quoted(subject.textOf(subject.name(each.name))), Quoted(written)),
                     QStringLiteral("write %1").arg(Code(written.toUpper()))));
-    }
-    return findings;
-}
-
-// ---------------------------------------------------------------------------------------------
-// Ranges
-// ---------------------------------------------------------------------------------------------
-
-struct Range {
-    Typ type;
-    double low;
-    double high;
-};
-
-constexpr double FLOAT_MAX = static_cast<double>(std::numeric_limits<float>::max());
-constexpr double DOUBLE_MAX = std::numeric_limits<double>::max();
-constexpr Range RANGES[] = {
-    {TYP_SINT, -128, 127},
-    {TYP_USINT, 0, 255},
-    {TYP_INT, -32768, 32767},
-    {TYP_UINT, 0, 65535},
-    {TYP_DINT, -2147483648.0, 2147483647},
-    {TYP_UDINT, 0, 4294967295.0},
-    {TYP_REAL, -FLOAT_MAX, FLOAT_MAX},
-    {TYP_LREAL, -DOUBLE_MAX, DOUBLE_MAX},
-};
-
-const Range* RangeOf(Typ type) {
-    const auto* const found =
-        std::find_if(std::begin(RANGES), std::end(RANGES),
-                     [type](const Range& each) { return each.type == type; });
-    return found == std::end(RANGES) ? nullptr : found;
-}
-
-bool IsIntegers(const Range& range) {
-    return range.type != TYP_REAL && range.type != TYP_LREAL;
-}
-
-// A number with a base stands for bits: any that fit are meant.
-bool IsInRange(const Number& number, const Range& range) {
-    const bool isBits = number.hasBase && !number.isNegative && IsIntegers(range);
-    const double high = isBits ? range.high - range.low : range.high;
-    return number.value >= range.low && number.value <= high;
-}
-
-QString RangeText(const Range& range) {
-    if (!IsIntegers(range)) {
-        return QStringLiteral("no number of type \"%1\" is as large").arg(TypToStr(range.type));
-    }
-    return QStringLiteral("%1 \"%2\" is from %3 to %4")
-        .arg(range.type == TYP_INT ? "an"_L1 : "a"_L1)
-        .arg(TypToStr(range.type))
-        .arg(static_cast<qint64>(range.low))
-        .arg(static_cast<qint64>(range.high));
-}
-
-// A number, all that is stored into a variable, by the tokens from one to before another.
-void CheckStored(const Subject& subject, const NameFact& name, int begin, int end,
-                 std::vector<Diagnostic>& findings) {
-    const Range* const range = RangeOf(name.type);
-    const std::optional<Number> number = SignedNumber(subject, begin, end);
-    if (range == nullptr || !number || IsInRange(*number, *range)) {
-        return;
-    }
-    const Span span = {subject.tokens.span(begin).begin, subject.tokens.span(end - 1).end};
-    findings.push_back(Finding(span, QStringLiteral("%1 does not fit into %2: %3")
-                                         .arg(Quoted(Shortened(OneLine(subject, span))),
-                                              Quoted(subject.textOf(name)), RangeText(*range))));
-}
-
-// The initial values, then the assignments.
-std::vector<Diagnostic> FindOutOfRange(const Subject& subject) {
-    std::vector<Diagnostic> findings;
-    const auto checkAfterAssign = [&](const NameFact& name, int assign, Span of) {
-        if (subject.tokens.is(assign, TOKEN_ASSIGN)) {
-            CheckStored(subject, name, assign + 1, subject.tokens.at(of.end) - 1, findings);
-        }
-    };
-    for (const DeclarationFact& each : subject.facts.declarations) {
-        const NameFact& name = subject.name(each.name);
-        checkAfterAssign(name, AssignOf(subject, name), each.span);
-    }
-    for (const UseFact& use : subject.facts.uses) {
-        const int statement = StatementAt(subject, use.span.begin);
-        if (use.kind == UseKind::Write && statement != NONE) {
-            checkAfterAssign(subject.name(use.name), subject.tokens.at(use.span.end),
-                             subject.statement(statement).span);
-        }
     }
     return findings;
 }
@@ -312,6 +216,5 @@ std::vector<Diagnostic> FindLookAlikes(const Subject& subject) {
 Lints LintsOfDeclarations() {
     return {{QLatin1String("declaration-after-constants"), FindDeclarationsAfterConstants},
             {QLatin1String("bool-initial-true"), FindMixedInitialValues},
-            {QLatin1String("constant-out-of-range"), FindOutOfRange},
             {QLatin1String("look-alike-names"), FindLookAlikes}};
 }

@@ -102,22 +102,12 @@ bool Grouping::isSignTaken(const OperationFact& operation) const {
            subject_.tokens.is(subject_.tokens.at(operation.left.begin), TOKEN_MINUS);
 }
 
-// What is used at a token, null if nothing is.
-const UseFact* Grouping::useAt(int token) const {
-    const std::vector<UseFact>& uses = subject_.facts.uses;
-    const int begin = subject_.tokens.span(token).begin;
-    const auto use = std::lower_bound(
-        uses.begin(), uses.end(), begin,
-        [](const UseFact& each, int offset) { return each.span.begin < offset; });
-    return use != uses.end() && use->span.begin == begin ? &*use : nullptr;
-}
-
 // Whether a name, a number or what a call gives is a real. The types of the operation itself are
 // those of all that stands before it too.
 bool Grouping::isOfReals(const OperationFact& operation) const {
     const int end = subject_.tokens.at(operation.right.end);
     for (int token = subject_.tokens.at(operation.left.begin); token < end; ++token) {
-        const UseFact* const use = useAt(token);
+        const UseFact* const use = UseAt(subject_, token);
         const bool isReal = use == nullptr ? IsRealNumber(subject_, token)
                                            : IsReal(subject_.name(use->name).type);
         if (isReal) {
@@ -135,7 +125,7 @@ bool Grouping::isOfReals(const OperationFact& operation) const {
 bool Grouping::isFixed(Span operand) const {
     const int token = subject_.tokens.at(operand.begin);
     const int end = subject_.tokens.at(operand.end);
-    const UseFact* const use = end == token + 1 ? useAt(token) : nullptr;
+    const UseFact* const use = end == token + 1 ? UseAt(subject_, token) : nullptr;
     return SignedNumber(subject_, token, end).has_value() ||
            (use != nullptr && subject_.name(use->name).isConstant);
 }

@@ -37,7 +37,6 @@ private:
     void link(int index);
     void judge(int index);
     bool isSignTaken(const OperationFact& operation) const;
-    const UseFact* useAt(int token) const;
     bool isOfReals(const OperationFact& operation) const;
     bool isFixed(Span operand) const;
     bool isHardlyOfBits(const OperationFact& operation) const;

@@ -13,6 +13,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -24,8 +25,8 @@ const QString USELESS_ALLOW = QStringLiteral("useless-allow");
 const Lints& AllLints() {
     static const Lints lints = [] {
         Lints all;
-        for (const auto group :
-             {LintsOfStatements, LintsOfDeclarations, LintsOfExpressions, LintsOfConditions}) {
+        for (const auto group : {LintsOfStatements, LintsOfDeclarations, LintsOfRanges,
+                                 LintsOfExpressions, LintsOfConditions}) {
             const Lints rows = group();
             all.insert(all.end(), rows.begin(), rows.end());
         }
@@ -60,7 +61,9 @@ public:
     explicit Allowances(const Subject& subject)
         : subject_(subject), known_(KnownIds()), all_(AllowancesOf(subject, known_)) {
         for (const Allowance& each : all_) {
-            allowed_.insert({each.line, each.id});
+            for (const Key& key : keysOf(each)) {
+                allowed_.insert(key);
+            }
         }
     }
 
@@ -78,8 +81,7 @@ public:
     std::vector<Diagnostic> useless(bool areAllowing) const {
         std::vector<Diagnostic> findings;
         for (const Allowance& each : all_) {
-            if (!used_.contains({each.line, each.id}) &&
-                (each.id == USELESS_ALLOW) == areAllowing) {
+            if (!isUsed(each) && (each.id == USELESS_ALLOW) == areAllowing) {
                 findings.push_back(finding(each));
             }
         }
@@ -88,6 +90,18 @@ public:
 
 private:
     using Key = QPair<int, QString>;  // line and identifier
+
+    // A comment may begin on another line than its identifier stands on.
+    std::array<Key, 2> keysOf(const Allowance& allowance) const {
+        return {Key{allowance.line, allowance.id},
+                Key{subject_.lineOf(allowance.span.begin), allowance.id}};
+    }
+
+    bool isUsed(const Allowance& allowance) const {
+        const std::array<Key, 2> keys = keysOf(allowance);
+        return std::any_of(keys.begin(), keys.end(),
+                           [this](const Key& key) { return used_.contains(key); });
+    }
 
     const Subject& subject_;
     QSet<QString> known_;

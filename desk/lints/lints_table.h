@@ -18,5 +18,6 @@ using Lints = std::vector<Lint>;
 // By what they are about.
 Lints LintsOfStatements();    // EXIT, CASE, labels
 Lints LintsOfDeclarations();  // names, constants, initial values
+Lints LintsOfRanges();        // numbers that do not fit
 Lints LintsOfExpressions();   // grouping, comparisons
 Lints LintsOfConditions();    // what never changes

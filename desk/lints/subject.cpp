@@ -58,9 +58,22 @@ int StatementAt(const Subject& subject, int offset) {
     return isThere ? static_cast<int>(found - all.begin()) : NONE;
 }
 
+const UseFact* UseAt(const Subject& subject, int token) {
+    const std::vector<UseFact>& uses = subject.facts.uses;
+    const int begin = subject.tokens.span(token).begin;
+    const auto found =
+        std::lower_bound(uses.begin(), uses.end(), begin,
+                         [](const UseFact& each, int at) { return each.span.begin < at; });
+    return found != uses.end() && found->span.begin == begin ? &*found : nullptr;
+}
+
 QStringView UnitOf(const Subject& subject, const StatementFact& statement) {
     const UnitFact& unit = subject.facts.units[static_cast<std::size_t>(statement.unit)];
     return subject.textOf(subject.name(unit.name));
+}
+
+int AssignOf(const Subject& subject, const NameFact& name) {
+    return subject.tokens.at(name.span.begin) + 3;
 }
 
 QSet<int> LabelsOfGotos(const Subject& subject) {

@@ -43,8 +43,14 @@ bool IsReal(Typ type);
 // The statement that begins at an offset, NONE if none does. Of several it is the outermost.
 int StatementAt(const Subject& subject, int offset);
 
+// What is used at a token, null if nothing is.
+const UseFact* UseAt(const Subject& subject, int token);
+
 // The name of the unit of a statement.
 QStringView UnitOf(const Subject& subject, const StatementFact& statement);
+
+// The token of the ":=" of a declaration, if it has an initial value.
+int AssignOf(const Subject& subject, const NameFact& name);
 
 // The labels that a GOTO names, by their index among the names.
 QSet<int> LabelsOfGotos(const Subject& subject);
