@@ -20,6 +20,7 @@ from cases import all_cases  # isort: skip: found by support_desk
 
 HERE = Path(__file__).parent
 GOLDEN_LINTS = HERE / "golden_lints.txt"
+MANY_SECONDS = 30
 
 FOUND = b"""PROGRAM P
 VAR_INPUT
@@ -243,6 +244,26 @@ class Options(unittest.TestCase):
         useless = FOUND.replace(b"PROGRAM P", f"PROGRAM P  // yxst:allow {EQUALITY}".encode())
         self.assertEqual(self.ids(script=useless), ["useless-allow", *BOTH])
         self.assertEqual(self.ids("--disable=useless-allow", script=useless), BOTH)
+
+
+# What takes seconds takes minutes if each is compared with all the others.
+MANY = {
+    "WHILE": "WHILE TRUE DO BREAK; END_WHILE;\n" * 60_000,
+    "EXIT": "FOR i := 1 TO 9 DO\n" + "IF p THEN EXIT; END_IF;\n" * 70_000 + "END_FOR; i := 1;\n",
+    "allow": "i := 1;  // yxst:allow " + ", ".join(["real-equality", "no-lint"] * 10_000) + "\n",
+}
+
+
+class Time(unittest.TestCase):
+    def test_is_in_proportion_to_the_script(self):
+        head = "PROGRAM P VAR_INPUT p : BOOL; END_VAR VAR i : INT := 0; END_VAR\n"
+        for name, statements in MANY.items():
+            with self.subTest(many=name):
+                script = f"{head}{statements}END_PROGRAM\n".encode()
+                run = run_yxst(
+                    "check", "--format=gcc", "-", stdin=None, input=script, timeout=MANY_SECONDS
+                )
+                self.assertEqual(run.status, FINE)
 
 
 class Forms(unittest.TestCase):
