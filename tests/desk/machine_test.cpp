@@ -56,8 +56,8 @@ class Executed {
 public:
     explicit Executed(const QString& script, const QStringList& choices = {}, int cycles = 1,
                       const Checks& checks = Checks())
-        : code_(CodeOf(script)), machine_(code_, ProfileOf(choices), checks) {
-        Machine reference(code_, ProfileOf(choices), checks);
+        : code_(CodeOf(script)), machine_(code_, profileOf(choices), checks) {
+        Machine reference(code_, profileOf(choices), checks);
         reference.setItemwise();
         reference.setTickStep(100);
         machine_.setTickStep(100);
@@ -82,6 +82,7 @@ public:
             counts[NameOf(place.first)] += count;
         }
         std::vector<std::string> texts;
+        texts.reserve(counts.size());
         for (const auto& [name, count] : counts) {
             texts.push_back(name.toStdString() + " " + std::to_string(count));
         }
@@ -95,7 +96,7 @@ private:
     Code code_;
     Machine machine_;
 
-    static Profile ProfileOf(const QStringList& choices) {
+    static Profile profileOf(const QStringList& choices) {
         Profile profile;
         const QString failure = SetChoices(profile, choices.join(QLatin1Char('\n')).toUtf8());
         EXPECT_EQ(failure.toStdString(), "");

@@ -240,8 +240,7 @@ TEST(TestTable, NoNumberIsNothingButDifferent) {
 TEST(TestTable, SpreadsheetsWriteTablesInManyWays) {
     const std::vector<QByteArray> tables = {
         "case, one\ncycles, level, count?\n2, 1.5, 3\n",
-        "\xEF\xBB\xBF"
-        "case,one\r\ncycles,level,count?\r\n2,1.5,3\r\n",
+        "\xEF\xBB\xBF" + QByteArray("case,one\r\ncycles,level,count?\r\n2,1.5,3\r\n"),
         "case;one;;\ncycles;level;count?;\n2;1,5;3;\n",
         "case,one,,,\n,,,,\ncycles,level,count?,,\n2,1.5,3,,\n,,,,\n",
         "\"case\",\"one\"\n\"cycles\",\"level\",\"count?\"\n\"2\",\"1.5\",\"3\"",
