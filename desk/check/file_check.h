@@ -27,6 +27,8 @@ public:
 
     // The text to be compiled next.
     const Source& next() const { return edited_; }
+    // What leads from the script to that text.
+    const Edits& edits() const { return edits_; }
     // Takes what the compiler told of it. False when the check has ended.
     bool take(const Facts& facts);
 
