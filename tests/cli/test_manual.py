@@ -140,9 +140,19 @@ def read_page(name, text):
     return page._replace(prose="\n".join(prose))
 
 
-def read_pages():
-    paths = [ROOT / "README.md", *sorted(MANUAL.glob("*.md"))]
+def pages_at(paths):
     return [read_page(str(path.relative_to(ROOT)), path.read_text()) for path in paths]
+
+
+def read_pages():
+    return pages_at([ROOT / "README.md", *sorted(MANUAL.glob("*.md"))])
+
+
+def read_other_pages():
+    """Those for who works on the project, and of the editors, whose fences are no examples."""
+    folders = [ROOT, ROOT / "docs"]
+    paths = [path for folder in folders for path in sorted(folder.glob("*.md"))]
+    return pages_at([*paths, *sorted((ROOT / "editors").glob("**/*.md"))])
 
 
 # ---------------------------------------------------------------------------------------------
@@ -667,7 +677,8 @@ class Manual(unittest.TestCase):
         self.assert_complete("tutorial.md")
 
     def test_links_lead_somewhere(self):
-        self.assert_nothing(link for page in self.pages for link in broken_links(page))
+        pages = [*self.pages, *read_other_pages()]
+        self.assert_nothing(link for page in pages for link in broken_links(page))
 
 
 # ---------------------------------------------------------------------------------------------
