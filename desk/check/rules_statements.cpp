@@ -232,7 +232,10 @@ Maybe NameAsLabel(const Context& context) {
     }
     if (VariableNamed(context, name.text) == nullptr) {
         return Say(
-            QStringLiteral("a label of `CASE` is a number: write one for %1").arg(Code(name)),
+            IsWordForElse(name.text)
+                ? QStringLiteral("the branch for all other values is `ELSE`, without a `:`")
+                : QStringLiteral("a label of `CASE` is a number: write one for %1")
+                      .arg(Code(name)),
             name.span);
     }
     const QString value = ValueOfConstant(context, name);

@@ -169,3 +169,9 @@ Conversion ConversionOf(QStringView name) {
     }
     return {TypeNamed(parts.first()), TypeNamed(parts.last())};
 }
+
+bool IsWordForElse(QStringView name) {
+    const QString word = name.toString().toUpper();
+    return word == QLatin1String("OTHERS") || word == QLatin1String("OTHER") ||
+           word == QLatin1String("OTHERWISE") || word == QLatin1String("DEFAULT");
+}

@@ -55,3 +55,6 @@ struct Conversion {
     Typ to;
 };
 Conversion ConversionOf(QStringView name);
+
+// Whether the name is what other languages write before the branch for all other values.
+bool IsWordForElse(QStringView name);

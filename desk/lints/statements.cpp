@@ -182,12 +182,6 @@ std::vector<UnusedLabel> UnusedLabels(const Subject& subject) {
     return labels;
 }
 
-bool IsWordForElse(QStringView name) {
-    const QString word = name.toString().toUpper();
-    return word == QLatin1String("OTHERS") || word == QLatin1String("OTHER") ||
-           word == QLatin1String("OTHERWISE") || word == QLatin1String("DEFAULT");
-}
-
 std::vector<Diagnostic> FindLabelsInCase(const Subject& subject) {
     std::vector<Diagnostic> findings;
     for (const UnusedLabel& each : UnusedLabels(subject)) {

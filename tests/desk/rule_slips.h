@@ -662,6 +662,17 @@ END_PROGRAM
     END_CASE;
 )"),
          "a label of `CASE` is a number: write one for `busy`", "busy"},
+        {"name-as-label", Lines(R"(
+    CASE a OF
+        1: a := 1;
+        OTHERS: a := 2;
+    END_CASE;
+    CASE a OF
+        1: a := 1;
+        OTHERS: a := 2;
+    END_CASE;
+)"),
+         "the branch for all other values is `ELSE`, without a `:`", "OTHERS"},
         {"step-of-for", Lines(R"(
     FOR i := 0 TO 10 STEP 2 DO
         b := i;
