@@ -1,8 +1,9 @@
-// The mutator as afl-fuzz loads it. The environment variable YXST_FUZZ_DICTIONARY names the
+// A mutator as afl-fuzz loads it. The environment variable YXST_FUZZ_DICTIONARY names the
 // fuzzer's dictionary.
 
-#include "mutator.h"
+#include "any_mutator.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -16,10 +17,7 @@ namespace {
 constexpr std::size_t LARGEST_MUTANT = 32768;
 
 struct State {
-    State(std::istream& dictionary, unsigned seed) : words(dictionary), mutator(words, seed) {}
-
-    Words words;
-    Mutator mutator;
+    std::unique_ptr<AnyMutator> mutator;
     std::string mutant;
 };
 
@@ -43,7 +41,7 @@ void* afl_custom_init(void*, unsigned seed) {
     const char* const name = std::getenv("YXST_FUZZ_DICTIONARY");
     std::ifstream dictionary(name == nullptr ? "" : name);
     try {
-        return new State(dictionary, seed);
+        return new State{MakeMutator(dictionary, seed), {}};
     } catch (const std::exception& error) {
         std::fprintf(stderr, "YXST_FUZZ_DICTIONARY: %s\n", error.what());
         return nullptr;
@@ -53,9 +51,9 @@ void* afl_custom_init(void*, unsigned seed) {
 std::size_t afl_custom_fuzz(void* data, std::uint8_t* source, std::size_t sourceSize,
                             std::uint8_t** mutant, std::uint8_t* other, std::size_t otherSize,
                             std::size_t maxSize) {
-    auto& [words, mutator, text] = *static_cast<State*>(data);
-    text = mutator.mutate(TextOf(source, sourceSize), TextOf(other, otherSize),
-                          std::min(maxSize, LARGEST_MUTANT));
+    auto& [mutator, text] = *static_cast<State*>(data);
+    text = mutator->mutate(TextOf(source, sourceSize), TextOf(other, otherSize),
+                           std::min(maxSize, LARGEST_MUTANT));
     *mutant = reinterpret_cast<std::uint8_t*>(text.data());
     return text.size();
 }
