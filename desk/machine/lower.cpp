@@ -55,6 +55,10 @@ public:
 
     void lower() {
         builder_.put(plan_.entry);
+        if (!isInBody(plan_.body)) {
+            giveUp();
+            return;
+        }
         findJoins();
         reach(plan_.body);
         while (!waiting_.empty()) {

@@ -546,6 +546,8 @@ TEST(Machine, AMissingDeclarationIsThatOfABool) {
 
 TEST(Machine, UnsoundCodeStopsTheRun) {
     const char* const codes[] = {
+        "",
+        "L1: ",
         "JMP L1 RET ",
         "MOV @y #A0 RET ",
         "MOV @x #A0 ",

@@ -26,8 +26,8 @@ constexpr std::size_t LARGEST_MUTANT = 8192;
 constexpr std::size_t SIZE_LIMITS[] = {0, 1, 4, 10, 100, 1000, LARGEST_MUTANT};
 
 // In percent, with room below what the mutator reaches.
-constexpr double LEAST_READ = 40;
-constexpr double LEAST_SOUND = 15;
+constexpr double LEAST_READ = 55;
+constexpr double LEAST_SOUND = 35;
 
 using Texts = std::vector<std::string>;
 

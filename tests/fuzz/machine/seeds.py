@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Writes inputs of the machine into a new folder, named after their content.
 
-    seeds.py FOLDER LARGEST
+    seeds.py FOLDER
 
 They hold the code of the golden cases and the examples, half of it as code files and half as
 listings, and the tables of the examples with the code of their scripts: each case of a table
-alone, as all of it would be large. Inputs of more than LARGEST bytes are left out.
+alone, as all of it would be large.
 """
 
 import hashlib
@@ -59,14 +59,12 @@ def seeds():
         yield from with_tables(listing.read_bytes(), EXAMPLES / f"{listing.stem}.test")
 
 
-def main():
-    folder, largest = Path(sys.argv[1]), int(sys.argv[2])
+def write_seeds(folder):
     folder.mkdir()
     for seed in seeds():
         data = choices(seed) + seed
-        if len(data) <= largest:
-            (folder / hashlib.sha1(data).hexdigest()[:16]).write_bytes(data)
+        (folder / hashlib.sha1(data).hexdigest()[:16]).write_bytes(data)
 
 
 if __name__ == "__main__":
-    main()
+    write_seeds(Path(sys.argv[1]))
