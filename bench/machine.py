@@ -1,4 +1,5 @@
-"""Compares the machine of the desk with Lua on the same programs, run in turns.
+"""Compares the machine of the desk with Lua on the same programs, run in turns, and measures the
+subcommands that execute and verify.
 
 The programs stand in bench/machine/, each beside its twin in Lua. Each pair of runs gives a ratio
 of their processor times; the median of the ratios is the figure.
@@ -10,7 +11,7 @@ from pathlib import Path
 from typing import NamedTuple
 
 from against import cells
-from runner import Failure, build_type, print_heading, print_table, say
+from runner import Failure, Workload, build_type, print_heading, print_table, say
 
 PROGRAMS = Path(__file__).with_name("machine")
 LUA = "lua5.4"
@@ -23,7 +24,8 @@ WAYS = {
 HEADER = ["program", "machine", "pairs", "machine", "Lua", "machine / Lua", "95 % interval",
           "middle half", "limit", "holds"]  # fmt: skip
 
-PUMP = Path(__file__).parents[1] / "examples" / "pump_sequence.st"
+EXAMPLES = Path(__file__).parents[1] / "examples"
+PUMP = EXAMPLES / "pump_sequence.st"
 DAY = 864_000  # cycles of 100 ms
 DAY_LIMIT = 5.0  # seconds
 
@@ -31,10 +33,11 @@ DAY_LIMIT = 5.0  # seconds
 class Plan(NamedTuple):
     cycles: int
     rounds: int
+    verified: Workload
 
 
-FULL = Plan(cycles=50, rounds=7)
-QUICK = Plan(cycles=20, rounds=2)
+FULL = Plan(cycles=50, rounds=7, verified=Workload(100_000, 100, 7))
+QUICK = Plan(cycles=20, rounds=2, verified=Workload(4_000, 100, 2))
 
 
 def compiled(runner, script):
@@ -91,14 +94,44 @@ def day_rows(runner, plan):
         yield [PUMP.stem, title, f"{DAY:,}", f"{seconds:.2f} s", f"<= {DAY_LIMIT} s", holds]
 
 
+# ---------------------------------------------------------------------------------------------
+# Subcommands
+# ---------------------------------------------------------------------------------------------
+
+
+def verified_code(runner, workload):
+    command, [code] = runner.compile_command(runner.build / "yxstcmp", workload)
+    runner.run(command, [code])
+    return code
+
+
+def subcommand_rows(runner, plan):
+    yield ["command", "CPU time", "wall", "peak memory"]
+    yxst = str(runner.build / "yxst")
+    lines = f"code of {plan.verified.lines:,} lines"
+    commands = {
+        f"yxst run --cycles={DAY} pump_sequence.st": ["run", f"--cycles={DAY}", str(PUMP)],
+        f"yxst verify, {lines}": ["verify", verified_code(runner, plan.verified)],
+        "yxst test examples": ["test", str(EXAMPLES)],
+    }
+    for title, arguments in commands.items():
+        say(f"measuring {title}")
+        used = [runner.run([yxst, *arguments]) for _ in range(plan.rounds)]
+        seconds, wall, memory = (statistics.median(column) for column in zip(*used))
+        yield [title, f"{seconds:.2f} s", f"{wall:.2f} s", f"{memory:.1f} MB"]
+
+
 def compare(runner, is_quick):
     plan = QUICK if is_quick else FULL
     rows = [HEADER]
     for script in sorted(PROGRAMS.glob("*.st")):
         rows += rows_of(runner, script, plan)
     day = list(day_rows(runner, plan))
+    subcommands = list(subcommand_rows(runner, plan))
     print_heading()
     print(f"Build type {build_type(runner.build / 'yxst')}\n")
     print_table(rows)
     print()
     print_table(day)
+    print()
+    print_table(subcommands)

@@ -94,9 +94,10 @@ void CheckJudged(const std::string& dictionary, const Texts& inputs) {
         }
     }
     const auto percent = [](int part) { return 100.0 * part / static_cast<double>(MUTANTS); };
-    std::printf("%zu mutants: %.1f %% read, %.1f %% sound, %.1f %% by register code, "
-                "%.1f %% with a table\n",
-                MUTANTS, percent(read), percent(sound), percent(byRegisters), percent(tables));
+    std::printf(
+        "%zu mutants: %.1f %% read, %.1f %% sound, %.1f %% by register code, "
+        "%.1f %% with a table\n",
+        MUTANTS, percent(read), percent(sound), percent(byRegisters), percent(tables));
     Check(percent(read) >= LEAST_READ && percent(sound) >= LEAST_SOUND, "too few are sound");
 }
 

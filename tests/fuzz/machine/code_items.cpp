@@ -72,8 +72,9 @@ CodeWords::CodeWords(std::istream& dictionary) {
             groupOfWord_[word] = line.substr(0, groupEnd);
         }
     }
-    for (const char* name : {"move", "binary", "unary", "jump", "call", "section", "sectionOfMany",
-                             "type", "place", "builtIn", "choice", "check", "table"}) {
+    for (const char* name :
+         {"move", "binary", "unary", "jump", "call", "section", "sectionOfMany", "type", "place",
+          "builtIn", "choice", "check", "table"}) {
         if (groups_.count(name) == 0) {
             throw std::runtime_error(std::string("the dictionary has no group ") + name);
         }

@@ -8,7 +8,8 @@ MachineInput SplitInput(std::string_view text) {
     text.remove_prefix(length);
     for (std::size_t part = 0; part < PARTS; ++part) {
         const bool isLast = part + 1 == PARTS;
-        const std::size_t end = isLast ? text.size() : std::min(text.find(PART_MARK), text.size());
+        const std::size_t end =
+            isLast ? text.size() : std::min(text.find(PART_MARK), text.size());
         input.parts[part] = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
     }

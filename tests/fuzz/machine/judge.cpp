@@ -86,8 +86,8 @@ Value ValueFor(Typ type, unsigned number) {
         return RealValue(type, static_cast<double>(small) * 0.75);
     }
     const Range& range = RangeOf(type);
-    return WholeValue(type, number % 13 == 0 ? range.greatest
-                                             : std::clamp(small, range.least, range.greatest));
+    return WholeValue(
+        type, number % 13 == 0 ? range.greatest : std::clamp(small, range.least, range.greatest));
 }
 
 // A value is read as it is written.

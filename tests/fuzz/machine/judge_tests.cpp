@@ -67,8 +67,7 @@ void CompareCases(TestSubject subject, const TestPlan& plan) {
 
 // Where the preamble is sound, and there is code to execute.
 bool Execute(const Setup& setup, const TestText& text, TestSubject& subject) {
-    std::optional<CsvFault> fault =
-        DeclareObjects(text.preamble, subject.code.units.back());
+    std::optional<CsvFault> fault = DeclareObjects(text.preamble, subject.code.units.back());
     CheckFault(fault);
     if (fault) {
         return false;

@@ -174,8 +174,8 @@ bool MachineMutator::replaceInitial() {
 bool MachineMutator::replaceEntry() {
     const auto at = choose(IsLabel);
     if (at) {
-        items_[*at][0] = random_.oneIn(3) ? random_.oneOf(words_.group("entry"))
-                                          : makeTarget(*at) + ':';
+        items_[*at][0] =
+            random_.oneIn(3) ? random_.oneOf(words_.group("entry")) : makeTarget(*at) + ':';
     }
     return at.has_value();
 }
@@ -200,9 +200,9 @@ bool MachineMutator::copyRun() {
         return false;
     }
     const auto begin = from.begin();
-    insert(*place, adapt({begin + static_cast<long>(run->begin),
-                          begin + static_cast<long>(run->end)},
-                         *place));
+    insert(*place,
+           adapt({begin + static_cast<long>(run->begin), begin + static_cast<long>(run->end)},
+                 *place));
     return true;
 }
 
@@ -226,8 +226,8 @@ bool MachineMutator::loopRun() {
     }
     const Word label = makeLabel();
     const Word name = "@" + chooseName(run->begin);
-    insert(run->end, {{"MOV", name, "#A0"}, {"TST", "#A0"},
-                      {random_.oneIn(2) ? "JMPT" : "JMPF", label}});
+    insert(run->end,
+           {{"MOV", name, "#A0"}, {"TST", "#A0"}, {random_.oneIn(2) ? "JMPT" : "JMPF", label}});
     insert(run->begin, {{label + ':'}});
     return true;
 }
@@ -240,8 +240,8 @@ bool MachineMutator::skipRun() {
     const Word label = makeLabel();
     const Word name = "@" + chooseName(run->begin);
     insert(run->end, {{label + ':'}});
-    insert(run->begin, {{"MOV", name, "#A0"}, {"TST", "#A0"},
-                        {random_.oneIn(4) ? "JMPT" : "JMPF", label}});
+    insert(run->begin,
+           {{"MOV", name, "#A0"}, {"TST", "#A0"}, {random_.oneIn(4) ? "JMPT" : "JMPF", label}});
     return true;
 }
 
@@ -444,7 +444,7 @@ void MachineMutator::insert(std::size_t place, const CodeItems& items) {
 
 void MachineMutator::replace(Run run, const CodeItems& items) {
     const auto begin = items_.begin();
-    const auto after = items_.erase(begin + static_cast<long>(run.begin),
-                                    begin + static_cast<long>(run.end));
+    const auto after =
+        items_.erase(begin + static_cast<long>(run.begin), begin + static_cast<long>(run.end));
     items_.insert(after, items.begin(), items.end());
 }

@@ -1,5 +1,6 @@
-// Prints the words of target code and of the tables beside it as the fuzzer's dictionary: lines of
-// the form group="WORD". The mutator chooses by the groups, the fuzzer itself passes over them.
+// Prints the words of target code and of the tables beside it as the fuzzer's dictionary: lines
+// of the form group="WORD". The mutator chooses by the groups, the fuzzer itself passes over
+// them.
 
 #include "setup.h"
 
@@ -15,9 +16,9 @@ constexpr const char* SHAPES[] = {"move", "binary", "unary", "jump", "call", "no
 constexpr QLatin1String PLACES[] = {ACCUMULATOR, REGISTER_0, PUSH, POP, NIL, TICK};
 constexpr const char* ENTRIES[] = {"PROG:", "VAR:", "MAIN:", "BODY:"};
 constexpr const char* ACTIONS[] = {"off", "note", "stop"};
-constexpr const char* TABLE_WORDS[] = {"cycles", "case",  "script", "engine", "check", "tick",
-                                       "global", "register", "force ", "?",    "!",     "<=",
-                                       "~",      "..",       "TRUE",   "FALSE"};
+constexpr const char* TABLE_WORDS[] = {
+    "cycles", "case", "script", "engine", "check", "tick", "global", "register",
+    "force ", "?",    "!",      "<=",     "~",     "..",   "TRUE",   "FALSE"};
 
 void Print(const char* group, const std::string& word) {
     std::cout << group << "=\"" << word << "\"\n";
