@@ -106,7 +106,7 @@ def verified_code(runner, workload):
 
 
 def subcommand_rows(runner, plan):
-    yield ["command", "CPU time", "wall", "peak memory"]
+    yield ["command", "CPU time", "peak memory"]
     yxst = str(runner.build / "yxst")
     lines = f"code of {plan.verified.lines:,} lines"
     commands = {
@@ -117,8 +117,8 @@ def subcommand_rows(runner, plan):
     for title, arguments in commands.items():
         say(f"measuring {title}")
         used = [runner.run([yxst, *arguments]) for _ in range(plan.rounds)]
-        seconds, wall, memory = (statistics.median(column) for column in zip(*used))
-        yield [title, f"{seconds:.2f} s", f"{wall:.2f} s", f"{memory:.1f} MB"]
+        seconds, _, memory = (statistics.median(column) for column in zip(*used))
+        yield [title, f"{seconds:.2f} s", f"{memory:.1f} MB"]
 
 
 def compare(runner, is_quick):
