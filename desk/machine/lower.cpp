@@ -270,6 +270,7 @@ private:
             throw Unusual();
         }
         builder_.countItem();
+        builder_.setItem(item());
         item_ = item();
         execute();
         const Live& live = liveAfter();
@@ -402,16 +403,18 @@ private:
 
     int loadReferred(qint32 address, Typ type) {
         if (builder_.code.hasUnset) {
-            builder_.emit(R::NeedReferredSet, 0, address);
+            builder_.emit(R::NeedReferredSet, 0, address, 0, 0,
+                          originOf(Check::UninitializedRead));
         }
         const qint32 slot = newTemporary();
         builder_.emit(R::LoadReferred, slot, address);
         return addFitting(slot, type);
     }
 
+    // Each read is noted by itself, so one that was fine tells nothing of the next.
     void needSet(qint32 slot) {
-        if (all_.mayBeUnset(slot) && known_.insert(slot).second) {
-            builder_.emit(R::NeedSet, 0, slot);
+        if (all_.mayBeUnset(slot) && known_.count(slot) == 0) {
+            builder_.emit(R::NeedSet, 0, slot, 0, 0, originOf(Check::UninitializedRead));
         }
     }
 
@@ -471,12 +474,14 @@ private:
         held_.accumulator = operated(operation, left, right);
     }
 
-    void raise(Check check) {
+    Origin originOf(Check check) const {
         Origin origin;
         origin.item = item();
         origin.check = check;
-        builder_.emit(R::Note, 0, 0, 0, 0, origin);
+        return origin;
     }
+
+    void raise(Check check) { builder_.emit(R::Note, 0, 0, 0, 0, originOf(check)); }
 
     void unary() {
         const int value = held_.accumulator;

@@ -148,7 +148,7 @@ void Machine::setUninitialized(int unit, int variable) {
 // ---------------------------------------------------------------------------------------------
 
 bool Machine::cycle() {
-    if (stop_) {
+    if (stop_ || interruption_) {
         return false;
     }
     try {
@@ -159,8 +159,10 @@ bool Machine::cycle() {
         endCycle();
     } catch (const RunStop& stop) {
         stop_ = stop;
+    } catch (const Interruption& interruption) {
+        interruption_ = interruption;
     }
-    return !stop_;
+    return !stop_ && !interruption_;
 }
 
 void Machine::beginCycle() {
@@ -427,6 +429,9 @@ void Machine::jump(const Instruction& instruction) {
     if (instruction.target < unit.begin || instruction.target >= unit.end) {
         watch_.stop(Check::UnsoundCode, QStringLiteral("the jump leaves its unit"));
     }
+    if (instruction.target < next_) {
+        watch_.endIfAsked(instruction.item);
+    }
     next_ = instruction.target;
 }
 
@@ -435,6 +440,7 @@ void Machine::jump(const Instruction& instruction) {
 // ---------------------------------------------------------------------------------------------
 
 void Machine::call(const Instruction& instruction) {
+    watch_.endIfAsked(instruction.item);
     if (instruction.target == NOWHERE) {
         watch_.stop(Check::UnsoundCode, QStringLiteral("no unit has that name"));
     }

@@ -29,12 +29,19 @@ public:
     void setItemwise() { isItemwise_ = true; }
     // From now on instructions() need not be right, unless a check needs it.
     void setUncounted() { isCounting_ = false; }
+    bool isCounting() const { return isCounting_; }
     // The cycles that were executed by register code.
     qint64 registerCycles() const { return registerCycles_; }
+
+    // From now on a cycle ends, at a jump back or a call, once the flag is set; the flag must
+    // outlive the machine.
+    void setInterrupt(const std::atomic<bool>& flag) { watch_.setInterrupt(flag); }
 
     // Executes one cycle; false if the run has ended, then and before.
     bool cycle();
     const std::optional<RunStop>& stop() const { return stop_; }
+    // Where a cycle was ended from outside; the variables hold what they held there.
+    const std::optional<Interruption>& interruption() const { return interruption_; }
     const Notes& notes() const { return watch_.notes(); }
     qint64 cycles() const { return cycles_; }              // that were executed whole
     qint64 instructions() const { return instructions_; }  // that were executed
@@ -76,6 +83,7 @@ private:
     Watch watch_;
     Arithmetic arithmetic_;
     std::optional<RunStop> stop_;
+    std::optional<Interruption> interruption_;
 
     Memory memory_;
 

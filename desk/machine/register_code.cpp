@@ -125,6 +125,19 @@ quint16 RegisterCodeBuilder::takeCount() {
     return static_cast<quint16>(counted);
 }
 
+// Where items are not counted, rounds and calls are.
+quint16 RegisterCodeBuilder::takeCountOfRound() {
+    const quint16 count = takeCount();
+    return isCounting_ ? count : quint16(1);
+}
+
+void RegisterCodeBuilder::emitJump(RegisterOperation operation, qint32 left, qint32 right,
+                                   quint16 count) {
+    Origin origin;
+    origin.item = item_;
+    emit(operation, 0, left, right, count, origin);
+}
+
 void RegisterCodeBuilder::use(Target place) {
     uses_.emplace_back(here() - 1, place);
 }
@@ -134,8 +147,8 @@ void RegisterCodeBuilder::jump(RegisterOperation operation, qint32 left, qint32 
     if (operation == RegisterOperation::Jump && isPlaced(place) && closeLoop(place)) {
         return;
     }
-    const quint16 count = takeCount();
-    emit(operation, 0, left, right, count);
+    const quint16 count = isPlaced(place) ? takeCountOfRound() : takeCount();
+    emitJump(operation, left, right, count);
     use(place);
 }
 
@@ -158,8 +171,8 @@ bool RegisterCodeBuilder::closeLoop(Target place) {
     RegisterInstruction again = condition;
     Invert(again.operation, again.left, again.right);
     counted_ = isCounting_ ? total : 0;
-    const quint16 count = takeCount();
-    emit(again.operation, 0, again.left, again.right, count);
+    const quint16 count = takeCountOfRound();
+    emitJump(again.operation, again.left, again.right, count);
     use(body);
     emit(RegisterOperation::Jump, 0);
     use(exit);
@@ -167,8 +180,8 @@ bool RegisterCodeBuilder::closeLoop(Target place) {
 }
 
 void RegisterCodeBuilder::call(Target place, qint32 returnSlot) {
-    const quint16 count = takeCount();
-    emit(RegisterOperation::Call, 0, returnSlot, 0, count);
+    const quint16 count = takeCountOfRound();
+    emitJump(RegisterOperation::Call, returnSlot, 0, count);
     use(place);
 }
 
@@ -191,7 +204,8 @@ bool RegisterCodeBuilder::skipsJump(Target place) const {
     const auto& [skipping, skipped] = uses_[uses_.size() - 2];
     return code.instructions[size - 1].operation == RegisterOperation::Jump &&
            IsConditional(code.instructions[size - 2].operation) && skipping == here() - 2 &&
-           skipped == place && lastPut_ < here() - 1 && code.instructions[size - 1].extra == 0;
+           skipped == place && lastPut_ < here() - 1 &&
+           (code.instructions[size - 1].extra == 0 || !isCounting_);
 }
 
 void RegisterCodeBuilder::put(Target place) {
@@ -199,9 +213,11 @@ void RegisterCodeBuilder::put(Target place) {
     if (count > 0) {
         emit(RegisterOperation::Count, 0, 0, 0, count);
     } else if (skipsJump(place)) {
+        const quint16 ofJump = last().extra;
         code.instructions.pop_back();
         code.origins.pop_back();
         Invert(last().operation, last().left, last().right);
+        last().extra = std::max(last().extra, ofJump);
         uses_[uses_.size() - 2].second = uses_.back().second;
         uses_.pop_back();
     }

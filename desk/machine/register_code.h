@@ -84,7 +84,8 @@ enum class RegisterOperation : quint16 { REGISTER_OPERATIONS(ENUMERATOR) };
 
 struct RegisterInstruction {
     RegisterOperation operation;
-    quint16 extra;  // of an operation: the number of its limits, of a jump: instructions counted
+    // Of an operation: the number of its limits; of a jump or call: the instructions to count.
+    quint16 extra;
     qint32 to;
     qint32 left;
     qint32 right;
@@ -166,7 +167,9 @@ public:
 
     // An instruction of target code that is executed where the code is.
     void countItem() { ++counted_; }
-    // Jumps and calls, which count what was executed before.
+    // The item that jumps and calls stem from, until the next one is told.
+    void setItem(int item) { item_ = item; }
+    // Jumps and calls, which count what was executed before. Whatever is endless counts on.
     void jump(RegisterOperation operation, qint32 left, qint32 right, Target place);
     void call(Target place, qint32 returnSlot);
     void end(RegisterOperation operation, qint32 left);
@@ -181,6 +184,7 @@ public:
 private:
     bool isCounting_;
     int counted_ = 0;
+    int item_ = 0;
     std::vector<bool> isConstant_;
     std::map<std::pair<bool, qint64>, qint32> constants_;
     std::vector<int> places_;                   // where each lies, -1 if it is not put yet
@@ -188,6 +192,8 @@ private:
     int lastPut_ = -1;
 
     quint16 takeCount();
+    quint16 takeCountOfRound();
+    void emitJump(RegisterOperation operation, qint32 left, qint32 right, quint16 count);
     bool skipsJump(Target place) const;
     bool closeLoop(Target place);
     void use(Target place);

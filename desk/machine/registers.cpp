@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr qint64 SLICE = 1 << 16;
+
 float Single(double number) {
     return static_cast<float>(number);
 }
@@ -23,17 +25,25 @@ Registers::Registers(const Lowered& lowered, Memory& memory, Watch& watch, Arith
 bool Registers::cycle(const CycleState& state) {
     const qint64 limit =
         watch_.isOn(Check::ScanLimit) ? profile_.scanLimit : std::numeric_limits<qint64>::max();
-    qint64 budget = limit;
+    budget_ = limit;
     takeOver(state);
     notesBefore_.reset();
-    if (!execute(budget)) {
-        if (notesBefore_) {
-            watch_.setNotes(*notesBefore_);
+    const auto end = [this, &state, limit] {
+        handOver(state);
+        state.instructions += limit - budget_;
+    };
+    try {
+        if (!execute()) {
+            if (notesBefore_) {
+                watch_.setNotes(*notesBefore_);
+            }
+            return false;
         }
-        return false;
+    } catch (const Interruption&) {
+        end();
+        throw;
     }
-    handOver(state);
-    state.instructions += limit - budget;
+    end();
     return true;
 }
 
@@ -64,9 +74,9 @@ void Registers::handOver(const CycleState& state) {
 }
 
 // Where a check ends the run this way ends too; the other one tells why.
-bool Registers::execute(qint64& budget) {
+bool Registers::execute() {
     try {
-        return run(budget);
+        return run();
     } catch (const RunStop&) {
         return false;
     }
@@ -75,6 +85,26 @@ bool Registers::execute(qint64& budget) {
 // ---------------------------------------------------------------------------------------------
 // What is not usual
 // ---------------------------------------------------------------------------------------------
+
+qint64 Registers::slice() {
+    const qint64 taken = std::min(budget_, SLICE);
+    budget_ -= taken;
+    return taken;
+}
+
+// At the end of a slice: what is left with more of them, below 0 if the budget is used up.
+Q_NEVER_INLINE qint64 Registers::more(int index, qint64 left) {
+    try {
+        watch_.endIfAsked(code_.origins[static_cast<std::size_t>(index)].item);
+    } catch (const Interruption&) {
+        budget_ += left;
+        throw;
+    }
+    while (left < 0 && budget_ > 0) {
+        left += slice();
+    }
+    return left;
+}
 
 void Registers::keepNotes() {
     if (!notesBefore_) {
@@ -243,26 +273,32 @@ bool Registers::useEngine(int index) {
         const float result = Single(LEFT.real OPERATOR RIGHT.real);      \
         GIVE(real, static_cast<double>(result), !std::isfinite(result)); \
     }
-#define JUMP(NAME, CONDITION)   \
-    NAME:                       \
-    left -= at->extra;          \
-    if (Q_UNLIKELY(left < 0)) { \
-        return false;           \
-    }                           \
-    if (CONDITION) {            \
-        GO_TO(at->to);          \
-    }                           \
+// Counts what was executed, and ends the code if that is too much.
+#define COUNT                     \
+    left -= at->extra;            \
+    if (Q_UNLIKELY(left < 0)) {   \
+        left = more(INDEX, left); \
+        if (left < 0) {           \
+            return false;         \
+        }                         \
+    }
+#define JUMP(NAME, CONDITION) \
+    NAME:                     \
+    COUNT                     \
+    if (CONDITION) {          \
+        GO_TO(at->to);        \
+    }                         \
     NEXT;
 #define LABEL(NAME) &&NAME,  // NOLINT(bugprone-macro-parentheses)
 
-bool Registers::run(qint64& budget) {
+bool Registers::run() {
     static const void* const labels[] = {REGISTER_OPERATIONS(LABEL)};
     const RegisterInstruction* const first = code_.instructions.data();
     const RegisterInstruction* at = first + code_.begin;
     const Limits* const limits = code_.limits.data();
     Slot* const slots = code_.slots.data();
     quint8* const isUnset = isUnset_.data();
-    qint64 left = budget;
+    qint64 left = slice();
     goto* labels[static_cast<int>(at->operation)];
 
 Copy:
@@ -329,7 +365,7 @@ Apply:
     JUMP(JumpIfNotLessReal, !(LEFT.real < RIGHT.real))
     JUMP(JumpIfNotLessOrEqualReal, !(LEFT.real <= RIGHT.real))
 Call:
-    left -= at->extra;
+    COUNT
     LEFT.whole = INDEX + 1;
     GO_TO(at->to);
 Return:
@@ -356,8 +392,8 @@ StoreReferred:
     slots[LEFT.whole] = RIGHT;
     NEXT;
 NeedSet:
-    if (isUnset[at->left] != 0) {
-        return false;
+    if (Q_UNLIKELY(isUnset[at->left] != 0)) {
+        note(INDEX);
     }
     NEXT;
 MarkSet:
@@ -367,8 +403,8 @@ MarkUnset:
     isUnset[at->left] = 1;
     NEXT;
 NeedReferredSet:
-    if (isUnset[LEFT.whole] != 0) {
-        return false;
+    if (Q_UNLIKELY(isUnset[LEFT.whole] != 0)) {
+        note(INDEX);
     }
     NEXT;
 MarkReferredSet:
@@ -383,8 +419,8 @@ Note:
 GiveUp:
     return false;
 End:
-    budget = left - at->extra;
-    return budget >= 0;
+    budget_ += left - at->extra;
+    return budget_ >= 0;
 }
 
 #pragma GCC diagnostic pop

@@ -22,7 +22,8 @@ class Registers {
 public:
     Registers(const Lowered& lowered, Memory& memory, Watch& watch, Arithmetic& arithmetic);
 
-    // Executes a cycle. False if it gave up: then everything is as it was before.
+    // Executes a cycle. False if it gave up: then everything is as it was before. Throws an
+    // Interruption where the watch asks for one: then everything is as it was there.
     bool cycle(const CycleState& state);
     // Whether the code must be lowered anew, as an engine object was used that it did not know.
     bool isOutdated() const { return isOutdated_; }
@@ -35,11 +36,14 @@ private:
     std::vector<quint8> isUnset_;  // for each slot, if any may be
     std::optional<Notes> notesBefore_;
     bool isOutdated_ = false;
+    qint64 budget_ = 0;  // of instructions; what is executed takes a slice of it after the other
 
     void takeOver(const CycleState& state);
     void handOver(const CycleState& state);
-    bool execute(qint64& budget);
-    bool run(qint64& budget);
+    bool execute();
+    bool run();
+    qint64 slice();
+    qint64 more(int index, qint64 left);
     void keepNotes();
     void apply(int index);
     void note(int index);

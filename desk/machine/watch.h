@@ -1,8 +1,9 @@
-// What the checks of a run have found.
+// What the checks of a run have found, and whether it is to end early.
 #pragma once
 
 #include "machine/profile.h"
 
+#include <atomic>
 #include <map>
 #include <utility>
 
@@ -11,6 +12,11 @@ struct RunStop {
     Check check;
     QString message;  // no full stop at its end
     int item = 0;     // the number of the item
+};
+
+// A cycle that was asked to end; thrown where it does.
+struct Interruption {
+    int item;  // the number of the item
 };
 
 // How often each check has noted something, at each item.
@@ -44,8 +50,18 @@ public:
         throw RunStop{check, message, item_};
     }
 
+    // The flag asks cycles to end; it must outlive the watch.
+    void setInterrupt(const std::atomic<bool>& flag) { interrupt_ = &flag; }
+    // Called wherever a cycle that does not end comes by.
+    void endIfAsked(int item) const {
+        if (interrupt_ != nullptr && interrupt_->load(std::memory_order_relaxed)) {
+            throw Interruption{item};
+        }
+    }
+
 private:
     Checks checks_;
     Notes notes_;
     int item_ = 0;
+    const std::atomic<bool>* interrupt_ = nullptr;
 };

@@ -5,11 +5,12 @@
 
 namespace {
 
-// A handler can reach nothing else.
-volatile std::sig_atomic_t g_isInterrupted = 0;
+// A handler can reach nothing else; threads look at it.
+std::atomic<bool> g_isInterrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 void Remember(int) {
-    g_isInterrupted = 1;
+    g_isInterrupted = true;
 }
 
 }  // namespace
@@ -26,6 +27,10 @@ void RememberInterrupts() {
     }
 }
 
+const std::atomic<bool>& Interrupts() {
+    return g_isInterrupted;
+}
+
 bool IsInterrupted() {
-    return g_isInterrupted != 0;
+    return g_isInterrupted;
 }

@@ -5,6 +5,7 @@
 
 #include "both_ways.h"
 
+#include "machine/flow.h"
 #include "machine/machine.h"
 
 #include <gmock/gmock.h>
@@ -231,21 +232,77 @@ TEST(Lower, ForcedVariablesAreKept) {
     EXPECT_EQ(run.machine.value(0).whole, 51);
 }
 
-TEST(Lower, UnsetVariablesAreToldUntilTheyAreSet) {
+TEST(Lower, UnsetVariablesAreToldAtEachReadUntilTheyAreSet) {
     const char* const statements =
-        "MOV @x #A0 MOV #A0 @y MOV @b #A0 TST #A0 JMPF L1 MOV #A0 @x "
-        "L1: RET ";
+        "MOV @x #A0 MOV #A0 $PUSH MOV @x #A0 ADD $POP #A0 MOV #A0 @y MOV @b #A0 TST #A0 JMPF L1 "
+        "MOV #A0 @x L1: RET ";
     BothWays run(statements);
     run.execute(1);
     run.reference.setUninitialized(0, 0);
     run.machine.setUninitialized(0, 0);
     run.execute(2);
-    EXPECT_EQ(run.machine.registerCycles(), 1);
+    EXPECT_EQ(run.machine.notes().size(), 2U);
+    EXPECT_EQ(run.machine.notes().begin()->second, 2);
     run.reference.set(2, TruthValue(true));
     run.machine.set(2, TruthValue(true));
     run.execute(8);
-    EXPECT_EQ(run.machine.notes().size(), 1U);
-    EXPECT_GT(run.machine.registerCycles(), 3);
+    EXPECT_EQ(run.machine.notes().begin()->second, 3);
+    EXPECT_EQ(run.machine.registerCycles(), 11);
+}
+
+TEST(Lower, UnsetVariablesThatAStopIsForEndTheRun) {
+    Checks checks;
+    checks.set("uninitialized-read", "stop");
+    BothWays run("MOV 1 #A0 MOV #A0 @y MOV @x #A0 RET ", checks);
+    run.reference.setUninitialized(0, 0);
+    run.machine.setUninitialized(0, 0);
+    run.execute(1);
+    EXPECT_EQ(run.machine.stop()->item, InstructionAt(run.read.code, 2).item);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Ends from outside
+// ---------------------------------------------------------------------------------------------
+
+// By register code, with counts and without, and an item at a time.
+void ExpectInterruption(const QByteArray& statements, const QByteArray& units = {}) {
+    const CodeResult read = Read(statements, units);
+    ASSERT_FALSE(read.fault) << statements.toStdString();
+    for (const bool isCounting : {true, false}) {
+        for (const bool isItemwise : {true, false}) {
+            Machine machine(read.code, Profile(), NoChecks());
+            std::atomic<bool> isAsked = true;
+            machine.setInterrupt(isAsked);
+            if (!isCounting) {
+                machine.setUncounted();
+            }
+            if (isItemwise) {
+                machine.setItemwise();
+            }
+            EXPECT_FALSE(machine.cycle());
+            ASSERT_TRUE(machine.interruption());
+            EXPECT_GE(machine.interruption()->item, InstructionAt(read.code, 0).item);
+            EXPECT_FALSE(machine.stop());
+            EXPECT_FALSE(machine.cycle());
+            EXPECT_EQ(machine.cycles(), 0);
+        }
+    }
+}
+
+TEST(Lower, WhateverIsEndlessIsInterrupted) {
+    ExpectInterruption("L1: JMP L1 RET ");
+    ExpectInterruption("L1: MOV @x #A0 ADD 1 #A0 MOV #A0 @x JMP L1 RET ");
+    ExpectInterruption("L1: MOV @b #A0 TST #A0 JMPF L1 RET ");
+    ExpectInterruption("L1: MOV @b #A0 TST #A0 JMPT L2 JMP L1 L2: RET ");
+    ExpectInterruption("L1: MOV @b #A0 TST #A0 JMPF L2 JMP L3 L2: JMP L1 L3: RET ");
+    ExpectInterruption("JMP L2 L1: MOV @x #A0 L2: MOV @y #A0 JMP L1 RET ");
+    QByteArray units = "F0: RESULT V INT 0 BODY: MOV @RESULT #A0 RET ";
+    for (int unit = 1; unit < 60; ++unit) {
+        const QByteArray call = "CAL F" + QByteArray::number(unit - 1) + " MOV $POP #NIL ";
+        units += "F" + QByteArray::number(unit) + ": RESULT V INT 0 BODY: " + call + call +
+                 "MOV @RESULT #A0 RET ";
+    }
+    ExpectInterruption("CAL F59 MOV $POP #NIL RET ", units);
 }
 
 // ---------------------------------------------------------------------------------------------
