@@ -4,9 +4,11 @@
 #include "facts/input.h"
 #include "machine/test_skeleton.h"
 #include "options.h"
+#include "reports/interrupt.h"
 #include "reports/make_report.h"
 #include "reports/make_test_report.h"
 #include "reports/terminal_text.h"
+#include "reports/test_text.h"
 #include "subcommands.h"
 
 #include <QDir>
@@ -68,9 +70,9 @@ QString ScriptOf(const QString& table, const TestPreamble& preamble) {
 // ---------------------------------------------------------------------------------------------
 
 void Fail(TestedFile& tested, Place place, const QString& message) {
-    tested.failure = QStringLiteral("%1:%2:%3: %4")
-                         .arg(tested.path, QString::number(place.line),
-                              QString::number(place.column), Harmless(message));
+    const QString at =
+        place.line == 0 ? QString() : QStringLiteral(":%1:%2").arg(place.line).arg(place.column);
+    tested.failure = tested.path + at + QStringLiteral(": ") + Harmless(message);
 }
 
 // Choices of the table come after those of its file. False if something is wrong with it.
@@ -112,6 +114,7 @@ void PlanJob(const TestText& text, TestJob& job) {
     const Loaded& loaded = job.tested.loaded;
     subject.checks = text.preamble.checks;
     subject.tickStep = text.preamble.tickStep;
+    subject.interrupt = &Interrupts();
     if (loaded.facts) {
         subject.uninitialized = VariablesWithoutValue(*loaded.facts, loaded.code);
     }
@@ -261,9 +264,14 @@ Status ReportAll(const std::vector<TestJob>& jobs, const TestArguments& argument
         ReportCoverage(jobs, *report);
     }
     report->end(summary);
-    return hasFailures                                ? STATUS_FAILED
-           : summary.failed > 0 || summary.broken > 0 ? STATUS_NOT_FINE
-                                                      : STATUS_FINE;
+    if (summary.skipped > 0) {
+        Complain(
+            QStringLiteral("interrupted; %1 not executed")
+                .arg(CasesText(summary.skipped) +
+                     (summary.skipped == 1 ? QStringLiteral(" was") : QStringLiteral(" were"))));
+    }
+    const bool isFine = summary.failed == 0 && summary.broken == 0 && summary.skipped == 0;
+    return hasFailures ? STATUS_FAILED : isFine ? STATUS_FINE : STATUS_NOT_FINE;
 }
 
 Status RunTests(const TestArguments& arguments) {
@@ -278,6 +286,7 @@ Status RunTests(const TestArguments& arguments) {
                      .arg(TextOfArgument(arguments.caseText)));
         return STATUS_FAILED;
     }
+    RememberInterrupts();
     Execute(jobs, arguments.jobs);
     const Status status = ReportAll(jobs, arguments);
     return found.failures.isEmpty() ? status : STATUS_FAILED;

@@ -2,9 +2,12 @@
 
 #include "machine/machine.h"
 
+#include <QElapsedTimer>
+
 #include <algorithm>
 #include <deque>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -16,7 +19,11 @@ public:
         : subject_(subject),
           planned_(planned),
           machine_(subject.code, subject.profile, subject.checks) {
+        remember();
         machine_.setTickStep(subject.tickStep);
+        if (subject.interrupt != nullptr) {
+            machine_.setInterrupt(*subject.interrupt);
+        }
         for (const UnitVariable& each : subject.uninitialized) {
             machine_.setUninitialized(each.unit, each.variable);
         }
@@ -26,13 +33,15 @@ public:
     }
 
     CaseResult run() {
+        timer_.start();
         result_.name = planned_.name;
         result_.line = planned_.line;
         for (const PlannedRow& row : planned_.rows) {
-            if (!result_.failure) {
+            if (!result_.failure && !result_.isSkipped) {
                 runRow(row);
             }
         }
+        result_.seconds = static_cast<double>(timer_.nsecsElapsed()) / 1e9;
         result_.cycles = machine_.cycles();
         result_.notes = machine_.notes();
         result_.executions = machine_.executions();
@@ -48,13 +57,14 @@ private:
     const TestSubject& subject_;
     const PlannedCase& planned_;
     Machine machine_;
+    QElapsedTimer timer_;
     CaseResult result_;
     std::map<int, Value> inputs_;  // of VAR_INPUT, which come in before each cycle
-    std::vector<int> variables_;   // that are remembered
+    std::vector<int> variables_;   // of all columns, each once
+    std::set<int> given_;          // those that rows have set or forced
     std::deque<PastCycle> past_;
 
     void runRow(const PlannedRow& row) {
-        remember(row.variables);
         for (const TestSetting& setting : row.settings) {
             put(setting);
         }
@@ -69,11 +79,14 @@ private:
         failIf(row, ColumnUse::AskAtEnd);
     }
 
-    // Other variables are no continuation of those of the rows before.
-    void remember(const std::vector<int>& variables) {
-        if (variables_ != variables) {
-            variables_ = variables;
-            past_.clear();
+    void remember() {
+        for (const PlannedRow& row : planned_.rows) {
+            for (const int variable : row.variables) {
+                if (std::find(variables_.begin(), variables_.end(), variable) ==
+                    variables_.end()) {
+                    variables_.push_back(variable);
+                }
+            }
         }
     }
 
@@ -82,7 +95,10 @@ private:
         const Value& value = setting.setting.value;
         if (variable == TICK_VARIABLE) {
             machine_.setTick(static_cast<quint32>(value.whole));
-        } else if (setting.isRelease) {
+            return;
+        }
+        given_.insert(variable);
+        if (setting.isRelease) {
             machine_.release(variable);
         } else if (setting.use == ColumnUse::Force) {
             machine_.force(variable, value);
@@ -101,12 +117,20 @@ private:
         }
     }
 
-    // False if the case has failed.
+    bool isInterrupted() const {
+        return machine_.interruption() || (subject_.interrupt != nullptr && *subject_.interrupt);
+    }
+
+    // False if the case has ended.
     bool executeCycle(const PlannedRow& row) {
         for (const auto& [variable, value] : inputs_) {
             machine_.set(variable, value);
         }
-        const bool isWhole = machine_.cycle();
+        const bool isWhole = !isInterrupted() && machine_.cycle();
+        if (isInterrupted()) {
+            result_.isSkipped = true;
+            return false;
+        }
         past_.push_back({machine_.cycles() + (isWhole ? 0 : 1), {}});
         for (const int variable : variables_) {
             past_.back().values.push_back(valueOf(variable));
@@ -184,27 +208,36 @@ private:
     // The last cycles
     // -----------------------------------------------------------------------------------------
 
-    // Those of the variables that failed, and of the others that have changed.
+    // Those of the variables that failed, and of the others that have changed. What was asked or
+    // given besides is told once.
     LastCycles lastCycles(const PlannedRow& row, const std::vector<CellFailure>& cells) const {
         LastCycles last;
         for (const PastCycle& past : past_) {
             last.cycles.push_back(past.cycle);
         }
         last.values.resize(past_.size());
-        std::vector<int> shown;
         for (const bool hasFailed : {true, false}) {
             for (std::size_t index = 0; index < variables_.size(); ++index) {
-                const bool isNew =
-                    std::find(shown.begin(), shown.end(), variables_[index]) == shown.end();
-                const bool isWanted =
-                    hasFailed ? isIn(variables_[index], row, cells) : hasChanged(index);
-                if (isNew && isWanted) {
-                    shown.push_back(variables_[index]);
-                    add(index, last);
+                if (isIn(variables_[index], row, cells) == hasFailed) {
+                    addIfShown(index, hasFailed, row, last);
                 }
             }
         }
         return last;
+    }
+
+    void addIfShown(std::size_t index, bool hasFailed, const PlannedRow& row,
+                    LastCycles& last) const {
+        const int variable = variables_[index];
+        const bool isAsked = std::any_of(
+            row.questions.begin(), row.questions.end(),
+            [variable](const TestQuestion& question) { return question.variable == variable; });
+        if (hasFailed || hasChanged(index)) {
+            add(index, last);
+        } else if (isAsked || given_.count(variable) > 0) {
+            last.unchanged.append(NameOfVariable(subject_.code.program(), variable) + u' ' +
+                                  textOf(past_.back().values[index]));
+        }
     }
 
     static bool isIn(int variable, const PlannedRow& row, const std::vector<CellFailure>& cells) {

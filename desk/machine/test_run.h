@@ -5,6 +5,7 @@
 #include "machine/test_plan.h"
 #include "machine/watch.h"
 
+#include <atomic>
 #include <optional>
 #include <vector>
 
@@ -15,7 +16,8 @@ struct TestSubject {
     Checks checks;
     quint32 tickStep = 0;
     std::vector<UnitVariable> uninitialized;
-    bool isCounting = false;  // how often each instruction is executed
+    bool isCounting = false;                       // how often each instruction is executed
+    const std::atomic<bool>* interrupt = nullptr;  // ends all cases once it is set
 };
 
 // A cell that does not say what has come out.
@@ -31,6 +33,7 @@ struct LastCycles {
     QStringList names;
     std::vector<qint64> cycles;       // their numbers from 1
     std::vector<QStringList> values;  // of each cycle
+    QStringList unchanged;            // others that belong to it: "start TRUE"
 };
 
 struct TestFailure {
@@ -44,7 +47,9 @@ struct TestFailure {
 struct CaseResult {
     QString name;
     int line = 0;
-    qint64 cycles = 0;  // that were executed
+    qint64 cycles = 0;       // that were executed
+    double seconds = 0.0;    // that they took
+    bool isSkipped = false;  // not executed, or not to its end, as it was interrupted
     std::optional<TestFailure> failure;
     Notes notes;
     std::vector<qint64> executions;  // of each instruction, if they are counted

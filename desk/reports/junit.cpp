@@ -6,6 +6,8 @@
 
 #include <QXmlStreamWriter>
 
+#include <numeric>
+
 namespace {
 
 class JunitReport : public TestReport {
@@ -23,6 +25,7 @@ public:
     void file(const TestedFile& file) override {
         xml_.writeStartElement(QStringLiteral("testsuite"));
         attribute("name", file.path);
+        attribute("file", file.path);
         counts(file);
         if (!file.isExecuted()) {
             broken(file);
@@ -59,12 +62,20 @@ private:
         attribute("tests", QString::number(summary.cases + summary.broken));
         attribute("failures", QString::number(summary.failed));
         attribute("errors", QString::number(summary.broken));
+        attribute("skipped", QString::number(summary.skipped));
+        const double seconds = std::accumulate(
+            file.cases.begin(), file.cases.end(), 0.0,
+            [](double sum, const CaseResult& each) { return sum + each.seconds; });
+        attribute("time", secondsText(seconds));
     }
+
+    static QString secondsText(double seconds) { return QString::number(seconds, 'f', 3); }
 
     void beginCase(const TestedFile& file, const QString& name) {
         xml_.writeStartElement(QStringLiteral("testcase"));
         attribute("classname", file.path);
         attribute("name", name);
+        attribute("file", file.path);
     }
 
     void broken(const TestedFile& file) {
@@ -75,7 +86,12 @@ private:
 
     void caseOf(const TestedFile& file, const CaseResult& each) {
         beginCase(file, each.name);
-        if (HasFailed(each, options_.isStrict)) {
+        attribute("line", QString::number(each.line));
+        attribute("time", secondsText(each.seconds));
+        if (each.isSkipped) {
+            xml_.writeEmptyElement(QStringLiteral("skipped"));
+            attribute("message", QStringLiteral("interrupted"));
+        } else if (HasFailed(each, options_.isStrict)) {
             outcome("failure", FailureLines(file, each, options_.isStrict),
                     LastCyclesLines(each));
         } else if (!options_.isQuiet && !each.notes.empty()) {

@@ -41,7 +41,10 @@ public:
         comment(CoverageLines(script, options_.coverage));
     }
 
-    void end(const TestSummary&) override { Print(QStringLiteral("1..%1\n").arg(number_)); }
+    void end(const TestSummary& summary) override {
+        Print(summary.skipped == 0 ? QStringLiteral("1..%1\n").arg(number_)
+                                   : QStringLiteral("Bail out!  interrupted\n"));
+    }
 
 private:
     TestReportOptions options_;
@@ -56,6 +59,9 @@ private:
     }
 
     void caseOf(const TestedFile& file, const CaseResult& each) {
+        if (each.isSkipped) {
+            return;
+        }
         const bool isFine = !HasFailed(each, options_.isStrict);
         result(isFine, file.path + QStringLiteral(": ") + each.name);
         if (!isFine) {

@@ -51,7 +51,11 @@ void HumanTestReport::file(const TestedFile& file) {
         return;
     }
     for (const CaseResult& result : file.cases) {
-        HasFailed(result, options_.isStrict) ? failed(file, result) : passed(file, result);
+        if (HasFailed(result, options_.isStrict)) {
+            failed(file, result);
+        } else if (!result.isSkipped) {
+            passed(file, result);
+        }
     }
     countOf(file);
 }
@@ -95,10 +99,15 @@ void HumanTestReport::countOf(const TestedFile& file) const {
         return;
     }
     const QString count =
-        summary.failed == 0 ? painted(GREEN, CasesText(summary.cases) + QStringLiteral(" passed"))
-                            : painted(RED, QStringLiteral("%1 of %2 failed")
-                                               .arg(summary.failed)
-                                               .arg(CasesText(summary.cases)));
+        summary.skipped > 0 ? QStringLiteral("%1 of %2 executed, %3 failed")
+                                  .arg(summary.cases - summary.skipped)
+                                  .arg(CasesText(summary.cases))
+                                  .arg(summary.failed)
+        : summary.failed == 0
+            ? painted(GREEN, CasesText(summary.cases) + QStringLiteral(" passed"))
+            : painted(RED, QStringLiteral("%1 of %2 failed")
+                               .arg(summary.failed)
+                               .arg(CasesText(summary.cases)));
     Print(QStringLiteral("%1: %2\n").arg(Harmless(file.path), count));
 }
 

@@ -42,8 +42,9 @@ bool HasFailed(const CaseResult& result, bool isStrict);
 struct TestSummary {
     int files = 0;
     int cases = 0;
-    int failed = 0;  // of the cases
-    int broken = 0;  // files whose cases could not be executed
+    int failed = 0;   // of the cases
+    int skipped = 0;  // of the cases
+    int broken = 0;   // files whose cases could not be executed
 
     void add(const TestedFile& file, bool isStrict);
 };

@@ -52,6 +52,20 @@ QStringList Aligned(const std::vector<QStringList>& rows) {
     return lines;
 }
 
+QStringList LastCyclesTable(const LastCycles& last) {
+    if (last.names.isEmpty()) {
+        return {};
+    }
+    const QString head = QStringLiteral("cycle");
+    const int width = std::max(head.size(), QString::number(last.cycles.back()).size());
+    std::vector<QStringList> rows = {QStringList{head.leftJustified(width)} + last.names};
+    for (std::size_t index = 0; index < last.cycles.size(); ++index) {
+        const QString cycle = QString::number(last.cycles[index]);
+        rows.push_back(QStringList{cycle.leftJustified(width)} + last.values[index]);
+    }
+    return Aligned(rows);
+}
+
 // ---------------------------------------------------------------------------------------------
 // Coverage
 // ---------------------------------------------------------------------------------------------
@@ -150,18 +164,15 @@ QStringList NoteLines(const TestedFile& file, const CaseResult& result) {
 }
 
 QStringList LastCyclesLines(const CaseResult& result) {
-    if (!result.failure || result.failure->last.names.isEmpty()) {
+    if (!result.failure) {
         return {};
     }
     const LastCycles& last = result.failure->last;
-    const QString head = QStringLiteral("cycle");
-    const int width = std::max(head.size(), QString::number(last.cycles.back()).size());
-    std::vector<QStringList> rows = {QStringList{head.leftJustified(width)} + last.names};
-    for (std::size_t index = 0; index < last.cycles.size(); ++index) {
-        const QString cycle = QString::number(last.cycles[index]);
-        rows.push_back(QStringList{cycle.leftJustified(width)} + last.values[index]);
-    }
-    return Aligned(rows);
+    const QStringList unchanged = last.unchanged.isEmpty()
+                                      ? QStringList()
+                                      : QStringList{QStringLiteral("unchanged: ") +
+                                                    last.unchanged.join(QStringLiteral(", "))};
+    return LastCyclesTable(last) + unchanged;
 }
 
 QStringList BrokenLines(const TestedFile& file) {

@@ -16,7 +16,7 @@ std::unique_ptr<TestReport> MakeJunitReport(const TestReportOptions& options);
 QStringList FailureLines(const TestedFile& file, const CaseResult& result, bool isStrict);
 // The notes of the checks, a line each.
 QStringList NoteLines(const TestedFile& file, const CaseResult& result);
-// A table of the last cycles; empty if there is none.
+// A table of the last cycles, and what has not changed in them; empty if there is none.
 QStringList LastCyclesLines(const CaseResult& result);
 // Why no case of the file was executed, in one line each.
 QStringList BrokenLines(const TestedFile& file);

@@ -108,7 +108,15 @@ class Junit(ReaderTestCase):
             self.assertEqual(int(suite.get("tests")), len(suite.findall("testcase")))
             self.assertEqual(int(suite.get("failures")), len(suite.findall("*/failure")))
             self.assertEqual(int(suite.get("errors")), len(suite.findall("*/error")))
+            self.assertEqual(suite.get("file"), suite.get("name"))
+            self.assertGreaterEqual(float(suite.get("time")), 0.0)
         self.assertIn("store-overflow", suites[-1].findtext("testcase/system-out"))
+
+    def test_cases_have_their_places_and_times(self):
+        suite = ElementTree.fromstring(self.written("--format=junit")).find("testsuite")
+        for case, line in zip(suite, ("2", "6")):
+            self.assertEqual((case.get("file"), case.get("line")), (suite.get("name"), line))
+            self.assertRegex(case.get("time"), r"^\d+\.\d{3}$")
 
     @unittest.skipUnless(junitparser, "junitparser is not installed")
     def test_junitparser(self):
