@@ -1,5 +1,7 @@
 #include "options.h"
 
+#include <limits>
+
 void AddColorOption(CLI::App& command, ColorWish& wish) {
     const std::map<std::string, ColorWish> wishes = {
         {"auto", ColorWish::Auto}, {"always", ColorWish::Always}, {"never", ColorWish::Never}};
@@ -12,7 +14,9 @@ void AddCountOption(CLI::App& command, const char* option, int& count, const cha
         ->check([](const std::string& text) {
             bool isNumber = false;
             const int number = QString::fromStdString(text).toInt(&isNumber);
-            return isNumber && number > 0 ? std::string() : text + " is no number from 1 on";
+            const std::string most = std::to_string(std::numeric_limits<int>::max());
+            return isNumber && number > 0 ? std::string()
+                                          : text + " is no whole number from 1 to " + most;
         });
 }
 

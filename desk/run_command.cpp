@@ -2,6 +2,7 @@
 
 #include "check/file_check.h"
 #include "facts/input.h"
+#include "machine/engine_objects.h"
 #include "machine/load.h"
 #include "options.h"
 #include "reports/interrupt.h"
@@ -65,15 +66,20 @@ Status ReportUnready(const Loaded& loaded, const QString& path, bool hasColors) 
 // The run
 // ---------------------------------------------------------------------------------------------
 
-void Prepare(Machine& machine, const Loaded& loaded, const RunPlan& plan, quint32 tick) {
-    machine.setTickStep(tick);
+void Prepare(Machine& machine, const Loaded& loaded, const RunPlan& plan,
+             const RunArguments& arguments) {
+    machine.setTickStep(arguments.tick);
+    machine.setInterrupt(Interrupts());
+    if (arguments.isFast) {
+        machine.setUncounted();
+    }
     if (loaded.facts) {
         for (const UnitVariable& each : VariablesWithoutValue(*loaded.facts, loaded.code)) {
             machine.setUninitialized(each.unit, each.variable);
         }
     }
     for (const Setting& setting : plan.settings) {
-        machine.set(setting.variable, setting.value);
+        Put(setting, machine);
     }
     for (const Setting& setting : plan.forced) {
         machine.force(setting.variable, setting.value);
@@ -142,7 +148,16 @@ Status ComplainOfFile(const QString& path) {
     return STATUS_FAILED;
 }
 
-Status StatusOf(const RunArguments& arguments, const RunPlan& plan, const Machine& machine) {
+void ComplainOfInterruption(const Loaded& loaded, const Machine& machine) {
+    const QString place = machine.interruption()
+                              ? QStringLiteral(", in the next one at ") +
+                                    PlaceOf(loaded, machine.interruption()->item)
+                              : QString();
+    Complain(QStringLiteral("interrupted after %1 cycles").arg(machine.cycles()) + place);
+}
+
+Status StatusOf(const RunArguments& arguments, const RunPlan& plan, const Loaded& loaded,
+                const Machine& machine) {
     if (machine.stop()) {
         return STATUS_NOT_FINE;
     }
@@ -150,7 +165,7 @@ Status StatusOf(const RunArguments& arguments, const RunPlan& plan, const Machin
         return STATUS_FINE;
     }
     if (IsInterrupted()) {
-        Complain(QStringLiteral("interrupted after %1 cycles").arg(machine.cycles()));
+        ComplainOfInterruption(loaded, machine);
         return STATUS_NOT_FINE;
     }
     if (plan.until) {
@@ -170,11 +185,16 @@ std::vector<int> VariablesOf(const std::vector<Setting>& settings) {
 
 RunDescription DescriptionOf(const RunArguments& arguments, const RunPlan& plan,
                              const QString& script) {
-    std::vector<int> columns = VariablesOf(plan.settings);
-    columns.insert(columns.end(), plan.inputs.variables.begin(), plan.inputs.variables.end());
-    return {script,         ChangedChoices(plan.profile),
-            arguments.tick, !arguments.watched.empty(),
-            plan.variables, columns};
+    std::vector<int> given = VariablesOf(plan.settings);
+    given.insert(given.end(), plan.inputs.variables.begin(), plan.inputs.variables.end());
+    return {script,
+            ChangedChoices(plan.profile),
+            ChangesOf(plan.checks),
+            arguments.tick,
+            !arguments.watched.empty(),
+            plan.variables,
+            given,
+            plan.written};
 }
 
 // The machine must be ready.
@@ -187,7 +207,7 @@ Status RunOn(Machine& machine, const RunArguments& arguments, const RunPlan& pla
     if (!outputs.failure().isEmpty()) {
         return ComplainOfFile(outputs.failure());
     }
-    Prepare(machine, loaded, plan, arguments.tick);
+    Prepare(machine, loaded, plan, arguments);
     RememberInterrupts();
     {
         Progress progress(plan.cycles);
@@ -195,7 +215,7 @@ Status RunOn(Machine& machine, const RunArguments& arguments, const RunPlan& pla
     }
     outputs.finish(machine);
     ReportRun(arguments, plan, loaded, machine);
-    return outputs.failure().isEmpty() ? StatusOf(arguments, plan, machine)
+    return outputs.failure().isEmpty() ? StatusOf(arguments, plan, loaded, machine)
                                        : ComplainOfFile(outputs.failure());
 }
 
@@ -209,6 +229,20 @@ Status RunPlanned(const RunArguments& arguments, const RunPlan& plan, const Load
     return RunOn(machine, arguments, plan, loaded);
 }
 
+// Gives names to the objects of the engine; those that the script writes.
+std::vector<int> NameObjects(Code& code) {
+    const EngineUses uses = EngineUsesOf(code);
+    NameEngineObjects(uses, code.units.back());
+    const std::vector<Declaration>& declarations = code.program().declarations;
+    std::vector<int> written;
+    for (std::size_t index = 0; index < declarations.size(); ++index) {
+        if (UseOf(uses, declarations[index]).isWritten) {
+            written.push_back(static_cast<int>(index));
+        }
+    }
+    return written;
+}
+
 Status RunRun(const RunArguments& arguments) {
     const QString path = TextOfArgument(arguments.path);
     QString fault = WhatIsWrongWithFiles(arguments);
@@ -216,11 +250,12 @@ Status RunRun(const RunArguments& arguments) {
         Complain(fault);
         return STATUS_FAILED;
     }
-    const Loaded loaded = Load(path);
+    Loaded loaded = Load(path);
     if (!loaded.isReady()) {
         return ReportUnready(loaded, path, HasColors(arguments.color, STDOUT_FILENO));
     }
     RunPlan plan;
+    plan.written = NameObjects(loaded.code);
     fault = ReadPlan(arguments, loaded.code.program(), plan);
     if (!fault.isEmpty()) {
         Complain(fault);
@@ -256,7 +291,12 @@ Runner DeclareRun(CLI::App& command) {
         ->required();
     AddCountOption(command, "--cycles", into.cycles, "How many cycles are executed, 1");
     command.add_option("--tick", into.tick, "What a cycle adds to the tick counter, 100")
-        ->option_text("T");
+        ->option_text("T")
+        ->check([](const std::string& text) {
+            bool isNumber = false;
+            QString::fromStdString(text).toUInt(&isNumber);
+            return isNumber ? std::string() : text + " is no whole number from 0 to 4294967295";
+        });
     AddTextOption(command, "--inputs", into.inputs, "FILE",
                   "A table of what is put in before the cycles");
     AddTextsOption(command, "--set", into.settings, "NAME=VALUE",
@@ -275,6 +315,8 @@ Runner DeclareRun(CLI::App& command) {
                   "What the machine does where the code leaves it open");
     AddTextsOption(command, "--check", into.checks, "NAME=ACTION",
                    "Turn a check off, or make it a note or a stop");
+    command.add_flag("--fast", into.isFast,
+                     "Without checks, but for those of --check, and without counts");
     AddTextOption(command, "--record", into.test, "FILE", "Write what happened as a test");
     command.add_flag("--quiet", into.isQuiet, "No table of the variables and no notes");
     AddColorOption(command, into.color);

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <limits>
@@ -29,10 +30,20 @@ QString ReadFile(const std::string& path, const Reader& read) {
     return fault.isEmpty() ? fault : TextOfArgument(path) + QStringLiteral(": ") + fault;
 }
 
+QString ReadCheck(const QString& text, Checks& checks) {
+    return text.contains(u'=')
+               ? checks.set(text.section(u'=', 0, 0), text.section(u'=', 1))
+               : QStringLiteral(
+                     "NAME=ACTION is expected, where ACTION is off, note or stop, "
+                     "not \"%1\"")
+                     .arg(text);
+}
+
+// A fast run has the checks that are named.
 QString ReadChecks(const RunArguments& arguments, RunPlan& plan) {
+    plan.checks = arguments.isFast ? NoChecks() : Checks();
     for (const std::string& argument : arguments.checks) {
-        const QString text = TextOfArgument(argument);
-        const QString fault = plan.checks.set(text.section(u'=', 0, 0), text.section(u'=', 1));
+        const QString fault = ReadCheck(TextOfArgument(argument), plan.checks);
         if (!fault.isEmpty()) {
             return About("--check", fault);
         }
@@ -53,9 +64,23 @@ QString ReadSettings(const char* option, const std::vector<std::string>& texts,
     return {};
 }
 
+QString ReadForced(const RunArguments& arguments, const CodeUnit& program, RunPlan& plan) {
+    const QString fault = ReadSettings("--force", arguments.forced, program, plan.forced);
+    const bool hasTick =
+        std::any_of(plan.forced.begin(), plan.forced.end(),
+                    [](const Setting& setting) { return setting.variable == TICK_VARIABLE; });
+    return hasTick ? About("--force", QStringLiteral("TICK can be set, not forced")) : fault;
+}
+
 QString ReadUntil(const RunArguments& arguments, const CodeUnit& program, RunPlan& plan) {
+    static const QRegularExpression tick(QStringLiteral("^\\s*TICK\\s*[=<>]"),
+                                         QRegularExpression::CaseInsensitiveOption);
     if (arguments.until.empty()) {
         return {};
+    }
+    if (TextOfArgument(arguments.until).contains(tick)) {
+        return About("--until", QStringLiteral("TICK goes on by --tick in each cycle, so "
+                                               "--cycles says how far"));
     }
     const QString fault =
         ReadCondition(program, TextOfArgument(arguments.until), plan.until.emplace());
@@ -69,6 +94,10 @@ QString ReadWatched(const RunArguments& arguments, const CodeUnit& program, RunP
         std::iota(plan.variables.begin(), plan.variables.end(), 0);
     }
     for (const std::string& name : arguments.watched) {
+        if (IsTick(TextOfArgument(name).trimmed())) {
+            return About("--watch",
+                         QStringLiteral("TICK is in each trace, in the column \"tick\""));
+        }
         const FoundVariable found = FindVariable(program, TextOfArgument(name).trimmed());
         if (found.index == NOWHERE) {
             return About("--watch", found.fault);
@@ -135,7 +164,7 @@ QString ReadPlan(const RunArguments& arguments, const CodeUnit& program, RunPlan
     const auto then = [&fault](const auto& read) { fault = fault.isEmpty() ? read() : fault; };
     then([&] { return ReadChecks(arguments, plan); });
     then([&] { return ReadSettings("--set", arguments.settings, program, plan.settings); });
-    then([&] { return ReadSettings("--force", arguments.forced, program, plan.forced); });
+    then([&] { return ReadForced(arguments, program, plan); });
     then([&] { return ReadUntil(arguments, program, plan); });
     then([&] { return ReadWatched(arguments, program, plan); });
     then([&] {

@@ -25,6 +25,7 @@ struct RunArguments {
     std::string engine;
     std::vector<std::string> checks;
     std::string test;
+    bool isFast = false;
     bool isQuiet = false;
     ColorWish color = ColorWish::Auto;
 };
@@ -38,6 +39,7 @@ struct RunPlan {
     Inputs inputs;
     std::optional<Condition> until;
     std::vector<int> variables;  // to be shown
+    std::vector<int> written;    // the engine's objects that the script writes
     int cycles = 1;              // at most
 };
 

@@ -312,7 +312,7 @@ Status ReportUnready(const Loaded& loaded, const QString& script, bool hasColors
 Status WriteSkeleton(const Loaded& loaded, const QString& script) {
     const QFileInfo info(script);
     const QString table = info.dir().filePath(info.completeBaseName() + QStringLiteral(".test"));
-    const QByteArray text = SkeletonOf(loaded, info.fileName()).toUtf8();
+    const QByteArray text = SkeletonOf(loaded.code, info.fileName()).toUtf8();
     QFile file(QDir::cleanPath(table));
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
         Complain(file.fileName() + (file.exists() ? QStringLiteral(": is there already")

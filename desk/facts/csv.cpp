@@ -86,10 +86,22 @@ private:
             ++at_;
             row.cells.push_back(takeCell());
         }
+        expectNoTabs(row);
         skipLine();
         const bool isEmpty = row.cells.size() == 1 && row.cells.front().text.isEmpty();
         if (!isEmpty) {
             csv_.rows.push_back(std::move(row));
+        }
+    }
+
+    // A single cell with tabs at the begin of a table was meant as several.
+    void expectNoTabs(const CsvRow& row) {
+        const CsvCell& cell = row.cells.front();
+        const int tab = cell.text.indexOf(u'\t');
+        if (csv_.rows.empty() && row.cells.size() == 1 && tab >= 0 && !csv_.fault) {
+            csv_.fault = CsvFault{{cell.place.line, cell.place.column + tab},
+                                  QStringLiteral("tabs are between the cells; commas or "
+                                                 "semicolons are expected there")};
         }
     }
 

@@ -3,6 +3,7 @@
 #include "facts/csv.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 namespace {
@@ -21,6 +22,7 @@ public:
             fail({1, 1}, QStringLiteral("the table has no row with the names of its columns"));
         } else {
             readHead(csv_.rows.front());
+            expectRows();
         }
         for (std::size_t row = 1; result_.fault.isEmpty() && row < csv_.rows.size(); ++row) {
             readRow(csv_.rows[row]);
@@ -50,8 +52,15 @@ private:
         }
     }
 
+    void expectRows() {
+        if (csv_.rows.size() == 1) {
+            fail(csv_.rows.front().cells.front().place,
+                 QStringLiteral("no row with values follows the names"));
+        }
+    }
+
     void readName(const CsvCell& cell) {
-        const FoundVariable found = FindVariable(program_, cell.text);
+        const FoundVariable found = FindSettable(program_, cell.text);
         std::vector<int>& variables = result_.inputs.variables;
         if (found.index == NOWHERE) {
             fail(cell.place, found.fault);
@@ -82,8 +91,8 @@ private:
         const int number = cell.text.toInt(&isNumber);
         if (!isNumber || number < 1) {
             fail(cell.place,
-                 QStringLiteral("a number of cycles from 1 on is expected, not \"%1\"")
-                     .arg(cell.text));
+                 QStringLiteral("a number of cycles from 1 to %1 is expected, not \"%2\"")
+                     .arg(QString::number(std::numeric_limits<int>::max()), cell.text));
         }
         input.cycles = number;
     }
@@ -116,8 +125,21 @@ InputsResult ReadInputs(const QByteArray& text, const CodeUnit& program) {
     return InputsReader(ReadCsv(text), program).read();
 }
 
+void Put(const Setting& setting, Machine& machine) {
+    if (setting.variable == TICK_VARIABLE) {
+        machine.setTick(static_cast<quint32>(setting.value.whole));
+    } else {
+        machine.set(setting.variable, setting.value);
+    }
+}
+
 InputFeed::InputFeed(const Inputs& inputs, const CodeUnit& program)
-    : inputs_(inputs), program_(program), held_(program.declarations.size()) {}
+    : inputs_(inputs), program_(program) {}
+
+bool InputFeed::isInput(int variable) const {
+    return variable != TICK_VARIABLE &&
+           program_.declarations[static_cast<std::size_t>(variable)].section == Section::Input;
+}
 
 const std::vector<Setting>& InputFeed::feed(Machine& machine) {
     given_.clear();
@@ -129,8 +151,9 @@ const std::vector<Setting>& InputFeed::feed(Machine& machine) {
         cycleOfRow_ = 0;
     }
     for (const int variable : inputs_.variables) {
-        if (const auto& value = held_[static_cast<std::size_t>(variable)]) {
-            machine.set(variable, *value);
+        const auto held = held_.find(variable);
+        if (held != held_.end()) {
+            machine.set(variable, held->second);
         }
     }
     return given_;
@@ -139,11 +162,10 @@ const std::vector<Setting>& InputFeed::feed(Machine& machine) {
 void InputFeed::beginRow(Machine& machine) {
     given_ = inputs_.rows[row_].settings;
     for (const Setting& setting : given_) {
-        const auto index = static_cast<std::size_t>(setting.variable);
-        if (program_.declarations[index].section == Section::Input) {
-            held_[index] = setting.value;
+        if (isInput(setting.variable)) {
+            held_[setting.variable] = setting.value;
         } else {
-            machine.set(setting.variable, setting.value);
+            Put(setting, machine);
         }
     }
 }

@@ -9,7 +9,7 @@
 
 #include <QByteArray>
 
-#include <optional>
+#include <map>
 #include <vector>
 
 struct InputRow {
@@ -32,6 +32,9 @@ struct InputsResult {
 // Reads such a table.
 InputsResult ReadInputs(const QByteArray& text, const CodeUnit& program);
 
+// Sets a variable, or the tick counter.
+void Put(const Setting& setting, Machine& machine);
+
 // Puts the rows of inputs into a machine, cycle by cycle. A variable of VAR_INPUT is set before
 // every cycle from its first value on, whatever the script stores in it, others once. The inputs
 // and the program must outlive it.
@@ -48,7 +51,8 @@ private:
     std::size_t row_ = 0;
     qint64 cycleOfRow_ = 0;
     std::vector<Setting> given_;
-    std::vector<std::optional<Value>> held_;  // by the index of the variable
+    std::map<int, Value> held_;  // by the index of the variable
 
+    bool isInput(int variable) const;
     void beginRow(Machine& machine);
 };

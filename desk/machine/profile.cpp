@@ -64,6 +64,7 @@ constexpr CheckRow CHECK_ROWS[CHECKS_COUNT] = {
     {SCAN_LIMIT, Action::Stop},          {"uninitialized-read"_L1, Action::Note},
     {"unsound-code"_L1, Action::Stop},
 };
+constexpr std::size_t CHANGEABLE_CHECKS = static_cast<std::size_t>(Check::UnsoundCode);
 constexpr QLatin1String ACTIONS[] = {"off"_L1, "note"_L1, "stop"_L1};
 
 QString Quoted(const QString& text) {
@@ -157,13 +158,27 @@ Checks NoChecks() {
     return checks;
 }
 
+// The check of the stack is one with two defaults; that of unsound code cannot be changed.
+ChangedChecks ChangesOf(const Checks& checks) {
+    ChangedChecks changed;
+    for (std::size_t index = 0; index < CHANGEABLE_CHECKS; ++index) {
+        const Action action = checks.actionOf(static_cast<Check>(index));
+        const QString name = CHECK_ROWS[index].name;
+        const bool isKnown = !changed.empty() && changed.back().first == name;
+        if (action != CHECK_ROWS[index].action && !isKnown) {
+            changed.emplace_back(name, ACTIONS[static_cast<std::size_t>(action)]);
+        }
+    }
+    return changed;
+}
+
 QString Checks::set(const QString& name, const QString& action) {
     const auto* const found = std::find(std::begin(ACTIONS), std::end(ACTIONS), action);
     if (found == std::end(ACTIONS)) {
         return QStringLiteral("a check is %1, not %2").arg(OneOf(ACTIONS), Quoted(action));
     }
     bool isThere = false;
-    for (std::size_t index = 0; index < CHECKS_COUNT; ++index) {
+    for (std::size_t index = 0; index < CHANGEABLE_CHECKS; ++index) {
         if (CHECK_ROWS[index].name == name) {
             actions_[index] = static_cast<Action>(found - std::begin(ACTIONS));
             isThere = true;

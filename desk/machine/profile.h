@@ -10,6 +10,8 @@
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <utility>
+#include <vector>
 
 enum class Overflow : unsigned char { Wrap, Saturate, Stop };
 enum class Width : unsigned char { Wide, Typed };
@@ -85,6 +87,10 @@ private:
 
 // Checks of which none is on.
 Checks NoChecks();
+
+// The checks that differ from the defaults, each by its name and its action.
+using ChangedChecks = std::vector<std::pair<QString, QString>>;
+ChangedChecks ChangesOf(const Checks& checks);
 
 // The name of a check, by which it is set and explained: "store-overflow".
 QString NameOf(Check check);

@@ -8,6 +8,8 @@
 
 namespace {
 
+const QString TICK_NAME = QStringLiteral("TICK");
+
 constexpr QLatin1String SECTIONS[] = {"VAR"_L1,          "VAR_INPUT"_L1,     "VAR_OUTPUT"_L1,
                                       "VAR_GLOBAL"_L1,   "VAR_ARG"_L1,       "VAR_REF"_L1,
                                       "VAR_YXGLOBAL"_L1, "VAR_YXREGISTER"_L1};
@@ -51,10 +53,12 @@ QString RangeText(Typ type) {
     return QStringLiteral("a whole number from %1 to %2").arg(range.least).arg(range.greatest);
 }
 
+using Find = FoundVariable (*)(const CodeUnit& program, const QString& name);
+
 // Takes the name and the value apart at a sign of that length.
-QString ReadParts(const CodeUnit& program, const QString& text, int at, int length,
+QString ReadParts(const CodeUnit& program, const QString& text, int at, int length, Find find,
                   Setting& setting) {
-    const FoundVariable found = FindVariable(program, text.left(at).trimmed());
+    const FoundVariable found = find(program, text.left(at).trimmed());
     if (found.index == NOWHERE) {
         return found.fault;
     }
@@ -96,14 +100,29 @@ FoundVariable FindVariable(const CodeUnit& program, const QString& name) {
     return {NOWHERE, QStringLiteral("the program has no variable ") + Quoted(name) + proposal};
 }
 
+FoundVariable FindSettable(const CodeUnit& program, const QString& name) {
+    return IsTick(name) ? FoundVariable{TICK_VARIABLE, {}} : FindVariable(program, name);
+}
+
+bool IsTick(const QString& name) {
+    return name.compare(TICK_NAME, Qt::CaseInsensitive) == 0;
+}
+
+QString NameOfVariable(const CodeUnit& program, int variable) {
+    return variable == TICK_VARIABLE
+               ? TICK_NAME
+               : program.declarations[static_cast<std::size_t>(variable)].name;
+}
+
 QString ReadValueFor(const CodeUnit& program, int variable, const QString& text, Value& value) {
-    const Declaration& declaration = program.declarations[static_cast<std::size_t>(variable)];
-    if (ReadValue(text, declaration.type, value)) {
+    const Typ type = variable == TICK_VARIABLE
+                         ? Typ(TYP_UDINT)
+                         : program.declarations[static_cast<std::size_t>(variable)].type;
+    if (ReadValue(text, type, value)) {
         return {};
     }
     return QStringLiteral("%1 is %2, so it takes %3, not %4")
-        .arg(declaration.name, TypToStr(declaration.type), RangeText(declaration.type),
-             Quoted(text));
+        .arg(NameOfVariable(program, variable), TypToStr(type), RangeText(type), Quoted(text));
 }
 
 QString ReadSetting(const CodeUnit& program, const QString& text, Setting& setting) {
@@ -111,7 +130,7 @@ QString ReadSetting(const CodeUnit& program, const QString& text, Setting& setti
     if (at < 0) {
         return QStringLiteral("NAME=VALUE is expected, not ") + Quoted(text);
     }
-    return ReadParts(program, text, at, 1, setting);
+    return ReadParts(program, text, at, 1, FindSettable, setting);
 }
 
 QString ReadCondition(const CodeUnit& program, const QString& text, Condition& condition) {
@@ -122,7 +141,8 @@ QString ReadCondition(const CodeUnit& program, const QString& text, Condition& c
                          [rest](const ComparisonSign& row) { return rest.startsWith(row.text); });
         if (sign != std::end(SIGNS)) {
             condition.comparison = sign->comparison;
-            return ReadParts(program, text, at, sign->text.size(), condition.setting);
+            return ReadParts(program, text, at, sign->text.size(), FindVariable,
+                             condition.setting);
         }
     }
     return QStringLiteral("NAME=VALUE is expected, or <, >, <=, >=, <> instead of =, not ") +

@@ -6,6 +6,13 @@
 
 #include <QString>
 
+// Stands for the tick counter where the index of a variable is meant.
+constexpr int TICK_VARIABLE = -2;
+bool IsTick(const QString& name);
+
+// The name of a variable, or "TICK".
+QString NameOfVariable(const CodeUnit& program, int variable);
+
 // A variable by the index of its declaration, or why there is none.
 struct FoundVariable {
     int index = NOWHERE;
@@ -14,6 +21,8 @@ struct FoundVariable {
 
 // The variable of that name in any spelling; the fault names the nearest one.
 FoundVariable FindVariable(const CodeUnit& program, const QString& name);
+// The same, or the tick counter, for what is set once.
+FoundVariable FindSettable(const CodeUnit& program, const QString& name);
 
 // "VAR_INPUT"
 QLatin1String KeywordOf(Section section);
@@ -26,7 +35,7 @@ struct Setting {
 // Reads a value for a variable of the program. What is wrong with it, empty if nothing is.
 QString ReadValueFor(const CodeUnit& program, int variable, const QString& text, Value& value);
 
-// Reads "NAME=VALUE". What is wrong with it, empty if nothing is.
+// Reads "NAME=VALUE", where NAME may be TICK. What is wrong with it, empty if nothing is.
 QString ReadSetting(const CodeUnit& program, const QString& text, Setting& setting);
 
 enum class Comparison : unsigned char {

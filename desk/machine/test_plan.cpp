@@ -6,7 +6,6 @@
 
 namespace {
 
-const QString TICK_NAME = QStringLiteral("TICK");
 const QString RELEASE = QStringLiteral("-");
 
 QString Quoted(const QString& text) {
@@ -64,7 +63,7 @@ private:
     }
 
     int variableOf(const TestColumn& column) {
-        if (column.name.compare(TICK_NAME, Qt::CaseInsensitive) == 0) {
+        if (IsTick(column.name)) {
             if (column.use == ColumnUse::Force) {
                 fail(column.place, QStringLiteral("TICK can be set, not forced"));
             }
@@ -110,14 +109,6 @@ private:
             text.replace(u',', u'.');
         }
         Value value;
-        if (variable == TICK_VARIABLE) {
-            if (!ReadValue(text, TYP_UDINT, value)) {
-                fail(cell.place, QStringLiteral("TICK takes a whole number from 0 to 4294967295, "
-                                                "not %1")
-                                     .arg(Quoted(text)));
-            }
-            return value;
-        }
         fail(cell.place, ReadValueFor(program_, variable, text, value));
         return value;
     }
@@ -235,10 +226,4 @@ std::optional<CsvFault> DeclareObjects(const TestPreamble& preamble, CodeUnit& p
 
 TestPlan PlanTests(const TestText& text, const CodeUnit& program) {
     return Planner(text, program).plan();
-}
-
-QString NameOfVariable(const CodeUnit& program, int variable) {
-    return variable == TICK_VARIABLE
-               ? TICK_NAME
-               : program.declarations[static_cast<std::size_t>(variable)].name;
 }

@@ -4,9 +4,6 @@
 #include "machine/settings.h"
 #include "machine/test_table.h"
 
-// The variable that stands for the tick counter in columns.
-constexpr int TICK_VARIABLE = -2;
-
 struct TestSetting {
     ColumnUse use;  // Set or Force
     Setting setting;
@@ -50,6 +47,3 @@ std::optional<CsvFault> DeclareObjects(const TestPreamble& preamble, CodeUnit& p
 // Finds the variables and values of the rows; the program has the objects of the preamble
 // already.
 TestPlan PlanTests(const TestText& text, const CodeUnit& program);
-
-// The name of a variable that a column can have: of the program, or "TICK".
-QString NameOfVariable(const CodeUnit& program, int variable);

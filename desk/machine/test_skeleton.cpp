@@ -1,6 +1,7 @@
 #include "machine/test_skeleton.h"
 
 #include "facts/csv.h"
+#include "machine/engine_objects.h"
 #include "machine/machine.h"
 
 #include <QStringList>
@@ -20,25 +21,12 @@ const QString COMMENT = QStringLiteral(
     "those\n"
     "# that the script gives: see whether they are right.\n");
 
-// Whether the script uses an object of the engine in that way, or by reference.
-bool IsUsed(const Facts& facts, const Declaration& declaration, UseKind kind) {
-    const bool isEngine = declaration.section == Section::EngineGlobal ||
-                          declaration.section == Section::EngineRegister;
-    return isEngine && std::any_of(facts.uses.begin(), facts.uses.end(), [&](const UseFact& use) {
-               const NameFact& name = facts.names[static_cast<std::size_t>(use.name)];
-               return (use.kind == kind || use.kind == UseKind::Reference) &&
-                      name.kind == NameKind::Variable &&
-                      FoldedName(facts.textOf(name.text).toString()) ==
-                          FoldedName(declaration.name);
-           });
+bool IsInput(const EngineUses& uses, const Declaration& declaration) {
+    return declaration.section == Section::Input || UseOf(uses, declaration).isRead;
 }
 
-bool IsInput(const Facts& facts, const Declaration& declaration) {
-    return declaration.section == Section::Input || IsUsed(facts, declaration, UseKind::Read);
-}
-
-bool IsOutput(const Facts& facts, const Declaration& declaration) {
-    return declaration.section == Section::Output || IsUsed(facts, declaration, UseKind::Write);
+bool IsOutput(const EngineUses& uses, const Declaration& declaration) {
+    return declaration.section == Section::Output || UseOf(uses, declaration).isWritten;
 }
 
 struct SkeletonColumn {
@@ -53,14 +41,14 @@ QString CellOf(const Machine& machine, int variable) {
     return machine.stop() || !isNumber ? QString() : TextOf(value);
 }
 
-std::vector<SkeletonColumn> ColumnsOf(const Loaded& loaded) {
-    Machine machine(loaded.code, Profile(), Checks());
+std::vector<SkeletonColumn> ColumnsOf(const Code& code, const EngineUses& uses) {
+    Machine machine(code, Profile(), Checks());
     machine.setTickStep(TICK_STEP);
-    const std::vector<Declaration>& declarations = loaded.code.program().declarations;
+    const std::vector<Declaration>& declarations = code.program().declarations;
     std::vector<SkeletonColumn> columns = {{QStringLiteral("cycles"), QStringLiteral("1")}};
     const auto add = [&](auto isWanted, const QString& mark) {
         for (std::size_t index = 0; index < declarations.size(); ++index) {
-            if (isWanted(*loaded.facts, declarations[index])) {
+            if (isWanted(uses, declarations[index])) {
                 columns.push_back(
                     {declarations[index].name + mark, CellOf(machine, static_cast<int>(index))});
             }
@@ -87,8 +75,14 @@ QString RowsOf(const std::vector<SkeletonColumn>& columns) {
 
 }  // namespace
 
-QString SkeletonOf(const Loaded& loaded, const QString& script) {
-    return COMMENT + QStringLiteral("script, ") + CsvText(script) +
-           QStringLiteral("\ntick, %1\n\ncase, the first cycle\n").arg(TICK_STEP) +
-           RowsOf(ColumnsOf(loaded));
+QString SkeletonOf(Code code, const QString& script) {
+    const EngineUses uses = EngineUsesOf(code);
+    NameEngineObjects(uses, code.units.back());
+    QString head = QStringLiteral("script, ") + CsvText(script) +
+                   QStringLiteral("\ntick, %1\n").arg(TICK_STEP);
+    for (const Declaration& declaration : code.program().declarations) {
+        head += IsNamedByNumber(declaration) ? LineOfObject(declaration) : QString();
+    }
+    return COMMENT + head + QStringLiteral("\ncase, the first cycle\n") +
+           RowsOf(ColumnsOf(code, uses));
 }

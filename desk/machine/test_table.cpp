@@ -5,6 +5,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -150,8 +151,10 @@ private:
         bool isNumber = false;
         text_.preamble.tickStep = row.cells[1].text.toUInt(&isNumber);
         if (!isNumber) {
-            fail(row.cells[1].place, QStringLiteral("a whole number of ticks is expected, not %1")
-                                         .arg(Quoted(row.cells[1].text)));
+            fail(
+                row.cells[1].place,
+                QStringLiteral("a whole number of ticks from 0 to 4294967295 is expected, not %1")
+                    .arg(Quoted(row.cells[1].text)));
         }
     }
 
@@ -311,9 +314,9 @@ private:
         row.cycles = match.captured(2).toInt();
         if (row.cycles < 1) {
             fail(cell.place,
-                 QStringLiteral("a number of cycles from 1 on is expected, or the most "
-                                "as <=5, not %1")
-                     .arg(Quoted(cell.text)));
+                 QStringLiteral("a number of cycles from 1 to %1 is expected, or the most "
+                                "as <=5, not %2")
+                     .arg(QString::number(std::numeric_limits<int>::max()), Quoted(cell.text)));
         }
     }
 

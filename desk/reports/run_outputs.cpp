@@ -1,6 +1,7 @@
 #include "reports/run_outputs.h"
 
 #include "facts/input.h"
+#include "machine/engine_objects.h"
 #include "reports/output.h"
 #include "reports/trace.h"
 
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <set>
 
 namespace {
 
@@ -39,11 +41,11 @@ RunOutputs::RunOutputs(const RunFiles& files, const RunDescription& description,
       isTraceShown_(files.trace == QLatin1String(STANDARD_INPUT)) {
     OpenIfNamed(trace_, files.trace);
     OpenIfNamed(chart_, files.chart);
-    writeTrace(
-        TraceHead(description.script, description.choices, namesOf(description.variables)));
+    writeTrace(TraceHead(description.script, description.choices, description.checks,
+                         namesOf(description.variables)));
     for (const int variable : description.variables) {
-        const Typ type = program.declarations[static_cast<std::size_t>(variable)].type;
-        series_.push_back({nameOf(variable), type, Series(MOST_PIECES)});
+        const Declaration& declaration = declarationOf(variable);
+        series_.push_back({declaration.name, declaration.type, Series(MOST_PIECES)});
     }
     if (!files.test.isEmpty()) {
         beginTest(files.test);
@@ -59,20 +61,20 @@ QString RunOutputs::failure() const {
     return failed == files.end() ? QString() : (*failed)->path();
 }
 
-QString RunOutputs::nameOf(int variable) const {
-    return program_.declarations[static_cast<std::size_t>(variable)].name;
-}
-
 QStringList RunOutputs::namesOf(const std::vector<int>& variables) const {
     QStringList names;
     for (const int variable : variables) {
-        names.append(nameOf(variable));
+        names.append(NameOfVariable(program_, variable));
     }
     return names;
 }
 
-Section RunOutputs::sectionOf(int variable) const {
-    return program_.declarations[static_cast<std::size_t>(variable)].section;
+const Declaration& RunOutputs::declarationOf(int variable) const {
+    return program_.declarations[static_cast<std::size_t>(variable)];
+}
+
+bool RunOutputs::isInput(int variable) const {
+    return variable != TICK_VARIABLE && declarationOf(variable).section == Section::Input;
 }
 
 void RunOutputs::writeTrace(std::string_view text) {
@@ -85,28 +87,52 @@ void RunOutputs::writeTrace(std::string_view text) {
 
 void RunOutputs::beginTest(const QString& path) {
     test_.emplace(path);
-    const int count = static_cast<int>(program_.declarations.size());
-    for (int variable = 0; variable < count; ++variable) {
-        const std::vector<int>& set = description_.columns;
-        if (sectionOf(variable) == Section::Input ||
-            std::find(set.begin(), set.end(), variable) != set.end()) {
-            test_->inputs.push_back(variable);
-        }
-        if (sectionOf(variable) == Section::Output) {
-            test_->outputs.push_back(variable);
-        }
-    }
+    test_->inputs = columnsOf(Section::Input, description_.given);
+    test_->outputs = columnsOf(Section::Output, description_.written);
+    std::vector<int> columns = test_->inputs;
+    columns.insert(columns.end(), test_->outputs.begin(), test_->outputs.end());
     const QDir folder = QFileInfo(path).absoluteDir();
     const QString script =
         folder.relativeFilePath(QFileInfo(description_.script).absoluteFilePath());
     test_->table.emplace(test_->file, TestHead{script, description_.tick, description_.choices,
+                                               description_.checks, objectsOf(columns),
                                                namesOf(test_->inputs), namesOf(test_->outputs)});
+}
+
+// The variables of a section and the others, in the order of their declarations.
+std::vector<int> RunOutputs::columnsOf(Section section, const std::vector<int>& others) const {
+    const int count = static_cast<int>(program_.declarations.size());
+    const auto isOther = [&others](int variable) {
+        return std::find(others.begin(), others.end(), variable) != others.end();
+    };
+    std::vector<int> columns;
+    if (isOther(TICK_VARIABLE)) {
+        columns.push_back(TICK_VARIABLE);
+    }
+    for (int variable = 0; variable < count; ++variable) {
+        if (declarationOf(variable).section == section || isOther(variable)) {
+            columns.push_back(variable);
+        }
+    }
+    return columns;
+}
+
+// Those that the script gives no name, each once.
+std::vector<Declaration> RunOutputs::objectsOf(const std::vector<int>& columns) const {
+    const std::set<int> each(columns.begin(), columns.end());
+    std::vector<Declaration> objects;
+    for (const int variable : each) {
+        if (variable != TICK_VARIABLE && IsNamedByNumber(declarationOf(variable))) {
+            objects.push_back(declarationOf(variable));
+        }
+    }
+    return objects;
 }
 
 // Of an input what the cycle begins with, of other variables what was set before it.
 QString RunOutputs::givenText(const Machine& machine, int variable,
                               const std::vector<Setting>& given) const {
-    if (sectionOf(variable) == Section::Input) {
+    if (isInput(variable)) {
         return TestTextOf(machine.value(variable));
     }
     const auto found =

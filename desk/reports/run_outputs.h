@@ -24,10 +24,14 @@ struct RunFiles {
 struct RunDescription {
     QString script;  // as it was named
     QStringList choices;
+    ChangedChecks checks;
     quint32 tick;
     bool isWatched;              // the variables were asked for
     std::vector<int> variables;  // of trace and chart
-    std::vector<int> columns;    // of the test, beside the inputs: what is set from outside
+    // Of the test, beside the inputs and the outputs: what is set from outside, the engine's
+    // objects that the script writes.
+    std::vector<int> given;
+    std::vector<int> written;
 };
 
 // Takes the values of each cycle. The program must outlive it.
@@ -63,11 +67,13 @@ private:
     std::vector<ChartSeries> series_;
     quint32 tick_ = 0;  // during the cycle
 
-    QString nameOf(int variable) const;
     QStringList namesOf(const std::vector<int>& variables) const;
-    Section sectionOf(int variable) const;
+    const Declaration& declarationOf(int variable) const;
+    bool isInput(int variable) const;
     void writeTrace(std::string_view text);
     void beginTest(const QString& path);
+    std::vector<int> columnsOf(Section section, const std::vector<int>& others) const;
+    std::vector<Declaration> objectsOf(const std::vector<int>& columns) const;
     QString givenText(const Machine& machine, int variable,
                       const std::vector<Setting>& given) const;
 };

@@ -141,6 +141,15 @@ QString LineOf(const Loaded& loaded, const Finding& finding) {
     return PlaceText(loaded.source, place) + u' ' + TextAbout(finding);
 }
 
+QString PlaceOf(const Loaded& loaded, int item) {
+    if (!loaded.isScript()) {
+        return QStringLiteral("%1: item %2").arg(loaded.source.name()).arg(item);
+    }
+    const Place place =
+        loaded.source.placeOf(SpanOfItem(loaded.source, *loaded.facts, item).begin);
+    return QStringLiteral("%1:%2:%3").arg(loaded.source.name()).arg(place.line).arg(place.column);
+}
+
 void ComplainOfFindings(const Loaded& loaded, const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
         Complain(LineOf(loaded, finding));
@@ -170,10 +179,13 @@ void PrintSummary(const Machine& machine, quint32 tickStep) {
     const QString stopped =
         machine.stop() ? QStringLiteral("; stopped in cycle %1").arg(machine.cycles() + 1)
                        : QString();
-    Print(QStringLiteral("%1 of %2, %3%4\n")
+    const QString instructions =
+        machine.isCounting() ? QStringLiteral(", ") +
+                                   Counted(machine.instructions(), QStringLiteral("instruction"))
+                             : QString();
+    Print(QStringLiteral("%1 of %2%3%4\n")
               .arg(Counted(machine.cycles(), QStringLiteral("cycle")),
-                   Counted(tickStep, QStringLiteral("tick")),
-                   Counted(machine.instructions(), QStringLiteral("instruction")), stopped));
+                   Counted(tickStep, QStringLiteral("tick")), instructions, stopped));
     if (machine.tickSetting()) {
         Print(QStringLiteral("TICK was set to %1\n").arg(*machine.tickSetting()));
     }

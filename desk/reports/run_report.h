@@ -26,13 +26,16 @@ Finding FindingOf(const RunStop& stop);
 void PrintFindings(const Loaded& loaded, const std::vector<Finding>& findings, bool hasColors);
 // "path:line:column: note: text [id]"
 QString LineOf(const Loaded& loaded, const Finding& finding);
+// "path:line:column" of what the item was written for, or "path: item 12"
+QString PlaceOf(const Loaded& loaded, int item);
 // The lines of findings on standard error.
 void ComplainOfFindings(const Loaded& loaded, const std::vector<Finding>& findings);
 
 // Shows why code cannot be read, with the items around the place.
 void PrintFault(const Loaded& loaded, const CodeFault& fault);
 
-// Shows the variables as a table, and how much was executed.
+// Shows the variables as a table, and how much was executed, with the instructions if they are
+// counted.
 void PrintVariables(const CodeUnit& program, const std::vector<int>& variables,
                     const Machine& machine);
 void PrintSummary(const Machine& machine, quint32 tickStep);

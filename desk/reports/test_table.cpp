@@ -1,6 +1,7 @@
 #include "reports/test_table.h"
 
 #include "facts/csv.h"
+#include "machine/engine_objects.h"
 
 namespace {
 
@@ -13,6 +14,12 @@ QString HeadText(const TestHead& head) {
                    LineOf(QStringLiteral("tick"), QString::number(head.tick));
     for (const QString& choice : head.choices) {
         text += LineOf(QStringLiteral("engine"), choice);
+    }
+    for (const auto& [name, action] : head.checks) {
+        text += QStringLiteral("check, %1, %2\n").arg(name, action);
+    }
+    for (const Declaration& object : head.objects) {
+        text += LineOfObject(object);
     }
     return text + u'\n' + LineOf(QStringLiteral("case"), QStringLiteral("recorded"));
 }

@@ -1,6 +1,8 @@
 // What happened in a run as the table of a test: what was put in, and what came out.
 #pragma once
 
+#include "machine/code.h"
+#include "machine/profile.h"
 #include "reports/whole_file.h"
 
 #include <QStringList>
@@ -10,6 +12,8 @@ struct TestHead {
     QString script;  // as seen from the folder of the table
     quint32 tick;
     QStringList choices;  // "key = value"
+    ChangedChecks checks;
+    std::vector<Declaration> objects;  // of the engine, to which the script gives no names
     QStringList inputs;
     QStringList outputs;
 };

@@ -3,7 +3,7 @@
 #include "reports/terminal_text.h"
 
 std::string TraceHead(const QString& script, const QStringList& choices,
-                      const QStringList& variables) {
+                      const ChangedChecks& checks, const QStringList& variables) {
     QString head =
         QStringLiteral("# script: %1\n# version: yxst " YXST_VERSION "\n").arg(Harmless(script));
     if (choices.isEmpty()) {
@@ -11,6 +11,9 @@ std::string TraceHead(const QString& script, const QStringList& choices,
     }
     for (const QString& choice : choices) {
         head += QStringLiteral("# engine: ") + choice + u'\n';
+    }
+    for (const auto& [name, action] : checks) {
+        head += QStringLiteral("# check: %1 = %2\n").arg(name, action);
     }
     const QStringList columns = QStringList{"cycle", "tick"} + variables;
     return (head + columns.join(u',') + u'\n').toStdString();

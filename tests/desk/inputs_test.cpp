@@ -97,7 +97,7 @@ TEST_F(InputsTest, WrongTablesAreRefusedWithThePlace) {
     EXPECT_EQ(faultOf("cycles,level,LEVEL\n"),
               "line 1, column 14: \"LEVEL\" has a column already");
     EXPECT_EQ(faultOf("cycles,level\n1,2\n0,2\n"),
-              "line 3, column 1: a number of cycles from 1 on is expected, not \"0\"");
+              "line 3, column 1: a number of cycles from 1 to 2147483647 is expected, not \"0\"");
     EXPECT_EQ(faultOf("cycles,start\n1, yes\n"),
               "line 2, column 4: start is BOOL, so it takes TRUE or FALSE, not \"yes\"");
     EXPECT_EQ(faultOf("cycles,start\n1,1,1\n"),

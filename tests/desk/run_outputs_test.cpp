@@ -26,10 +26,13 @@ QByteArray ContentOf(const QString& path) {
 }
 
 TEST(Trace, HeadTellsScriptVersionAndChoices) {
-    EXPECT_EQ(TraceHead("p.st", {}, {"a", "b"}), "# script: p.st\n# version: yxst " YXST_VERSION
-                                                 "\n# engine: default\ncycle,tick,a,b\n");
-    const std::string head = TraceHead("a\nb", {"width = typed", "locals = retained"}, {});
-    EXPECT_THAT(head, HasSubstr("# engine: width = typed\n# engine: locals = retained\ncycle"));
+    EXPECT_EQ(TraceHead("p.st", {}, {}, {"a", "b"}),
+              "# script: p.st\n# version: yxst " YXST_VERSION
+              "\n# engine: default\ncycle,tick,a,b\n");
+    const std::string head =
+        TraceHead("a\nb", {"width = typed", "locals = retained"}, {{"recursion", "off"}}, {});
+    EXPECT_THAT(head, HasSubstr("# engine: width = typed\n# engine: locals = retained\n"
+                                "# check: recursion = off\ncycle"));
     EXPECT_THAT(head, Not(HasSubstr("default")));
     EXPECT_THAT(head, Not(HasSubstr("a\nb")));
 }
@@ -80,7 +83,13 @@ TEST_F(FilesTest, WhatIsNoFileIsRefused) {
 
 TEST_F(FilesTest, TestTablesJoinWhatDoesNotChange) {
     WholeFile file(path);
-    TestTable table(file, {"a, b.st", 50, {"width = typed"}, {"start", "level"}, {"lamp"}});
+    TestTable table(file, {"a, b.st",
+                           50,
+                           {"width = typed"},
+                           {{"stack-left", "off"}},
+                           {{"litres", Section::EngineGlobal, TYP_LREAL, {}, 0}},
+                           {"start", "level"},
+                           {"lamp"}});
     table.cycle({"1", "2.5"}, {"0"});
     table.cycle({"1", "2.5"}, {"0"});
     table.cycle({"1", "2.5"}, {"1"});
@@ -91,6 +100,8 @@ TEST_F(FilesTest, TestTablesJoinWhatDoesNotChange) {
               "script, \"a, b.st\"\n"
               "tick, 50\n"
               "engine, width = typed\n"
+              "check, stack-left, off\n"
+              "global, litres, LREAL\n"
               "\n"
               "case, recorded\n"
               "cycles, start, level, lamp?\n"
@@ -101,7 +112,7 @@ TEST_F(FilesTest, TestTablesJoinWhatDoesNotChange) {
 
 TEST_F(FilesTest, TestTablesOfNoCyclesHaveNoRow) {
     WholeFile file(path);
-    TestTable(file, {"a.st", 100, {}, {}, {"lamp"}}).end();
+    TestTable(file, {"a.st", 100, {}, {}, {}, {}, {"lamp"}}).end();
     ASSERT_TRUE(file.finish());
     EXPECT_EQ(ContentOf(path), "script, a.st\ntick, 100\n\ncase, recorded\ncycles, lamp?\n");
 }

@@ -45,6 +45,18 @@ END_PROGRAM
 """
 
 
+METER = b"""PROGRAM Meter
+VAR_YXGLOBAL
+    total : LREAL(7);
+    known : INT(8);
+END_VAR
+    total := total + yxGetRegUINT(1, 0, 201, 0) + TICK;
+    yxSetGV(61, yxGetGV(8) + 0.25 * yxGetRegUINT(1, 0, 201, 0));
+    yxSetGV(known, 3.0);
+END_PROGRAM
+"""
+
+
 class RunTestCase(FolderTestCase):
     def setUp(self):
         super().setUp()
@@ -233,10 +245,15 @@ class Options(RunTestCase):
         )
 
     def test_wrong_numbers(self):
-        for argument in ("--cycles=0", "--cycles=x", "--tick=-1", "--tick=4294967296", "--tick=x"):
-            run = self.run_file("counter.st", argument)
-            self.assertEqual((run.status, run.stdout), (FAILED, b""), argument)
-            self.assertIn(argument.split("=")[0].encode(), run.stderr)
+        for option, values, least, greatest in (
+            ("--cycles", ("0", "x", "2147483648"), 1, 2147483647),
+            ("--tick", ("-1", "4294967296", "x"), 0, 4294967295),
+        ):
+            for value in values:
+                run = self.run_file("counter.st", f"{option}={value}")
+                self.assertEqual((run.status, run.stdout), (FAILED, b""), value)
+                expected = f"{option}: {value} is no whole number from {least} to {greatest}."
+                self.assertIn(expected, run.stderr.decode())
 
     def test_the_tick_counter_begins_anew_after_its_greatest_value(self):
         trace = self.fine("counter.st", "--cycles=3", "--tick=4294967295", "--trace=-")
@@ -322,6 +339,86 @@ class Options(RunTestCase):
             "counter.st",
             "--check=store-overflow=on",
         )
+        self.refused(
+            "--check: NAME=ACTION is expected, where ACTION is off, note or stop, not "
+            '"store-overflow"',
+            "counter.st",
+            "--check=store-overflow",
+        )
+        self.refused(
+            '--check: no check has the name "unsound-code"',
+            "counter.st",
+            "--check=unsound-code=off",
+        )
+
+    def test_fast(self):
+        arguments = ["counter.st", "--set=step=20000", "--cycles=2", "--fast"]
+        expected = TABLE.replace("   3\n", "   20000\n").replace("6\n", "-25536\n")
+        expected = expected.replace("high   BOOL  VAR_OUTPUT  TRUE", "high   BOOL  VAR_OUTPUT  FALSE")
+        self.assertEqual(self.fine(*arguments), expected.replace(", 50 instructions", ""))
+        noted = self.fine(*arguments, "--check=store-overflow=note")
+        self.assertIn("a whole number does not fit, once [store-overflow]", noted)
+
+    def test_fast_ends_where_a_run_must(self):
+        run = self.run_file("division.st", "--fast", "--quiet")
+        self.assertEqual((run.status, run.stderr), (NOT_FINE, b""))
+        self.assertIn(b"division.st:11:5: error: a whole number is divided by 0", run.stdout)
+        self.assertNotIn(b"note:", run.stdout)
+        for code in (
+            b"U: BODY: CAL U RET PROG: P VAR: MAIN: CAL U RET ",
+            b"PROG: P VAR: MAIN: L: MOV 1 #A0 MOV #A0 $PUSH JMP L RET ",
+            b"PROG: P VAR: a V INT 0 MAIN: MOV 1e30 #A0 MOV #A0 @a RET ",
+            b"PROG: P VAR: a V INT 0 MAIN: MOVA #A0 @a RET ",
+        ):
+            self.write("bad.yx", code)
+            run = self.run_file("bad.yx", "--fast", "--quiet")
+            self.assertEqual((run.status, run.stderr), (NOT_FINE, b""), code)
+            self.assertIn(b": error: ", run.stdout)
+
+
+class Engine(RunTestCase):
+    def setUp(self):
+        super().setUp()
+        self.write("meter.st", METER)
+
+    def test_objects_that_the_script_uses_by_number_have_names(self):
+        shown = self.fine("meter.st", "--set=GLOBAL_61=9", "--until=global_61=0.0")
+        self.assertEqual(
+            shown,
+            "total               LREAL  VAR_YXGLOBAL    0.0\n"
+            "known               INT    VAR_YXGLOBAL    0\n"
+            "register_1_0_201_0  UINT   VAR_YXREGISTER  0\n"
+            "global_61           LREAL  VAR_YXGLOBAL    0.0\n"
+            "1 cycle of 100 ticks, 43 instructions\n",
+        )
+
+    def test_an_object_of_several_types_holds_what_the_engine_holds(self):
+        script = METER.replace(b"yxSetGV(known, 3.0)", b"yxSetRegREAL(1, 0, 201, 0, 2.5)")
+        self.write("meter.st", script)
+        shown = self.fine("meter.st", "--watch=register_1_0_201_0")
+        self.assertIn("register_1_0_201_0  LREAL  VAR_YXREGISTER  2.5\n", shown)
+
+    def test_the_tick_counter_is_set_and_nothing_else(self):
+        trace = self.fine("meter.st", "--set=tick=16#10", "--trace=-", "--watch=total")
+        self.assertEqual(trace.splitlines()[-1], "1,16,16.0")
+        self.write("in.csv", b"cycles,TICK,register_1_0_201_0\n2,50,4\n1,9,\n")
+        trace = self.fine("meter.st", "--inputs=in.csv", "--trace=-", "--watch=total")
+        self.assertEqual(trace.splitlines()[-3:], ["1,50,54.0", "2,150,208.0", "3,9,221.0"])
+        self.refused("--force: TICK can be set, not forced", "meter.st", "--force=TICK=1")
+        self.refused(
+            '--watch: TICK is in each trace, in the column "tick"', "meter.st", "--watch=tick"
+        )
+        self.refused(
+            "--until: TICK goes on by --tick in each cycle, so --cycles says how far",
+            "meter.st",
+            "--until=TICK>5",
+        )
+        self.refused(
+            "--set: TICK is UDINT, so it takes a whole number from 0 to 4294967295, "
+            'not "-5"',
+            "meter.st",
+            "--set=TICK=-5",
+        )
 
 
 class Inputs(RunTestCase):
@@ -355,6 +452,17 @@ class Inputs(RunTestCase):
                 'line 2, column 5: reset is BOOL, so it takes TRUE or FALSE, not "3"',
             ),
             (b"step\n", 'line 1, column 1: the first column is "cycles", not "step"'),
+            (
+                b"cycles\tstep\n1\t2\n",
+                "line 1, column 7: tabs are between the cells; commas or semicolons are "
+                "expected there",
+            ),
+            (b"cycles,step\n", "line 1, column 1: no row with values follows the names"),
+            (
+                b"cycles,step\n3000000000,1\n",
+                "line 2, column 1: a number of cycles from 1 to 2147483647 is expected, not "
+                '"3000000000"',
+            ),
         ):
             self.write("in.csv", data)
             self.refused(f"in.csv: {complaint}", "counter.st", "--inputs=in.csv")
@@ -400,6 +508,28 @@ class Files(RunTestCase):
             "1,      2,    0,     ,      1\n"
             "1,      0,    0,     50,    1\n",
         )
+
+    def test_the_head_of_a_trace_has_the_changed_checks(self):
+        arguments = ["counter.st", "--check=stack-left=off", "--check=store-overflow=note"]
+        trace = self.fine(*arguments, "--trace=-", "--record=a.test")
+        self.assertIn("# engine: default\n# check: stack-left = off\ncycle,", trace)
+        self.assertIn("\ntick, 100\ncheck, stack-left, off\n\ncase", self.text("a.test"))
+
+    def test_record_asks_what_the_script_writes_in_the_engine(self):
+        self.write("meter.st", METER)
+        self.fine("meter.st", "--record=a.test", "--set=register_1_0_201_0=10", "--set=TICK=7")
+        self.assertEqual(
+            self.text("a.test"),
+            "script, meter.st\n"
+            "tick, 100\n"
+            "register, register_1_0_201_0, UINT, 1, 0, 201, 0\n"
+            "global, global_61, LREAL, 61\n"
+            "\n"
+            "case, recorded\n"
+            "cycles, TICK, register_1_0_201_0, total?, global_61?\n"
+            "1,      7,    10,                 17.0,   2.5\n",
+        )
+        self.assertEqual(run_yxst("test", "a.test", cwd=self.folder).status, FINE)
 
     def test_chart(self):
         self.fine("counter.st", "--chart=chart.html", "--cycles=3")

@@ -78,11 +78,50 @@ class Interrupts(FilesTestCase):
         for name in ("chart.html", "run.test", "trace.csv"):
             (self.folder / name).unlink()
 
+    def test_a_cycle_that_does_not_end_is_ended(self):
+        endless = b"IF count = 3 THEN\nWHILE TRUE DO END_WHILE; END_IF;\nEND_PROGRAM"
+        self.write("loop.st", LOOP.replace(b"END_PROGRAM", endless))
+        for arguments in (["--fast"], ["--check=scan-limit=off"], ["--force=count=3", "--fast"]):
+            with self.subTest(arguments):
+                process = self.start(FOR_EVER, *arguments, "--trace=trace.csv")
+                wait_for(lambda: not is_default(process.pid, signal.SIGINT))  # noqa: B023
+                with self.assertRaises(subprocess.TimeoutExpired):
+                    process.wait(0.1)
+                process.send_signal(signal.SIGTERM)
+                stdout, stderr = process.communicate(timeout=TIMEOUT_SECONDS)
+                cycles = 0 if "--force=count=3" in arguments else 2
+                complaint = f"interrupted after {cycles} cycles, in the next one at loop.st:7:15"
+                self.assertEqual(stderr, f"yxst: {complaint}.\n".encode())
+                self.assertEqual(process.returncode, NOT_FINE)
+                self.assertRegex(stdout, rb"^count  UDINT  VAR  3\n")
+                trace = (self.folder / "trace.csv").read_text().splitlines()
+                self.assertEqual(trace[-1].split(",")[0], str(cycles or "cycle"))
+
+    def test_calls_that_take_for_ever_are_ended(self):
+        doubled = "".join(
+            f"FUNCTION f{n} : UDINT\nVAR END_VAR\nf{n - 1}(); f{n - 1}();\n"
+            "RESULT := 1;\nEND_FUNCTION\n"
+            for n in range(1, 60)
+        )
+        functions = "FUNCTION f0 : UDINT\nVAR END_VAR\nRESULT := 1;\nEND_FUNCTION\n" + doubled
+        script = LOOP.replace(b"count + 1", b"f59()")
+        self.write("loop.st", functions.encode() + script)
+        for arguments in (["--fast"], ["--check=scan-limit=off"], ["--force=count=3", "--fast"]):
+            with self.subTest(arguments):
+                process = self.start(*arguments)
+                wait_for(lambda: not is_default(process.pid, signal.SIGINT))  # noqa: B023
+                with self.assertRaises(subprocess.TimeoutExpired):
+                    process.wait(0.1)
+                process.send_signal(signal.SIGINT)
+                stderr = process.communicate(timeout=TIMEOUT_SECONDS)[1]
+                self.assertIn(b"interrupted after 0 cycles, in the next one at loop.st", stderr)
+        self.assertIn(b"scan-limit", self.run_loop("--quiet").stdout)
+
     def test_a_second_signal_ends_it_at_once(self):
-        endless = b"    WHILE TRUE DO END_WHILE; count :="
-        self.write("loop.st", LOOP.replace(b"    count :=", endless))
-        process = self.start("--check=scan-limit=off")
-        wait_for(lambda: not is_default(process.pid, signal.SIGINT))
+        process = self.start(FOR_EVER, "--trace=-")  # which nobody reads
+        wait_for(lambda: self.written(process) > 60_000)
+        with self.assertRaises(subprocess.TimeoutExpired):
+            process.wait(0.1)
         process.send_signal(signal.SIGINT)
         wait_for(lambda: is_default(process.pid, signal.SIGINT))
         process.send_signal(signal.SIGINT)

@@ -293,7 +293,7 @@ END_VAR
 END_PROGRAM
 )";
     const Loaded loaded = LoadText(script);
-    const QString table = SkeletonOf(loaded, QStringLiteral("a, b.st"));
+    const QString table = SkeletonOf(loaded.code, QStringLiteral("a, b.st"));
     const QString rows = table.mid(table.indexOf(QStringLiteral("script,")));
     EXPECT_EQ(rows.toStdString(),
               "script, \"a, b.st\"\n"

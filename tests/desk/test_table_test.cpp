@@ -297,9 +297,12 @@ TEST(TestTable, WrongLinesAreRefused) {
          "line 1, column 1: the line has the form \"check, NAME, ACTION\""},
         {Below("script, a.st\nscript, b.st"),
          "line 2, column 1: the table has a line \"script\" already"},
-        {Below("tick, -1"), "line 1, column 7: a whole number of ticks is expected, not \"-1\""},
+        {Below("tick, -1"),
+         "line 1, column 7: a whole number of ticks from 0 to 4294967295 is expected, not "
+         "\"-1\""},
         {Below("tick, soon"),
-         "line 1, column 7: a whole number of ticks is expected, not \"soon\""},
+         "line 1, column 7: a whole number of ticks from 0 to 4294967295 is expected, not "
+         "\"soon\""},
         {Below("engine, overflow = soft"),
          "line 1, column 9: overflow is wrap, saturate or stop, not \"soft\""},
         {Below("engine, speed = 1"), "line 1, column 9: no choice has the key \"speed\""},
@@ -344,14 +347,14 @@ TEST(TestTable, WrongCasesAreRefused) {
          "line 3, column 1: a line begins with \"case\", \"cycles\", or a number of cycles such "
          "as 5 or <=5, not with \"\""},
         {"case, one\ncycles, count?\n0, 0\n",
-         "line 3, column 1: a number of cycles from 1 on is expected, or the most as <=5, not "
-         "\"0\""},
+         "line 3, column 1: a number of cycles from 1 to 2147483647 is expected, or the most "
+         "as <=5, not \"0\""},
         {"case, one\ncycles, count?\n<5, 0\n",
-         "line 3, column 1: a number of cycles from 1 on is expected, or the most as <=5, not "
-         "\"<5\""},
+         "line 3, column 1: a number of cycles from 1 to 2147483647 is expected, or the most "
+         "as <=5, not \"<5\""},
         {"case, one\ncycles, count?\n99999999999, 0\n",
-         "line 3, column 1: a number of cycles from 1 on is expected, or the most as <=5, not "
-         "\"99999999999\""},
+         "line 3, column 1: a number of cycles from 1 to 2147483647 is expected, or the most "
+         "as <=5, not \"99999999999\""},
         {"case, one\ncycles, count?, flag\n<=5, , 1\n",
          "line 3, column 1: a row with <=5 waits for what its cells of columns with ? say, and "
          "has none"},
@@ -408,7 +411,8 @@ TEST(TestTable, WrongCellsAreRefused) {
         {Row("flag?", "YES"),
          "line 4, column 4: flag is BOOL, so it takes TRUE or FALSE, not \"YES\""},
         {Row("TICK", "-1"),
-         "line 4, column 4: TICK takes a whole number from 0 to 4294967295, not \"-1\""},
+         "line 4, column 4: TICK is UDINT, so it takes a whole number from 0 to 4294967295, not "
+         "\"-1\""},
     });
 }
 

@@ -2,11 +2,14 @@
 
 import random
 import re
+import signal
 import subprocess
 import unittest
+from xml.etree import ElementTree
 
 from support_desk import DESK, FAILED, FINE, NOT_FINE, ROOT, TIMEOUT_SECONDS, run_yxst
 from test_check import FolderTestCase
+from test_run import METER
 
 from support import BINARY  # isort: skip: found by support_desk
 
@@ -100,6 +103,22 @@ class Results(TestTestCase):
             "tank.test: 1 of 2 cases failed\n",
         )
 
+    def test_what_was_given_before_is_told_too(self):
+        table = b"case, late\ncycles, level, force small, reset\n1, 95.0, 7, 0\n"
+        table += b"cycles, full?, cycles?\n1, 0, 2\n"
+        self.write("tank.test", b"script, tank.st\n" + table)
+        self.assertEqual(
+            self.shown(NOT_FINE, "tank.test"),
+            "failed: late\n"
+            "tank.test:6:4: full? is TRUE after cycle 2, expected 0\n"
+            "  cycle  full  cycles\n"
+            "  1      TRUE       1\n"
+            "  2      TRUE       2\n"
+            "  unchanged: level 95.0, small 7, reset FALSE\n"
+            "\n"
+            "tank.test: 1 of 1 case failed\n",
+        )
+
     def test_a_check_stops_the_run(self):
         self.write("tank.test", NOTED.replace(b"case,", b"check, store-overflow, stop\ncase,"))
         self.assertEqual(
@@ -162,6 +181,11 @@ class Tables(TestTestCase):
         self.assertEqual(
             self.complaint("plant/tank.test"),
             "yxst: plant/tank.test:1:9: plant/tank.st: no such file.\n",
+        )
+        self.write("other/tank.test", PASSING.replace(b"script, tank.st\n", b""))
+        self.assertEqual(
+            self.complaint("other/tank.test"),
+            "yxst: other/tank.test: other/tank.st: no such file.\n",
         )
         self.write("plant/tank.st", TANK)
         self.assertIn("2 cases passed", self.shown(FINE, "plant/tank.test"))
@@ -317,6 +341,57 @@ class Coverage(TestTestCase):
         self.assertIn("\n# tank.st: 5 of 5 statements executed, 100%\n1..2\n", shown)
 
 
+class Interrupts(TestTestCase):
+    CASES = b"""script, endless.st
+check, scan-limit, off
+case, one
+cycles, n, n?
+1, 1, 1
+case, two
+1, 2, 2
+case, three
+1, 3, 3
+"""
+
+    def ended(self, *arguments):
+        """A run of which the case "two" does not end by itself."""
+        loop = b"IF cycles = 2 THEN WHILE TRUE DO END_WHILE; END_IF;\nEND_PROGRAM"
+        script = TANK.replace(b"END_PROGRAM", loop).replace(b"cycles", b"n")
+        self.write("endless.st", script.replace(b"n := n + 1;", b""))
+        self.write("endless.test", self.CASES)
+        process = subprocess.Popen(
+            [DESK, "test", "endless.test", "--jobs=1", *arguments],
+            cwd=self.folder,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            text=True,
+        )
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.kill)
+        with self.assertRaises(subprocess.TimeoutExpired):
+            process.wait(0.5)
+        process.send_signal(signal.SIGTERM)
+        stdout, stderr = process.communicate(timeout=TIMEOUT_SECONDS)
+        self.assertEqual(process.returncode, NOT_FINE)
+        self.assertEqual(stderr, "yxst: interrupted; 2 cases were not executed.\n")
+        return stdout
+
+    def test_what_was_executed_is_shown(self):
+        self.assertEqual(self.ended(), "endless.test: 1 of 3 cases executed, 0 failed\n")
+
+    def test_tap_is_bailed_out_of(self):
+        shown = "TAP version 13\nok 1 - endless.test: one\nBail out!  interrupted\n"
+        self.assertEqual(self.ended("--format=tap"), shown)
+
+    def test_in_junit_the_others_are_skipped(self):
+        suite = ElementTree.fromstring(self.ended("--format=junit")).find("testsuite")
+        self.assertEqual((suite.get("tests"), suite.get("skipped")), ("3", "2"))
+        self.assertEqual(
+            [each.get("name") for each in suite if each.find("skipped") is not None],
+            ["two", "three"],
+        )
+
+
 class NewTables(TestTestCase):
     def test_a_table_that_passes(self):
         (self.folder / "tank.test").unlink()
@@ -324,6 +399,25 @@ class NewTables(TestTestCase):
         table = (self.folder / "tank.test").read_text()
         self.assertIn("cycles, level, reset, full?\n1,      0.0,   FALSE, FALSE\n", table)
         self.assertIn("1 case passed", self.shown(FINE, "tank.test"))
+
+    def test_objects_of_the_engine_are_asked_where_the_script_writes_them(self):
+        self.write("meter.st", METER)
+        self.assertEqual(self.shown(FINE, "--new", "meter.st"), "meter.test\n")
+        self.assertTrue(
+            (self.folder / "meter.test")
+            .read_text()
+            .endswith(
+                "script, meter.st\n"
+                "tick, 100\n"
+                "register, register_1_0_201_0, UINT, 1, 0, 201, 0\n"
+                "global, global_61, LREAL, 61\n"
+                "\n"
+                "case, the first cycle\n"
+                "cycles, total, known, register_1_0_201_0, total?, global_61?\n"
+                "1,      0.0,   0,     0,                  0.0,    0.0\n"
+            )
+        )
+        self.assertIn("1 case passed", self.shown(FINE, "meter.test"))
 
     def test_a_table_that_is_there_stays(self):
         self.assertEqual(
