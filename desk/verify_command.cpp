@@ -11,6 +11,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -51,6 +52,9 @@ public:
         }
         result_ = ReadCode(*input.bytes);
         const Findings findings = FindingsOf(result_);
+        isDamaged_ = std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+            return finding.level == Level::Error;
+        });
         ItemPlaces places = PlacesInCode(NameOfInput(path_), *input.bytes, items());
         if (!findAsked(places)) {
             return std::nullopt;
@@ -65,6 +69,7 @@ private:
     const VerifyArguments& arguments_;
     QString path_;
     CodeResult result_;
+    bool isDamaged_ = false;  // sound code is that of its script, and not of one that is like it
 
     const Items& items() const { return result_.code.items; }
 
@@ -88,11 +93,12 @@ private:
         }
         const std::optional<ItemPlaces> found =
             PlacesInListing(NameOfInput(path), *input.bytes, items());
-        if (!found) {
-            return complain(path, QStringLiteral("is no listing of this code")).has_value();
+        if (found) {
+            places = *found;
+            return true;
         }
-        places = *found;
-        return true;
+        return takeRemarks(RemarksOfListing(NameOfInput(path), *input.bytes, items()), places) ||
+               complain(path, QStringLiteral("is no listing of this code")).has_value();
     }
 
     bool findInScript(const QString& path, ItemPlaces& places) const {
@@ -101,28 +107,56 @@ private:
             return complain(path, input.failure).has_value();
         }
         const ScriptPlaces found = PlacesInScript(*input.source, items());
-        if (!found.places) {
+        if (!take(found, places)) {
             const QString other = QStringLiteral("does not compile to this code");
             return complain(path, found.failure.isEmpty() ? other : found.failure).has_value();
         }
-        places = *found.places;
         return true;
     }
 
-    // "pump.st" beside "pump.yx" and "pump.yx.lst", if it is the script of this code.
+    bool take(const ScriptPlaces& found, ItemPlaces& places) const {
+        if (found.places) {
+            places = *found.places;
+        }
+        return found.places || takeRemarks(found.remarks, places);
+    }
+
+    // False if there are none to take.
+    bool takeRemarks(const std::vector<QString>& remarks, ItemPlaces& places) const {
+        const bool isTaken = isDamaged_ && !remarks.empty();
+        if (isTaken) {
+            places.remarks = remarks;
+        }
+        return isTaken;
+    }
+
+    // "pump.st" beside "pump.yx" and "pump.yx.lst", if it is the script of this code, else a
+    // listing beside the code.
     void findBeside(ItemPlaces& places) const {
         const bool isAsked = !arguments_.listing.empty() || !arguments_.script.empty();
-        const QFileInfo file(path_);
-        const QString script = file.path() + u'/' + file.baseName() + QStringLiteral(".st");
-        if (isAsked || result_.fault || path_ == QLatin1String(STANDARD_INPUT) ||
-            !QFileInfo(script).isFile()) {
+        if (isAsked || path_ == QLatin1String(STANDARD_INPUT)) {
             return;
         }
-        const QString shown = path_.contains(u'/') ? script : file.baseName() + ".st";
-        const Input input = ReadInput(shown);
-        const ScriptPlaces found =
-            input.source ? PlacesInScript(*input.source, items()) : ScriptPlaces();
-        places = found.places ? *found.places : places;
+        const QFileInfo file(path_);
+        const QString folder = path_.contains(u'/') ? file.path() + u'/' : QString();
+        const QString script = folder + file.baseName() + QStringLiteral(".st");
+        const QString listing = path_ + QStringLiteral(".lst");
+        if (!(QFileInfo(script).isFile() && takeScript(script, places)) &&
+            QFileInfo(listing).isFile()) {
+            takeListing(listing, places);
+        }
+    }
+
+    bool takeScript(const QString& path, ItemPlaces& places) const {
+        const Input input = ReadInput(path);
+        return input.source && take(PlacesInScript(*input.source, items()), places);
+    }
+
+    void takeListing(const QString& path, ItemPlaces& places) const {
+        const InputBytes input = ReadInputBytes(path);
+        if (input.bytes) {
+            takeRemarks(RemarksOfListing(path, *input.bytes, items()), places);
+        }
     }
 };
 

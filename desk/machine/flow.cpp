@@ -234,7 +234,8 @@ CallKind Flow::kindOfCall(int instruction) const {
     if (!IsDrop(NextItem(code_, unit_, instruction))) {
         return CallKind::Plain;
     }
-    if (TargetOf(code_, InstructionAt(code_, instruction)).result != TYP_NONE) {
+    const CallTarget target = TargetOf(code_, InstructionAt(code_, instruction));
+    if (target.result != TYP_NONE || !target.isKnown) {
         return CallKind::Dropped;
     }
     return instruction == selfCall_ ? CallKind::DroppedWithoutValue : CallKind::Plain;
@@ -250,6 +251,37 @@ StackEffect Flow::effectOf(int instruction) const {
         return kind == OperandKind::Pop || kind == OperandKind::ElementByPop ? 1 : 0;
     };
     return {takes(it.from.kind) + takes(it.to.kind), it.to.kind == OperandKind::Push ? 1 : 0};
+}
+
+// The height that all code of the compiler has before such an instruction. The selector of a CASE
+// is there before its first branch begins.
+std::optional<int> Flow::heightDueAt(int index) const {
+    const Instruction& it = InstructionAt(code_, index);
+    const int height = around(index).height();
+    if (IsMove(it, OperandKind::Pop, OperandKind::Register0)) {
+        const Operation comparison = NextItem(code_, unit_, index).operation;
+        const bool isLoop =
+            comparison == Operation::GreaterOrEqual || comparison == Operation::LessOrEqual;
+        return isLoop ? height : height + 1;
+    }
+    const bool isDue = it.operation == Operation::Test || IsJump(it.operation) ||
+                       (EndsStatement(it) && !IsDrop(it));
+    return isDue ? std::optional(height) : std::nullopt;
+}
+
+// What is too much at the next place where the height is known.
+int Flow::takenByUnknown(int call, int height) const {
+    constexpr int farthest = 1000;
+    int left = height + effectOf(call).left;
+    const int end = std::min(unit_.end, call + farthest);
+    for (int index = call + 1; index < end; ++index) {
+        if (const std::optional<int> due = heightDueAt(index)) {
+            return std::clamp(left - *due, 0, height);
+        }
+        const StackEffect effect = effectOf(index);
+        left += effect.left - effect.taken;
+    }
+    return 0;
 }
 
 const Surroundings& Flow::around(int instruction) const {

@@ -3,6 +3,7 @@
 
 #include "machine/code.h"
 
+#include <optional>
 #include <vector>
 
 constexpr Instruction NO_INSTRUCTION = {Operation::Return, {}, {}, NOWHERE, 0};
@@ -28,8 +29,9 @@ struct CallTarget {
 CallTarget TargetOf(const Code& code, const Instruction& call);
 
 // A call that is a statement has its result dropped by the next item, and counts as having pushed
-// that result. So does the call of itself that a function block makes as its first statement: the
-// compiler writes the drop after it as well, although nothing is given.
+// that result; of what is not there nobody knows whether it gives one. So does the call of itself
+// that a function block makes as its first statement: the compiler writes the drop after it as
+// well, although nothing is given.
 enum class CallKind : unsigned char { Plain, Dropped, DroppedWithoutValue };
 
 // How many values an instruction takes off the stack, and how many it puts there.
@@ -54,6 +56,8 @@ public:
 
     CallKind kindOfCall(int instruction) const;
     StackEffect effectOf(int instruction) const;
+    // How many values a call of what is not there takes, by what the code after it expects.
+    int takenByUnknown(int call, int height) const;
 
     // A FOR reaches from its test to the drop of its bound, a CASE from its first branch to the
     // drop of its selector.
@@ -64,4 +68,6 @@ private:
     const CodeUnit& unit_;
     int selfCall_;  // of the first statement, or NOWHERE
     std::vector<Surroundings> surroundings_;
+
+    std::optional<int> heightDueAt(int index) const;
 };

@@ -289,6 +289,14 @@ Simulation::Arguments Simulation::argumentsOf(const CallTarget& target, int stac
     return arguments;
 }
 
+int Simulation::belowUnknown(int index) const {
+    int stack = now_.stack;
+    for (int left = flow_.takenByUnknown(index, stacks_.height(stack)); left > 0; --left) {
+        stack = stacks_.below(stack);
+    }
+    return stack;
+}
+
 void Simulation::call(int index, const Instruction& it) {
     const CallTarget target = TargetOf(code_, it);
     const bool isBuiltIn = it.operation == Operation::Execute;
@@ -306,7 +314,7 @@ void Simulation::call(int index, const Instruction& it) {
     tellOf(
         arguments.fit,
         QStringLiteral("the value of parameter %1 is not of its type").arg(arguments.firstBad));
-    now_.stack = arguments.below;
+    now_.stack = target.isKnown ? arguments.below : belowUnknown(index);
     now_.accumulator = target.result != TYP_NONE ? ValueOf(target.result)
                        : target.isKnown          ? NOTHING
                                                  : ANYTHING;

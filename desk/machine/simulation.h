@@ -70,5 +70,6 @@ private:
     void storeTyped(Typ type, KnownValue value);
 
     Arguments argumentsOf(const CallTarget& target, int stack);
+    int belowUnknown(int index) const;
     static Fit fitOfParameter(const CallTarget& target, int parameter, KnownValue value);
 };

@@ -135,7 +135,12 @@ private:
     Flow flow_;
     Findings& findings_;
     QHash<QString, int> undeclared_;  // the first item with each name, by the folded name
-    std::vector<std::pair<QString, int>> inOrder_;
+    struct Undeclared {
+        QString name;
+        int item;
+        bool mayBeBool;
+    };
+    std::vector<Undeclared> inOrder_;
 
     const Instruction& at(int index) const { return InstructionAt(code_, index); }
     const Declaration& declarationOf(const CodeOperand& operand) const {
@@ -295,16 +300,25 @@ private:
         const bool isSource = at(index).from.kind == operand.kind;
         const QString name = NameIn(TextOf(words[isSource ? 1 : 2]));
         if (!undeclared_.contains(FoldedName(name))) {
+            const bool isTyped =
+                operand.index == NOWHERE || declarationOf(operand).type != TYP_NONE;
             undeclared_.insert(FoldedName(name), at(index).item);
-            inOrder_.emplace_back(name, at(index).item);
+            inOrder_.push_back({name, at(index).item, isTyped});
         }
     }
 
     void tellOfUndeclared() {
         const bool isExplained =
             inOrder_.size() <= static_cast<std::size_t>(unit_.emptyDeclarations);
-        for (const auto& [name, item] : inOrder_) {
-            if (isExplained) {
+        for (const auto& [name, item, mayBeBool] : inOrder_) {
+            if (isExplained && !mayBeBool) {
+                fail(
+                    "undeclared-variable",
+                    QStringLiteral("%1 is not declared; an empty item stands where something was "
+                                   "declared, but the code uses it as no BOOL")
+                        .arg(Quoted(name)),
+                    item);
+            } else if (isExplained) {
                 tell(Level::Warning, "missing-declaration",
                      QStringLiteral("%1 is not declared; an empty item stands where a BOOL with "
                                     "a value such as True was declared")

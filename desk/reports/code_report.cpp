@@ -2,6 +2,7 @@
 
 #include "facts/compile.h"
 #include "machine/forms.h"
+#include "machine/item_match.h"
 
 #include <QRegularExpression>
 
@@ -88,6 +89,39 @@ bool IsCodeOf(const Facts& facts, const Items& items) {
     });
 }
 
+QString LineRemark(const Source& source, int line) {
+    constexpr int shown = 60;
+    const QString text = source.text(source.lineAt(line)).toString().trimmed();
+    return QStringLiteral("line %1 of %2 stands for this place: \"%3\"")
+        .arg(QString::number(line), source.name(),
+             text.size() > shown ? text.left(shown) + QStringLiteral("...") : text);
+}
+
+// For each item what there is to be said about the one in its place.
+template <typename RemarkOf>
+std::vector<QString> RemarksOf(const std::vector<int>& matched, const RemarkOf& remarkOf) {
+    std::vector<QString> remarks(matched.size());
+    std::transform(matched.begin(), matched.end(), remarks.begin(), remarkOf);
+    return remarks;
+}
+
+std::vector<QString> RemarksOfScript(const Source& script, const Facts& facts,
+                                     const Items& items) {
+    if (!facts.isCompiled()) {
+        return {};
+    }
+    const auto factOf = [&facts](int index) {
+        return facts.items[static_cast<std::size_t>(index)];
+    };
+    const ItemLists lists = {items.count(), static_cast<int>(facts.items.size()),
+                             [&](int item, int other) {
+                                 return items.item(item + 1) == facts.codeOf(factOf(other).text);
+                             }};
+    return RemarksOf(MatchItems(lists), [&](int index) {
+        return LineRemark(script, script.placeOf(factOf(index).place).line);
+    });
+}
+
 // "item 12 "MOV @x #A0" (after "TST #A0", before "RET"): "
 QString NameWithNeighbours(const Items& items, int number) {
     constexpr int shown = 30;
@@ -144,19 +178,37 @@ std::optional<ItemPlaces> PlacesInListing(const QString& name, const QByteArray&
                   : std::nullopt;
 }
 
+std::vector<QString> RemarksOfListing(const QString& name, const QByteArray& bytes,
+                                      const Items& items) {
+    const ItemsResult listed = DivideIntoItems(bytes);
+    if (listed.fault) {
+        return {};
+    }
+    const ItemPlaces places = PlacesInCode(name, bytes, listed.items);
+    const ItemLists lists = {items.count(), listed.items.count(), [&](int item, int other) {
+                                 return items.item(item + 1) == listed.items.item(other + 1);
+                             }};
+    return RemarksOf(MatchItems(lists), [&places](int index) {
+        const auto at = static_cast<std::size_t>(index);
+        const bool isTold = at < places.remarks.size() && !places.remarks[at].isEmpty();
+        const Place place = places.source.placeOf(places.spans[at].begin);
+        return isTold ? places.remarks[at] : LineRemark(places.source, place.line);
+    });
+}
+
 ScriptPlaces PlacesInScript(const Source& script, const Items& items) {
     const CompileResult result = CompileAndWait(script);
     if (!result.facts) {
-        return {std::nullopt, result.failure};
+        return {std::nullopt, {}, result.failure};
     }
     if (!IsCodeOf(*result.facts, items)) {
-        return {std::nullopt, QString()};
+        return {std::nullopt, RemarksOfScript(script, *result.facts, items), QString()};
     }
     ItemPlaces places = {script, {}, {}};
     for (const ItemFact& item : result.facts->items) {
         places.spans.push_back(PlaceOf(*result.facts, item));
     }
-    return {places, QString()};
+    return {places, {}, QString()};
 }
 
 FileReport ReportOf(const Findings& findings, const Items& items, const ItemPlaces& places) {

@@ -23,9 +23,15 @@ ItemPlaces PlacesInCode(const QString& name, const QByteArray& bytes, const Item
 std::optional<ItemPlaces> PlacesInListing(const QString& name, const QByteArray& bytes,
                                           const Items& items);
 
+// What code that was damaged since stood for, by the lines of the listing; empty if the listing
+// is one of other code.
+std::vector<QString> RemarksOfListing(const QString& name, const QByteArray& bytes,
+                                      const Items& items);
+
 // In the script that the code was compiled from.
 struct ScriptPlaces {
     std::optional<ItemPlaces> places;  // nothing if the script does not compile to this code
+    std::vector<QString> remarks;      // if it does but for some damage, the lines of the script
     QString failure;                   // why the compiler told nothing, else empty
 };
 ScriptPlaces PlacesInScript(const Source& script, const Items& items);

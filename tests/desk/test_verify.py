@@ -374,6 +374,93 @@ class CommandLine(unittest.TestCase):
             (FAILED, "", "yxst: other.st: does not compile to this code.\n"),
         )
 
+    def test_lines_of_the_script_for_damaged_code(self):
+        script = SCRIPT.replace(b"a := 1;", b"a := 1;\n a := a + 2;\n a := a * 3;")
+        code = compile_source(script).files["out"]
+        self.write("a.st", script)
+        line = 'line 6 of a.st stands for this place: "a := a + 2;"'
+        for old, new in (
+            (b"ADD $POP #A0", b"ADD $POP #A1"),
+            (b"ADD $POP #A0 MOV #A0 @a", b"ADD $POP #A0 MOV #A0 @b"),
+            (b"ADD $POP", b"ADDD $POP"),
+            (b"MOV 2 #A0 ADD", b"ADD"),
+        ):
+            with self.subTest(new):
+                self.assertIn(old, code)
+                self.write("a.yx", code.replace(old, new))
+                status, shown, _ = self.verify("--format=gcc", "a.yx")
+                self.assertEqual(status, NOT_FINE)
+                self.assertIn(f"note: {line}\n", shown)
+                self.assertRegex(shown, r"^a\.yx:1:\d+: error: item \d+ ")
+                self.write("b.yx", code.replace(old, new))
+                self.assertNotIn("note:", self.verify("--format=gcc", "b.yx")[1])
+                self.assertIn(line, self.verify("--format=gcc", "--script=a.st", "b.yx")[1])
+
+    def test_lines_of_the_listing_for_damaged_code(self):
+        run = compile_source(SCRIPT, "-l", "-i")
+        damaged = run.files["out"].replace(b"MOV #A0 @a", b"MOV #A0 @b")
+        self.write("a.yx", damaged)
+        self.write("a.yx.lst", run.files["out.lst"])
+        told = 'line 5 of the script stands above: "a := 1;"\n'
+        self.assertIn(told, self.verify("--format=gcc", "a.yx")[1])
+        self.write("b.yx", damaged)
+        self.assertIn(told, self.verify("--format=gcc", "--listing=a.yx.lst", "b.yx")[1])
+        self.write("a.yx.lst", compile_source(SCRIPT, "-l").files["out.lst"])
+        told = 'line 7 of a.yx.lst stands for this place: "MOV #A0 @a"\n'
+        self.assertIn(told, self.verify("--format=gcc", "a.yx")[1])
+
+    def test_an_unknown_callee_is_told_alone(self):
+        script = b"""FUNCTION Two : INT
+VAR_ARG
+    a : INT;
+    b : INT;
+END_VAR
+    RESULT := a / b;
+END_FUNCTION
+FUNCTION_BLOCK Set
+VAR_ARG
+    a : INT;
+END_VAR
+    a := a / 2;
+END_FUNCTION_BLOCK
+PROGRAM P
+VAR
+    i : INT;
+    total : INT := 0;
+END_VAR
+    Set(5);
+    FOR i := Two(1, 2) TO Two(3, Two(4, 5)) DO
+        IF Two(1, 2) > i THEN total := i * Two(i, i); END_IF;
+        CASE Two(4, 4) OF 1..5: total := Two(7, 8); END_CASE;
+        Two(5, 5);
+        Set(5);
+    END_FOR;
+    WHILE Two(1, 1) < 3 DO Set(2); END_WHILE;
+    REPEAT Set(3); UNTIL Two(1, 1) < 3 END_REPEAT;
+END_PROGRAM
+"""
+        code = compile_source(script).files["out"].decode()
+        calls = [match.end() for match in re.finditer("CAL (Two|Set)", code)]
+        self.assertEqual(len(calls), 14)
+        with Folder() as folder:
+            damaged = [f"{code[:at]}X{code[at:]}" for at in calls]
+            for found in folder.findings(damaged):
+                self.assertEqual([one["id"] for one in found], ["unknown-callee"])
+
+    def test_a_lost_declaration_that_was_no_bool(self):
+        script = SCRIPT.replace(b"a : INT;", b"a : INT; b : BOOL := True; r : REAL; s : REAL;")
+        statements = b"a := a + 1; b := NOT b; r := r * 2.5; s := a;"
+        code = compile_source(script.replace(b"a := 1;", statements)).files["out"].decode()
+        found = {}
+        with Folder() as folder:
+            lost = ("", "a V INT 0", "r V REAL 0", "s V REAL 0")
+            damaged = [code.replace(each, "", 1) for each in lost]
+            for name, all_found in zip(lost, folder.findings(damaged)):
+                found[name[:1]] = sorted(one["id"] for one in all_found)
+        expected = ["missing-declaration", "undeclared-variable"]
+        self.assertEqual(found.pop(""), ["missing-declaration"])
+        self.assertEqual(found, {"a": expected, "r": expected, "s": expected})
+
     def test_forms(self):
         self.write("a.yx", UNSOUND)
         shown = self.verify("a.yx")[1]

@@ -209,7 +209,7 @@ TEST(Verify, Parameters) {
 TEST(Verify, Calls) {
     ExpectTold({
         {"CAL Log", "CAL log", "unknown-callee! CAL log"},
-        {"EXEC sqrt", "EXEC root", "unknown-callee! EXEC root, stack-not-empty! RET"},
+        {"EXEC sqrt", "EXEC root", "unknown-callee! EXEC root"},
         {"MOV 1 #A0|MOV #A0 @i", "CAL P|MOV 1 #A0|MOV #A0 @i", "unknown-callee! CAL P"},
         {"|MOV @RESULT #A0|RET", "|CAL Log|MOV @RESULT #A0|RET", "call-ahead! CAL Log"},
         {"Log:|i", "FILL:|i", "duplicate-unit! FILL:, unknown-callee! CAL Log"},
