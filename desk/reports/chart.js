@@ -5,6 +5,7 @@ const { cycles, tick, piece, watched, series } =
 
 const COLOURS = 8;
 const LANE = 2; // from one BOOL to the next, whose values are 0 and 1
+const NAME_GAP = 4; // pixels between the points of a lane and its name
 const PIXELS_OF_LANE = 40;
 const PIXELS_OF_AXIS = 30;
 const HEIGHT = 240;
@@ -167,7 +168,7 @@ function drawNames(group) {
         canvas.fillStyle = look("--quiet");
         group.forEach(({ name }, index) => {
             const top = graph.toDomYCoord((group.length - 1 - index) * LANE + 1);
-            canvas.fillText(name, area.x + 4, top - 1);
+            canvas.fillText(name, area.x + 4, top - NAME_GAP);
         });
     };
 }

@@ -151,6 +151,8 @@ Diagnostic DiagnosticOf(const Finding& finding, const Items& items, const ItemPl
     const auto index = static_cast<std::size_t>(finding.item) - 1;
     if (index < places.spans.size()) {
         diagnostic.span = places.spans[index];
+    } else if (finding.item > items.count() && !places.spans.empty()) {
+        diagnostic.span = places.spans.back();
     }
     if (index < places.remarks.size() && !places.remarks[index].isEmpty()) {
         diagnostic.helps.push_back({QStringLiteral("source-line"), places.remarks[index], {}});

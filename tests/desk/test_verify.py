@@ -383,7 +383,6 @@ class CommandLine(unittest.TestCase):
             (b"ADD $POP #A0", b"ADD $POP #A1"),
             (b"ADD $POP #A0 MOV #A0 @a", b"ADD $POP #A0 MOV #A0 @b"),
             (b"ADD $POP", b"ADDD $POP"),
-            (b"MOV 2 #A0 ADD", b"ADD"),
         ):
             with self.subTest(new):
                 self.assertIn(old, code)
