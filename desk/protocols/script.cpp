@@ -2,21 +2,23 @@
 
 #include <algorithm>
 
-LspLines::LspLines(const QString& text) : size_(text.size()) {
+LspLines::LspLines(const QString& text) {
     int begin = 0;
-    for (int offset = 0; offset < size_; ++offset) {
-        const QChar character = text[offset];
+    int returns = 0;  // before the place
+    for (int place = 0; place < text.size(); ++place) {
+        const QChar character = text[place];
         if (character != QLatin1Char('\n') && character != QLatin1Char('\r')) {
             continue;
         }
-        const int end = offset;
-        const bool isPair = character == QLatin1Char('\r') && offset + 1 < size_ &&
-                            text[offset + 1] == QLatin1Char('\n');
-        offset += isPair ? 1 : 0;
-        lines_.push_back({begin, end});
-        begin = offset + 1;
+        lines_.push_back({begin - returns, place - returns, begin});
+        if (character == QLatin1Char('\r')) {
+            ++returns;
+            const bool isPair = place + 1 < text.size() && text[place + 1] == QLatin1Char('\n');
+            place += isPair ? 1 : 0;
+        }
+        begin = place + 1;
     }
-    lines_.push_back({begin, size_});
+    lines_.push_back({begin - returns, text.size() - returns, begin});
 }
 
 QJsonObject LspLines::positionOf(int offset) const {
@@ -33,18 +35,38 @@ QJsonObject LspLines::rangeOf(Span span) const {
             {QStringLiteral("end"), positionOf(std::max(span.begin, span.end))}};
 }
 
-int LspLines::offsetOf(const QJsonObject& position) const {
+LspLines::Point LspLines::pointOf(const QJsonObject& position) const {
     const double number = position[QStringLiteral("line")].toDouble();
     if (number >= static_cast<double>(lines_.size())) {
-        return size_;
+        const Line& last = lines_.back();
+        return {last, last.end - last.begin};
     }
     const Line& line = lines_[static_cast<std::size_t>(std::max(number, 0.0))];
     const double character = position[QStringLiteral("character")].toDouble();
     const double length = line.end - line.begin;
-    return line.begin + static_cast<int>(std::clamp(character, 0.0, length));
+    return {line, static_cast<int>(std::clamp(character, 0.0, length))};
+}
+
+int LspLines::offsetOf(const QJsonObject& position) const {
+    const Point point = pointOf(position);
+    return point.line.begin + point.distance;
+}
+
+int LspLines::offsetInEditor(const QJsonObject& position) const {
+    const Point point = pointOf(position);
+    return point.line.beginInEditor + point.distance;
 }
 
 Span LspLines::spanOf(const QJsonObject& range) const {
     const int begin = offsetOf(range[QStringLiteral("start")].toObject());
     return {begin, std::max(begin, offsetOf(range[QStringLiteral("end")].toObject()))};
+}
+
+Span LspLines::spanInEditor(const QJsonObject& range) const {
+    const int begin = offsetInEditor(range[QStringLiteral("start")].toObject());
+    return {begin, std::max(begin, offsetInEditor(range[QStringLiteral("end")].toObject()))};
+}
+
+QString CompiledText(QString text) {
+    return text.remove(QLatin1Char('\r'));
 }

@@ -1,15 +1,17 @@
 // A script in an editor, and its places as the language server protocol counts them: lines and
 // UTF-16 units from 0, where a line ends with CR LF, LF or a lone CR. The compiler knows LF
-// alone.
+// alone, and drops every CR before it reads.
 #pragma once
 
 #include "language/model.h"
 
 #include <QJsonObject>
 
-// The lines of a text as the protocol divides them.
+// The lines of a text as the protocol divides them. Offsets are those of the text as the compiler
+// reads it, without any CR.
 class LspLines {
 public:
+    // The text may have CRs.
     explicit LspLines(const QString& text);
 
     // The position of an offset from 0 to the size of the text.
@@ -21,14 +23,28 @@ public:
     int offsetOf(const QJsonObject& position) const;
     Span spanOf(const QJsonObject& range) const;
 
+    // The same in the text as it was given, with its CRs.
+    Span spanInEditor(const QJsonObject& range) const;
+
 private:
     struct Line {
         int begin;
-        int end;  // without the characters that end it
+        int end;            // without the characters that end it
+        int beginInEditor;  // in the text with CRs
+    };
+    // A line of the text, and how far in it.
+    struct Point {
+        Line line;
+        int distance;
     };
     std::vector<Line> lines_;
-    int size_;
+
+    Point pointOf(const QJsonObject& position) const;
+    int offsetInEditor(const QJsonObject& position) const;
 };
+
+// The text without any CR, as the compiler reads it.
+QString CompiledText(QString text);
 
 // What requests about one script are answered from. The model is always that of the text.
 struct Script {
@@ -36,7 +52,13 @@ struct Script {
     int version = 0;
     Model model;
     LspLines lines;
+    QJsonObject client = {};  // the capabilities that the client told at "initialize"
 
     const Source& source() const { return model.source; }
     const Facts& facts() const { return model.facts; }
+};
+
+// Thrown where a request cannot be fulfilled: why, for the user, without a full stop.
+struct RequestFailed {
+    QString why;
 };
