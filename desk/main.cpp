@@ -30,6 +30,7 @@ constexpr Subcommand SUBCOMMANDS[] = {
     {"facts", "Show what the compiler tells about a script, as JSON", DeclareFacts},
     {"verify", "Prove that target code is sound", DeclareVerify},
     {"explain", "Explain a message", DeclareExplain},
+    {"lsp", "Serve editors, by the language server protocol", DeclareLsp},
 };
 
 // The programs have the version of the package, the language has one of its own, which the

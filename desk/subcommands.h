@@ -17,3 +17,4 @@ Runner DeclareFacts(CLI::App& command);
 Runner DeclareVerify(CLI::App& command);
 Runner DeclareRun(CLI::App& command);
 Runner DeclareTest(CLI::App& command);
+Runner DeclareLsp(CLI::App& command);

@@ -10,7 +10,7 @@ LspLines::LspLines(const QString& text) {
         if (character != QLatin1Char('\n') && character != QLatin1Char('\r')) {
             continue;
         }
-        lines_.push_back({begin - returns, place - returns, begin});
+        lines_.push_back({begin - returns, place - returns});
         if (character == QLatin1Char('\r')) {
             ++returns;
             const bool isPair = place + 1 < text.size() && text[place + 1] == QLatin1Char('\n');
@@ -18,7 +18,7 @@ LspLines::LspLines(const QString& text) {
         }
         begin = place + 1;
     }
-    lines_.push_back({begin - returns, text.size() - returns, begin});
+    lines_.push_back({begin - returns, text.size() - returns});
 }
 
 QJsonObject LspLines::positionOf(int offset) const {
@@ -35,36 +35,20 @@ QJsonObject LspLines::rangeOf(Span span) const {
             {QStringLiteral("end"), positionOf(std::max(span.begin, span.end))}};
 }
 
-LspLines::Point LspLines::pointOf(const QJsonObject& position) const {
+int LspLines::offsetOf(const QJsonObject& position) const {
     const double number = position[QStringLiteral("line")].toDouble();
     if (number >= static_cast<double>(lines_.size())) {
-        const Line& last = lines_.back();
-        return {last, last.end - last.begin};
+        return lines_.back().end;
     }
     const Line& line = lines_[static_cast<std::size_t>(std::max(number, 0.0))];
     const double character = position[QStringLiteral("character")].toDouble();
     const double length = line.end - line.begin;
-    return {line, static_cast<int>(std::clamp(character, 0.0, length))};
-}
-
-int LspLines::offsetOf(const QJsonObject& position) const {
-    const Point point = pointOf(position);
-    return point.line.begin + point.distance;
-}
-
-int LspLines::offsetInEditor(const QJsonObject& position) const {
-    const Point point = pointOf(position);
-    return point.line.beginInEditor + point.distance;
+    return line.begin + static_cast<int>(std::clamp(character, 0.0, length));
 }
 
 Span LspLines::spanOf(const QJsonObject& range) const {
     const int begin = offsetOf(range[QStringLiteral("start")].toObject());
     return {begin, std::max(begin, offsetOf(range[QStringLiteral("end")].toObject()))};
-}
-
-Span LspLines::spanInEditor(const QJsonObject& range) const {
-    const int begin = offsetInEditor(range[QStringLiteral("start")].toObject());
-    return {begin, std::max(begin, offsetInEditor(range[QStringLiteral("end")].toObject()))};
 }
 
 QString CompiledText(QString text) {

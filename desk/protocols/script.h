@@ -23,24 +23,12 @@ public:
     int offsetOf(const QJsonObject& position) const;
     Span spanOf(const QJsonObject& range) const;
 
-    // The same in the text as it was given, with its CRs.
-    Span spanInEditor(const QJsonObject& range) const;
-
 private:
     struct Line {
         int begin;
-        int end;            // without the characters that end it
-        int beginInEditor;  // in the text with CRs
-    };
-    // A line of the text, and how far in it.
-    struct Point {
-        Line line;
-        int distance;
+        int end;  // without the characters that end it
     };
     std::vector<Line> lines_;
-
-    Point pointOf(const QJsonObject& position) const;
-    int offsetInEditor(const QJsonObject& position) const;
 };
 
 // The text without any CR, as the compiler reads it.
