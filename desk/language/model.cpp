@@ -69,6 +69,9 @@ void ModelBuild::keep(const Facts& facts) {
 Model ModelBuild::model() const {
     Model model = {source_, facts_, check_.report().diagnostics, edits_.all().empty()};
     BringBack(edits_, model.facts);
+    for (const Edit& edit : edits_.all()) {
+        model.changes.push_back(edit.span);
+    }
     return model;
 }
 

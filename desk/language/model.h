@@ -11,6 +11,7 @@ struct Model {
     Facts facts;  // tokens and comments are always those of the whole script
     std::vector<Diagnostic> diagnostics;
     bool isWhole = true;  // whether the facts are those of the script without any change
+    std::vector<Span> changes = {};  // the pieces that are not what was compiled
 };
 
 // A model that is being made. Whoever owns it compiles, as for a FileCheck.
