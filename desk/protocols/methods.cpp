@@ -1,12 +1,30 @@
 #include "protocols/methods.h"
 
+#include "protocols/navigation_methods.h"
+#include "protocols/outline_methods.h"
+
 #include <algorithm>
 
 namespace {
 
 // A row about one script: {"textDocument/hover", Hover, nullptr, "hoverProvider", nullptr}.
 const std::vector<Method>& Methods() {
-    static const std::vector<Method> methods = {};
+    static const std::vector<Method> methods = {
+        {"textDocument/hover", HoverMethod, nullptr, "hoverProvider", nullptr},
+        {"textDocument/definition", DefinitionMethod, nullptr, "definitionProvider", nullptr},
+        {"textDocument/declaration", DefinitionMethod, nullptr, "declarationProvider", nullptr},
+        {"textDocument/references", ReferencesMethod, nullptr, "referencesProvider", nullptr},
+        {"textDocument/documentHighlight", DocumentHighlightMethod, nullptr,
+         "documentHighlightProvider", nullptr},
+        {"textDocument/prepareRename", PrepareRenameMethod, nullptr, nullptr, nullptr},
+        {"textDocument/rename", RenameMethod, nullptr, "renameProvider", RenameOptions},
+        {"textDocument/documentSymbol", DocumentSymbolMethod, nullptr, "documentSymbolProvider",
+         nullptr},
+        {"workspace/symbol", nullptr, WorkspaceSymbolMethod, "workspaceSymbolProvider", nullptr},
+        {"textDocument/codeLens", CodeLensMethod, nullptr, "codeLensProvider", CodeLensOptions},
+        {"textDocument/inlayHint", InlayHintMethod, nullptr, "inlayHintProvider", nullptr},
+        {"yxst/code", CodeMethod, nullptr, nullptr, nullptr},
+    };
     return methods;
 }
 

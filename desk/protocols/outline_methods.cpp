@@ -129,6 +129,10 @@ QJsonValue CodeLensMethod(const Script& script, const QJsonObject& /*params*/) {
     return lenses;
 }
 
+QJsonValue CodeLensOptions() {
+    return QJsonObject{{QStringLiteral("resolveProvider"), false}};
+}
+
 namespace {
 
 // What the request is about: the units that the range touches, else the script.

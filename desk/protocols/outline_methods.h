@@ -14,6 +14,7 @@ QJsonValue WorkspaceSymbolMethod(const std::vector<const Script*>& scripts,
                                  const QJsonObject& params);
 
 QJsonValue CodeLensMethod(const Script& script, const QJsonObject& params);
+QJsonValue CodeLensOptions();
 
 // "yxst/code": the target code of the script or, with params.range, of the units that the range
 // touches. {"items": [{"text": "MOV @x #A0", "range": ...}]} in the order of the code, each with
