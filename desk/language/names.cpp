@@ -223,7 +223,8 @@ public:
                 ++next;
             }
             const bool isTold = next != told.end() && next->span.begin == span.begin;
-            const int name = isTold ? NONE : names_.find(tokens_.text(index), unit_);
+            const bool isName = tokens_.isOneOf(index, {TOKEN_IDENTIFIER, TOKEN_RESULT});
+            const int name = isName && !isTold ? names_.find(tokens_.text(index), unit_) : NONE;
             if (name != NONE) {
                 guessed.push_back({span, name, kindAt(index, name)});
             }

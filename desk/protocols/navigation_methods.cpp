@@ -98,6 +98,26 @@ QJsonValue PrepareRenameMethod(const Script& script, const QJsonObject& params) 
         {QStringLiteral("placeholder"), script.source().text(target.span).toString()}};
 }
 
+namespace {
+
+// With the version of the script for clients that look at it.
+QJsonObject WorkspaceEdit(const Script& script, const QJsonArray& edits) {
+    const bool takesVersions = script.client[QStringLiteral("workspace")]
+                                   .toObject()[QStringLiteral("workspaceEdit")]
+                                   .toObject()[QStringLiteral("documentChanges")]
+                                   .toBool();
+    if (!takesVersions) {
+        return {{QStringLiteral("changes"), QJsonObject{{script.uri, edits}}}};
+    }
+    const QJsonObject document = {{QStringLiteral("uri"), script.uri},
+                                  {QStringLiteral("version"), script.version}};
+    const QJsonObject change = {{QStringLiteral("textDocument"), document},
+                                {QStringLiteral("edits"), edits}};
+    return {{QStringLiteral("documentChanges"), QJsonArray{change}}};
+}
+
+}  // namespace
+
 QJsonValue RenameMethod(const Script& script, const QJsonObject& params) {
     const QString name = params[QStringLiteral("newName")].toString();
     const Renaming renaming = RenameTo(script.model, OffsetOf(script, params), name);
@@ -109,7 +129,7 @@ QJsonValue RenameMethod(const Script& script, const QJsonObject& params) {
         edits.append(QJsonObject{{QStringLiteral("range"), script.lines.rangeOf(place)},
                                  {QStringLiteral("newText"), name}});
     }
-    return QJsonObject{{QStringLiteral("changes"), QJsonObject{{script.uri, edits}}}};
+    return WorkspaceEdit(script, edits);
 }
 
 QJsonValue RenameOptions() {

@@ -375,6 +375,21 @@ TEST(Rename, ABrokenScriptIsLeftAlone) {
               "expected but \";\" found");
 }
 
+TEST(Rename, AClientThatTakesVersionsGetsOne) {
+    MarkedScript marked = Marked(MarkedAt(6, "x)"));
+    marked.script.version = 7;
+    const QJsonObject edits = {{QStringLiteral("documentChanges"), true}};
+    const QJsonObject workspace = {{QStringLiteral("workspaceEdit"), edits}};
+    marked.script.client = {{QStringLiteral("workspace"), workspace}};
+    QJsonObject params = marked.params();
+    params[QStringLiteral("newName")] = QStringLiteral("y");
+    const QJsonValue edit = RenameMethod(marked.script, params);
+    const QJsonValue change = edit[QStringLiteral("documentChanges")][0];
+    EXPECT_EQ(change[QStringLiteral("textDocument")][QStringLiteral("version")], 7);
+    EXPECT_EQ(change[QStringLiteral("textDocument")][QStringLiteral("uri")], marked.script.uri);
+    EXPECT_EQ(change[QStringLiteral("edits")].toArray().size(), 4);
+}
+
 TEST(PrepareRename, TellsWhatIsRenamed) {
     const MarkedScript marked = Marked(MarkedAt(6, "TWICE"));
     const QJsonValue target = PrepareRenameMethod(marked.script, marked.params());
