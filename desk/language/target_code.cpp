@@ -32,10 +32,11 @@ const StatementFact* StatementAround(const Model& model, int offset) {
 
 const DeclarationFact* DeclarationAround(const Model& model, int offset) {
     const std::vector<DeclarationFact>& all = model.facts.declarations;
-    const auto found =
-        std::find_if(all.begin(), all.end(),
-                     [offset](const DeclarationFact& each) { return Holds(each.span, offset); });
-    return found == all.end() ? nullptr : &*found;
+    const auto after = std::upper_bound(
+        all.begin(), all.end(), offset,
+        [](int at, const DeclarationFact& each) { return at < each.span.begin; });
+    return after != all.begin() && Holds(std::prev(after)->span, offset) ? &*std::prev(after)
+                                                                         : nullptr;
 }
 
 Span PieceOfItem(const Model& model, const ItemFact& item) {
