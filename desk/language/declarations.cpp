@@ -178,10 +178,10 @@ QString RoleText(const Model& model, int name) {
 }
 
 QString NameText(const Model& model, int name) {
-    const bool hasRemarks = !DeclaredAt(model, name).isEmpty() && !IsResult(NameOf(model, name));
+    const bool isDeclared = !DeclaredAt(model, name).isEmpty();
     QStringList parts = {QStringLiteral("```st\n%1\n```").arg(DeclarationText(model, name)),
                          RoleText(model, name),
-                         hasRemarks ? RemarksOn(model, PieceOf(model, name)) : QString()};
+                         isDeclared ? RemarksOn(model, PieceOf(model, name)) : QString()};
     parts.removeAll(QString());
     return parts.join(QStringLiteral("\n\n"));
 }

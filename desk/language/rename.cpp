@@ -5,6 +5,7 @@
 #include "explain/words.h"
 #include "facts/compile.h"
 #include "language/declarations.h"
+#include "language/rename_proof.h"
 #include "machine/code.h"
 
 #include "qyx_scanner.h"
@@ -86,7 +87,7 @@ bool Collide(const Model& model, int one, int other) {
     const NameFact& first = NameOf(model, one);
     const NameFact& second = NameOf(model, other);
     if (first.kind == NameKind::Program || second.kind == NameKind::Program) {
-        return false;
+        return UnitNamed(model, one) != NONE && UnitNamed(model, other) != NONE;
     }
     if (first.kind == NameKind::Variable && second.kind == NameKind::Variable) {
         return first.unit == second.unit;
@@ -123,73 +124,7 @@ QString WhyTaken(const Model& model, int name, const QString& text) {
 // The proof
 // ---------------------------------------------------------------------------------------------
 
-// What is different between the two scripts.
-struct Change {
-    int name;
-    QString from;
-    QString to;
-};
-
-bool IsSameFact(const Facts& before, const Facts& after, const Change& change,
-                std::size_t index) {
-    const NameFact& one = before.names[index];
-    const NameFact& other = after.names[index];
-    const QStringView text = after.textOf(other.text);
-    const bool isText = static_cast<int>(index) == change.name ? IsSameName(text, change.to)
-                                                               : text == before.textOf(one.text);
-    return isText && one.kind == other.kind && one.section == other.section &&
-           one.type == other.type && one.unit == other.unit;
-}
-
-bool AreNamesSame(const Facts& before, const Facts& after, const Change& change) {
-    bool isSame = before.names.size() == after.names.size();
-    for (std::size_t index = 0; isSame && index < before.names.size(); ++index) {
-        isSame = IsSameFact(before, after, change, index);
-    }
-    return isSame;
-}
-
-bool AreUsesSame(const Facts& before, const Facts& after) {
-    return std::equal(before.uses.begin(), before.uses.end(), after.uses.begin(),
-                      after.uses.end(), [](const UseFact& one, const UseFact& other) {
-                          return one.name == other.name && one.kind == other.kind;
-                      });
-}
-
-// A word of an item without the marks around a name.
-QString Bare(QString word) {
-    word.remove(0, word.startsWith(u'@') || word.startsWith(u'^') ? 1 : 0);
-    word.chop(word.endsWith(u':') ? 1 : 0);
-    return word;
-}
-
-bool IsSameWord(const QString& one, const QString& other, const Change& change) {
-    const QString from = Bare(one);
-    const QString to = Bare(other);
-    const bool hasChanged = IsSameName(from, change.from) && IsSameName(to, change.to) &&
-                            QString(one).replace(from, to) == other;
-    return one == other || hasChanged;
-}
-
-QStringList WordsOf(const Facts& facts, const ItemFact& item) {
-    const std::string_view text = facts.codeOf(item.text);
-    return QString::fromUtf8(text.data(), static_cast<int>(text.size())).split(u' ');
-}
-
-bool AreItemsSame(const Facts& before, const Facts& after, const Change& change) {
-    const auto isSame = [&](const ItemFact& one, const ItemFact& other) {
-        const QStringList words = WordsOf(before, one);
-        const QStringList others = WordsOf(after, other);
-        return std::equal(words.begin(), words.end(), others.begin(), others.end(),
-                          [&change](const QString& word, const QString& changed) {
-                              return IsSameWord(word, changed, change);
-                          });
-    };
-    return std::equal(before.items.begin(), before.items.end(), after.items.begin(),
-                      after.items.end(), isSame);
-}
-
-QString WhyNotProven(const Facts& before, const CompileResult& result, const Change& change) {
+QString WhyNotProven(const Facts& before, const CompileResult& result, const NameChange& change) {
     if (!result.facts) {
         return QStringLiteral("the renamed script was not compiled: ") + result.failure;
     }
@@ -198,9 +133,9 @@ QString WhyNotProven(const Facts& before, const CompileResult& result, const Cha
         return QStringLiteral("the renamed script would not compile: ") +
                after.textOf(after.messages.back().text).toString();
     }
-    const bool isSame = AreNamesSame(before, after, change) && AreUsesSame(before, after) &&
-                        AreItemsSame(before, after, change);
-    return isSame ? QString() : QStringLiteral("the renamed script would not mean the same");
+    return IsSameButForName(before, after, change)
+               ? QString()
+               : QStringLiteral("the renamed script would not mean the same");
 }
 
 QString RenamedText(const Model& model, const std::vector<Span>& places, const QString& name) {
@@ -238,7 +173,7 @@ Renaming RenameTo(const Model& model, int offset, const QString& newName) {
         places.push_back(each.span);
     }
     const Source renamed(model.source.name(), RenamedText(model, places, newName));
-    const Change change = {target.name, TextOfName(model, target.name), newName};
+    const NameChange change = {target.name, TextOfName(model, target.name), newName};
     const QString failure = WhyNotProven(model.facts, CompileAndWait(renamed), change);
     return failure.isEmpty() ? Renaming{places, QString()} : Renaming{{}, failure};
 }

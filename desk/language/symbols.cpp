@@ -14,10 +14,6 @@ Span Union(Span one, Span other) {
     return {std::min(one.begin, other.begin), std::max(one.end, other.end)};
 }
 
-bool Lies(Span inner, Span outer) {
-    return inner.begin >= outer.begin && inner.end <= outer.end;
-}
-
 QString DetailOf(const NameFact& name) {
     const QString type = name.type == TYP_NONE ? QString() : QString(TypToStr(name.type));
     return name.kind == NameKind::Variable
@@ -64,7 +60,6 @@ Symbol UnitSymbol(const Model& model, int unit) {
     const NameFact& name = NameOf(model, fact.name);
     const Span range = ExtentOfUnit(model, unit);
     const Span declared = DeclaredAt(model, fact.name);
-    const bool isWithin = !declared.isEmpty() && Lies(declared, range);
     const QString keyword = QString(TokensTable[Lookup(fact.kind)].text);
     const QString type = DetailOf(name);
     return {TextOfName(model, fact.name),
@@ -72,7 +67,7 @@ Symbol UnitSymbol(const Model& model, int unit) {
             name.kind,
             false,
             range,
-            isWithin ? declared : Span{range.begin, range.begin},
+            declared.isEmpty() ? Span{range.begin, range.begin} : declared,
             {}};
 }
 

@@ -144,6 +144,13 @@ TEST(Hover, OperatorsShowHowTheirOperandsAreGrouped) {
               "```st\nc AND (c OR c)\n```\nleft `BOOL`, right `BOOL`");
 }
 
+TEST(Hover, OperatorsInAPieceThatDoesNotCompileShowNothing) {
+    EXPECT_EQ(HoverOfOperation("y := a > 0 |AND a > 0;"), "");
+    EXPECT_EQ(HoverOfOperation("y := a |> 0 AND a > 0;"), "");
+    EXPECT_EQ(HoverOfOperation("x := ; y := a |> 0;"),
+              "```st\na > 0\n```\nleft `INT`, right `SINT`");
+}
+
 TEST(Hover, LongOperandsAreCut) {
     std::string sum = "a";
     for (int term = 0; term < 100; ++term) {

@@ -1,5 +1,6 @@
 // Where names are declared and used, also while a script is broken, and other names for them.
 
+#include "language/rename_proof.h"
 #include "marked_script.h"
 #include "protocols/navigation_methods.h"
 
@@ -222,6 +223,16 @@ TEST(Broken, VariablesOfOtherUnitsAreNotMeant) {
     EXPECT_EQ(DefinitionOfWord(script, "p := unknown", "p"), "none");
 }
 
+TEST(Broken, ANameThatTwoUnitsHaveIsThatOfItsOwn) {
+    const QString script = QStringLiteral(
+        "FUNCTION F : INT\nVAR_ARG x : INT; END_VAR\nRESULT := unknown + x;\nEND_FUNCTION\n"
+        "PROGRAM P\nVAR x : INT; END_VAR\nunknown := 1 2 x;\nEND_PROGRAM\nx;");
+    EXPECT_EQ(DefinitionOfWord(script, "unknown + x", "x"), "1:8 x");
+    EXPECT_EQ(DefinitionOfWord(script, "1 2 x", "x"), "5:4 x");
+    EXPECT_EQ(DefinitionOfWord(script, "x;", "RESULT"), "none");
+    EXPECT_EQ(DefinitionAt(QString(script).insert(script.size() - 2, u'|')), "none");
+}
+
 TEST(Broken, DeclarationsBreakTooAndTheOthersAreFound) {
     for (const char* const piece : {"x : ;", "x : IMT;", "x INT;", ": INT;", "x : INT",
                                     "x, y : INT;", "x : STRING;", "before : INT;", "if : INT;"}) {
@@ -356,6 +367,65 @@ TEST(Rename, ANameThatIsTakenIsRefused) {
     EXPECT_EQ(refusal("F :", "here"), "`here` is taken: Label in program `P`, line 10");
     // A variable of a unit above the function does not meet it, but would hide it.
     EXPECT_EQ(refusal("q :", "B"), "`B` is taken: function block `B`, line 4");
+}
+
+TEST(Rename, UnitsHaveNamesOfTheirOwn) {
+    EXPECT_EQ(RefusalOf("FUNCTION F : INT RESULT := 1; END_FUNCTION\n"
+                        "PROGRAM |P VAR x : INT; END_VAR x := F; END_PROGRAM",
+                        "F"),
+              "`F` is taken: function `F`, line 1");
+    EXPECT_EQ(RefusalOf("FUNCTION |F : INT RESULT := 1; END_FUNCTION\n"
+                        "PROGRAM P VAR x : INT; END_VAR x := F; END_PROGRAM",
+                        "P"),
+              "`P` is taken: program `P`, line 2");
+    EXPECT_EQ(RefusalOf("PROGRAM |P VAR x : INT; END_VAR l: x := 1; GOTO l; END_PROGRAM", "x"),
+              "renamed");
+}
+
+// Labels are compared by their capitals, of which this letter has that of "i".
+TEST(Rename, WhatTheCompilerRefusesIsRefused) {
+    EXPECT_EQ(RefusalOf("PROGRAM P VAR i : INT := 1; END_VAR |a: i := 2; GOTO a; END_PROGRAM",
+                        "\u0131"),
+              "the renamed script would not compile: Duplicate variable name \"I\"");
+}
+
+Facts FactsOf(const char* text) {
+    return OpenScript(QString::fromUtf8(text)).model.facts;
+}
+
+TEST(RenameProof, OnlyTheNameMayDiffer) {
+    const Facts before = FactsOf(
+        "PROGRAM P VAR a : INT := 1; b : INT := 1; END_VAR\n"
+        "a := b; END_PROGRAM");
+    const NameChange change = {1, QStringLiteral("a"), QStringLiteral("c")};
+    const auto isSame = [&](const char* text) {
+        return IsSameButForName(before, FactsOf(text), change);
+    };
+    EXPECT_TRUE(isSame("PROGRAM P VAR c : INT := 1; b : INT := 1; END_VAR c := b; END_PROGRAM"));
+    EXPECT_FALSE(isSame("PROGRAM P VAR a : INT := 1; b : INT := 1; END_VAR a := b; END_PROGRAM"));
+    EXPECT_FALSE(isSame("PROGRAM P VAR c : INT := 1; d : INT := 1; END_VAR c := d; END_PROGRAM"));
+    EXPECT_FALSE(isSame("PROGRAM P VAR c : INT := 1; b : INT := 1; END_VAR c := c; END_PROGRAM"));
+    EXPECT_FALSE(isSame("PROGRAM P VAR c : INT := 1; b : INT := 1; END_VAR b := c; END_PROGRAM"));
+    EXPECT_FALSE(isSame("PROGRAM P VAR c : INT := 2; b : INT := 1; END_VAR c := b; END_PROGRAM"));
+    EXPECT_FALSE(
+        isSame("PROGRAM P VAR c : REAL := 1; b : INT := 1; END_VAR c := b; END_PROGRAM"));
+    EXPECT_FALSE(
+        isSame("PROGRAM P VAR c : INT := 1; b : INT := 1; END_VAR c := b; c := b; "
+               "END_PROGRAM"));
+}
+
+TEST(RenameProof, UsesAreComparedWhereTheCodeIsTheSame) {
+    const Facts before = FactsOf(
+        "PROGRAM P VAR a : INT := 1; b : INT := 1; END_VAR\n"
+        "a := b; END_PROGRAM");
+    Facts after = before;
+    const NameChange none = {1, QStringLiteral("a"), QStringLiteral("a")};
+    EXPECT_TRUE(IsSameButForName(before, after, none));
+    after.uses[0].kind = UseKind::Reference;
+    EXPECT_FALSE(IsSameButForName(before, after, none));
+    after = before;
+    after.names[2].section = TOKEN_VAR_INPUT;
+    EXPECT_FALSE(IsSameButForName(before, after, none));
 }
 
 TEST(Rename, WhatHasNoNameOfItsOwnIsRefused) {
