@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Measures yxstcmp beside tcc and luac on the same generated programs, or beside another build, or
-the desk's program beside yxstcmp, or the desk's machine beside Lua.
+the desk's program beside yxstcmp, its language server beside its check, or its machine beside Lua.
 
 All programs take turns within each round; a figure is the median of the rounds. Time is user
 plus system time. The result goes to standard output as Markdown; goals that are missed are shown
@@ -19,6 +19,7 @@ from typing import NamedTuple, Optional
 
 import against
 import desk
+import lsp
 import machine
 from generate import tokens_per_line
 from runner import (
@@ -288,6 +289,7 @@ def parse_arguments():
     parser.add_argument("--against", type=program_path, metavar="OTHER_YXSTCMP",
                         help="compare with another build of the compiler")  # fmt: skip
     parser.add_argument("--desk", action="store_true", help="compare yxst with the compiler")
+    parser.add_argument("--lsp", action="store_true", help="compare yxst lsp with yxst check")
     parser.add_argument("--machine", action="store_true", help="compare yxst's machine with Lua")
     return parser.parse_args()
 
@@ -303,12 +305,14 @@ def measure_beside_peers(runner, plan, max_lines):
 def main():
     arguments = parse_arguments()
     runner = Runner(arguments.build.resolve(), arguments.seed)
-    if not (arguments.against or arguments.desk or arguments.machine):
+    if not (arguments.against or arguments.desk or arguments.lsp or arguments.machine):
         plan = QUICK if arguments.quick else FULL
         return measure_beside_peers(runner, plan, arguments.max_lines)
     try:
         if arguments.desk:
             desk.compare(runner, arguments.quick)
+        elif arguments.lsp:
+            lsp.compare(runner, arguments.quick)
         elif arguments.machine:
             machine.compare(runner, arguments.quick)
         else:
