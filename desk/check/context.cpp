@@ -298,7 +298,8 @@ const NameFact* VariableNamed(const Context& context, QStringView name) {
 namespace {
 
 Callee BuiltInOf(const FunctionItem& function) {
-    Callee callee = {function.name(), function.isFunction, {}, {}};
+    const Typ type = function.isFunction ? function.resultType : TYP_NONE;
+    Callee callee = {function.name(), function.isFunction, {}, {}, type};
     for (const VarItem& argument : function.arguments) {
         callee.formals.push_back({QString(), argument.type, false});
     }
@@ -324,7 +325,7 @@ Callee DefinitionOf(const Facts& facts, int unit) {
     const UnitFact& fact = facts.units[static_cast<std::size_t>(unit)];
     const NameFact& own = facts.names[static_cast<std::size_t>(fact.name)];
     Callee callee = {
-        facts.textOf(own.text).toString(), fact.kind == TOKEN_FUNCTION, {}, own.span};
+        facts.textOf(own.text).toString(), fact.kind == TOKEN_FUNCTION, {}, own.span, own.type};
     for (const NameFact& name : facts.names) {
         if (IsArgument(name, unit)) {
             callee.formals.push_back(

@@ -149,6 +149,7 @@ struct Callee {
     bool isFunction;
     std::vector<Formal> formals;
     Span span;  // where it is defined, empty for a built-in
+    Typ type;   // of its result, TYP_NONE for a function block
 };
 const std::vector<Callee>& BuiltInCallees();
 std::optional<Callee> CalleeNamed(const Context& context, QStringView name);

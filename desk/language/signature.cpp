@@ -1,0 +1,59 @@
+#include "language/signature.h"
+
+#include "language/places.h"
+
+#include "qyx_types.h"
+
+#include <algorithm>
+
+namespace {
+
+QString TextOf(const Formal& formal) {
+    const QString type = QString(TypToStr(formal.type));
+    const QString reference = formal.isReference ? QStringLiteral("VAR_REF ") : QString();
+    return formal.name.isEmpty() ? type : reference + formal.name + QStringLiteral(" : ") + type;
+}
+
+bool IsBuiltIn(const Callee& callee) {
+    const std::vector<Callee>& all = BuiltInCallees();
+    return std::any_of(all.begin(), all.end(),
+                       [&callee](const Callee& each) { return each.name == callee.name; });
+}
+
+// Whether the script defines it before the offset. A mend defines what is unknown.
+bool IsDefinedBefore(const Source& source, const Callee& callee, int offset) {
+    return callee.span.begin < offset &&
+           source.text(callee.span).compare(callee.name, Qt::CaseInsensitive) == 0;
+}
+
+}  // namespace
+
+SignatureText SignatureOf(const Callee& callee) {
+    SignatureText text = {callee.name + u'(', {}};
+    for (const Formal& formal : callee.formals) {
+        text.label += text.parameters.empty() ? QString() : QStringLiteral(", ");
+        const int begin = text.label.size();
+        text.label += TextOf(formal);
+        text.parameters.push_back({begin, text.label.size()});
+    }
+    text.label += u')';
+    if (callee.isFunction) {
+        text.label += QStringLiteral(" : ") + TypToStr(callee.type);
+    }
+    return text;
+}
+
+std::optional<Signature> SignatureAt(const Model& model, int offset) {
+    if (PlaceKindAt(model, offset) != PlaceKind::Code) {
+        return std::nullopt;
+    }
+    const Context context = ContextOf(model.source, model.facts);
+    const std::optional<CallPlace> place = CallAround(context, IndexOf(context, offset));
+    if (!place) {
+        return std::nullopt;
+    }
+    const std::optional<Callee> callee = CalleeNamed(context, PieceAt(context, place->name).text);
+    const bool isThere =
+        callee && (IsBuiltIn(*callee) || IsDefinedBefore(model.source, *callee, offset));
+    return isThere ? std::make_optional(Signature{*callee, place->parameter}) : std::nullopt;
+}
