@@ -14,7 +14,8 @@ struct Help {
     QString id;    // of the rule that gives it
     QString text;  // what to do, no full stop at its end
     Span span;     // the place that it is about where that is another than the diagnostic's
-    // What does it to the text that was compiled, where that is certain; none otherwise.
+    // What does it to the text that was compiled, in a diagnostic to the script, where that is
+    // certain; none otherwise.
     std::vector<Edit> mend = {};
     // Whether it is true whatever the names around it mean.
     bool isAboutText = false;

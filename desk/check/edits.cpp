@@ -83,3 +83,18 @@ int Edits::originalEnd(int offset) const {
     const bool isWithin = position.edit != nullptr && original > position.edit->span.begin;
     return isWithin ? position.edit->span.end : original;
 }
+
+std::optional<Span> Edits::exact(Span span) const {
+    int shift = 0;
+    int shiftBefore = 0;
+    for (const Edit& edit : edits_) {
+        const int begin = edit.span.begin + shift;
+        const int end = begin + edit.text.size();
+        if (span.begin < end && span.end > begin) {
+            return std::nullopt;
+        }
+        shift += edit.text.size() - edit.span.length();
+        shiftBefore = end <= span.begin ? shift : shiftBefore;
+    }
+    return Span{span.begin - shiftBefore, span.end - shiftBefore};
+}

@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 // A piece of the script and what stands in its place.
@@ -46,6 +47,10 @@ public:
     int originalBegin(int offset) const;
     int originalEnd(int offset) const;
     Span original(Span span) const { return {originalBegin(span.begin), originalEnd(span.end)}; }
+
+    // The piece of the script that stands unchanged in a piece of the changed text, or the place
+    // for an empty one; none if the piece holds some of a change.
+    std::optional<Span> exact(Span span) const;
 
 private:
     std::vector<Edit> edits_;

@@ -84,12 +84,24 @@ Facts FileCheck::factsOfScript(const Facts& facts) const {
     return ofScript;
 }
 
+// What a mend of the text that was compiled is to the script; none if it meets an earlier edit.
+std::vector<Edit> FileCheck::mendOfScript(std::vector<Edit> mend) const {
+    for (Edit& edit : mend) {
+        const std::optional<Span> span = edits_.exact(edit.span);
+        if (!span) {
+            return {};
+        }
+        edit.span = *span;
+    }
+    return mend;
+}
+
 void FileCheck::reportError(const Facts& facts, std::vector<Help> helps) {
     Diagnostic error = diagnosticOf(facts, ErrorOf(facts));
     error.helps = std::move(helps);
     for (Help& help : error.helps) {
         help.span = edits_.original(help.span);
-        help.mend.clear();
+        help.mend = mendOfScript(help.mend);
     }
     found_.push_back(std::move(error));
     ++errors_;

@@ -64,6 +64,7 @@ private:
     bool isDoubtfulName(int unit, const QString& name) const;
     int unitAt(const Facts& facts, int place) const;
     Facts factsOfScript(const Facts& facts) const;
+    std::vector<Edit> mendOfScript(std::vector<Edit> mend) const;
     void reportError(const Facts& facts, std::vector<Help> helps);
     bool mend(const Facts& facts, const std::vector<Help>& helps);
     bool repair(const Facts& facts);

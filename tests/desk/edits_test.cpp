@@ -105,4 +105,33 @@ TEST(NeutralText, IsLongerWhereThereIsNoRoom) {
     EXPECT_EQ(NeutralText(QString(), QStringLiteral("x")), QStringLiteral("x"));
 }
 
+// The begin and end of the script's piece in the changed text, "-" if there is none.
+QString ExactOf(const Edits& edits, Span span) {
+    const std::optional<Span> exact = edits.exact(span);
+    return exact ? QStringLiteral("%1 %2").arg(exact->begin).arg(exact->end)
+                 : QStringLiteral("-");
+}
+
+TEST(Edits, PiecesWithoutAChangeAreExact) {
+    // 01ab4567cd89
+    const Edits edits = EditsOf({{{2, 4}, QStringLiteral("ab")}, {{8, 8}, QStringLiteral("cd")}});
+    EXPECT_EQ(ExactOf(edits, {0, 2}), "0 2");
+    EXPECT_EQ(ExactOf(edits, {4, 8}), "4 8");
+    EXPECT_EQ(ExactOf(edits, {10, 12}), "8 10");
+    EXPECT_EQ(ExactOf(edits, {2, 2}), "2 2");
+    EXPECT_EQ(ExactOf(edits, {4, 4}), "4 4");
+    EXPECT_EQ(ExactOf(edits, {8, 8}), "8 8");
+    for (const Span touching : {Span{1, 3}, Span{3, 3}, Span{2, 4}, Span{3, 5}, Span{0, 12},
+                                Span{7, 9}, Span{9, 9}, Span{9, 11}}) {
+        EXPECT_EQ(ExactOf(edits, touching), "-") << touching.begin << ' ' << touching.end;
+    }
+}
+
+TEST(Edits, PiecesAroundWhatIsTakenOutAreNotExact) {
+    const Edits edits = EditsOf({{{2, 5}, QString()}});
+    EXPECT_EQ(ExactOf(edits, {0, 2}), "0 2");
+    EXPECT_EQ(ExactOf(edits, {2, 4}), "5 7");
+    EXPECT_EQ(ExactOf(edits, {1, 3}), "-");
+}
+
 }  // namespace

@@ -1,0 +1,153 @@
+// Mends of scripts: each removes what it is for, also where it is one error of several.
+
+#include "language/fixes.h"
+
+#include "lint_cases.h"
+#include "lints/lints.h"
+#include "print_text.h"
+#include "rule_cases.h"
+#include "rule_slips.h"
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+constexpr int ENOUGH = 50;  // errors
+
+Model ModelOfText(const QString& text) {
+    const auto findMore = [](const Source& source, const Facts& facts) {
+        return FindLints(source, facts, {});
+    };
+    return ModelOf(Source(QStringLiteral("script.st"), text), ENOUGH, findMore);
+}
+
+QString Applied(const QString& text, const std::vector<Edit>& edits) {
+    Edits all;
+    for (const Edit& edit : edits) {
+        all.add(edit);
+    }
+    return all.applyTo(text);
+}
+
+Span WholeOf(const Model& model) {
+    return {0, model.source.size()};
+}
+
+// The diagnostics that say the same.
+int CountOf(const Model& model, const Diagnostic& like) {
+    return static_cast<int>(
+        std::count_if(model.diagnostics.begin(), model.diagnostics.end(),
+                      [&like](const Diagnostic& each) { return each.message == like.message; }));
+}
+
+void ExpectRemoves(const Model& before, const Fix& fix) {
+    const QString text = Applied(before.source.text(), fix.edits);
+    const Model after = ModelOfText(text);
+    EXPECT_LT(CountOf(after, *fix.diagnostic), CountOf(before, *fix.diagnostic))
+        << fix.title.toStdString() << "\n"
+        << before.source.text().toStdString() << "\n"
+        << text.toStdString();
+}
+
+std::vector<QString> AllSlips() {
+    std::vector<QString> scripts;
+    for (const RuleCase& each : RuleCases()) {
+        scripts.push_back(each.slip);
+    }
+    for (const Slip& each : OtherSlips()) {
+        scripts.push_back(each.script);
+    }
+    return scripts;
+}
+
+TEST(Mends, RemoveWhatTheyAreFor) {
+    int count = 0;
+    for (const QString& script : AllSlips()) {
+        const Model model = ModelOfText(script);
+        for (const Fix& fix : MendsIn(model, WholeOf(model))) {
+            ExpectRemoves(model, fix);
+            ++count;
+        }
+    }
+    EXPECT_GT(count, 40);
+}
+
+// Each mend is the one that its statement has alone, whatever was taken out before it.
+TEST(Mends, StandAtTheirPlaceAmongOtherErrors) {
+    const Model model = ModelOfText(Statements(R"(
+count := unknown;
+count = 1;
+level := foreign(1, 2) + ;
+IF count => 2 THEN count := := 4; END_IF;
+ready := TRUE && FALSE;
+)"));
+    const std::vector<Fix> fixes = MendsIn(model, WholeOf(model));
+    EXPECT_THAT(fixes, SizeIs(3));
+    for (const Fix& fix : fixes) {
+        ExpectRemoves(model, fix);
+    }
+    const QString mended = Applied(model.source.text(), AllMends(model));
+    EXPECT_TRUE(mended.contains(QStringLiteral("\ncount := 1;\n"))) << mended.toStdString();
+    EXPECT_TRUE(mended.contains(QStringLiteral("IF count >= 2 THEN"))) << mended.toStdString();
+    EXPECT_TRUE(mended.contains(QStringLiteral("TRUE AND FALSE"))) << mended.toStdString();
+}
+
+TEST(Mends, AreThoseOfTheRange) {
+    const Model model = ModelOfText(Statements("\ncount = 1;\ncount = 2;\n"));
+    const int first = model.source.text().indexOf(QStringLiteral("= 1"));
+    EXPECT_THAT(MendsIn(model, {first, first}), SizeIs(1));
+    EXPECT_THAT(MendsIn(model, WholeOf(model)), SizeIs(2));
+    EXPECT_THAT(MendsIn(model, {0, 0}), IsEmpty());
+    EXPECT_THAT(MendsIn(ModelOfText(QString()), {0, 0}), IsEmpty());
+}
+
+// ---------------------------------------------------------------------------------------------
+// Comments that allow
+// ---------------------------------------------------------------------------------------------
+
+// The script's line that the first allowance changes, as it is then; empty if there is none.
+QString AllowedIn(const char* statements) {
+    const Model model = ModelOfText(LintedStatements(statements));
+    const std::vector<Fix> fixes = AllowancesIn(model, WholeOf(model));
+    if (fixes.empty()) {
+        return {};
+    }
+    const int line = model.source.placeOf(fixes.front().edits.front().span.begin).line;
+    const Source after(QString(), Applied(model.source.text(), fixes.front().edits));
+    return after.text(after.lineAt(line)).toString();
+}
+
+TEST(Allowances, AreWrittenAtTheEndOfTheLine) {
+    EXPECT_EQ(AllowedIn("x := r = q;"), "x := r = q;  // yxst:allow real-equality");
+    EXPECT_EQ(AllowedIn("x := r = q; // twice"), "x := r = q; // twice yxst:allow real-equality");
+    EXPECT_EQ(AllowedIn("again: x := r = q; // yxst:allow unused-label as it is"),
+              "again: x := r = q; // yxst:allow unused-label, real-equality as it is");
+}
+
+TEST(Allowances, AreNoneWhereACommentCannotStand) {
+    EXPECT_EQ(AllowedIn("CASE a OF 1: x := r = q;\n3..5: a := 1; END_CASE;"), "");
+    EXPECT_EQ(AllowedIn("CASE a OF 1: x := r = q; (* over\n*) 3: a := 1; END_CASE;"),
+              "CASE a OF 1: x := r = q; (* over yxst:allow real-equality");
+    EXPECT_EQ(AllowedIn("a := b;"), "");
+}
+
+TEST(Allowances, RemoveWhatLintsFind) {
+    int count = 0;
+    for (const auto cases :
+         {CasesOfStatements, CasesOfDeclarations, CasesOfGrouping, CasesOfValues}) {
+        for (const LintCase& each : cases()) {
+            const Model model = ModelOfText(each.script);
+            for (const Fix& fix : AllowancesIn(model, WholeOf(model))) {
+                ExpectRemoves(model, fix);
+                ++count;
+            }
+        }
+    }
+    EXPECT_GT(count, 50);
+}
+
+}  // namespace
