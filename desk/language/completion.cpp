@@ -163,15 +163,16 @@ void AddLabels(const Facts& facts, std::vector<Proposal>& proposals) {
 // ---------------------------------------------------------------------------------------------
 
 // "${2:value}": what stands in a gap may not hold the marks of snippets, and names do not.
-QString GapOf(const Formal& formal, int number) {
-    const QString text = formal.name.isEmpty() ? QString(TypToStr(formal.type)) : formal.name;
+QString GapOf(const Formal& formal, const QString& name, int number) {
+    const QString text = name.isEmpty() ? QString(TypToStr(formal.type)) : name;
     return QStringLiteral("${%1:%2}").arg(number).arg(text);
 }
 
 QString CallSnippet(const Callee& callee) {
+    const QStringList names = NamesOfFormals(callee);
     QStringList gaps;
     for (const Formal& formal : callee.formals) {
-        gaps.append(GapOf(formal, gaps.size() + 1));
+        gaps.append(GapOf(formal, names.value(gaps.size()), gaps.size() + 1));
     }
     return gaps.isEmpty() ? QString()
                           : callee.name + u'(' + gaps.join(QStringLiteral(", ")) + u')';

@@ -1,5 +1,6 @@
 #include "language/signature.h"
 
+#include "explain/words.h"
 #include "language/places.h"
 
 #include "qyx_types.h"
@@ -8,10 +9,10 @@
 
 namespace {
 
-QString TextOf(const Formal& formal) {
+QString TextOf(const Formal& formal, const QString& name) {
     const QString type = QString(TypToStr(formal.type));
     const QString reference = formal.isReference ? QStringLiteral("VAR_REF ") : QString();
-    return formal.name.isEmpty() ? type : reference + formal.name + QStringLiteral(" : ") + type;
+    return name.isEmpty() ? type : reference + name + QStringLiteral(" : ") + type;
 }
 
 bool IsBuiltIn(const Callee& callee) {
@@ -28,12 +29,25 @@ bool IsDefinedBefore(const Source& source, const Callee& callee, int offset) {
 
 }  // namespace
 
+QStringList NamesOfFormals(const Callee& callee) {
+    const BuiltInRow* const row = BuiltInRowOf(callee.name);
+    if (row != nullptr && !callee.formals.empty()) {
+        return ParameterTexts(*row);
+    }
+    QStringList names;
+    for (const Formal& formal : callee.formals) {
+        names.append(formal.name);
+    }
+    return names;
+}
+
 SignatureText SignatureOf(const Callee& callee) {
     SignatureText text = {callee.name + u'(', {}};
+    const QStringList names = NamesOfFormals(callee);
     for (const Formal& formal : callee.formals) {
         text.label += text.parameters.empty() ? QString() : QStringLiteral(", ");
         const int begin = text.label.size();
-        text.label += TextOf(formal);
+        text.label += TextOf(formal, names.value(static_cast<int>(text.parameters.size())));
         text.parameters.push_back({begin, text.label.size()});
     }
     text.label += u')';

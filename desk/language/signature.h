@@ -11,6 +11,9 @@ struct SignatureText {
     std::vector<Span> parameters;  // in the label
 };
 
+// What the script or the manual calls each parameter, empty where it has no name.
+QStringList NamesOfFormals(const Callee& callee);
+
 SignatureText SignatureOf(const Callee& callee);
 
 struct Signature {
