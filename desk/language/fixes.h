@@ -6,7 +6,7 @@
 struct Fix {
     QString title;
     const Diagnostic* diagnostic;  // that it removes, of the model
-    std::vector<Edit> edits;       // of the script
+    std::vector<Edit> edits;       // of the script, none within another
 };
 
 // What the helps say, for each diagnostic that has some of its text in the range, where they say

@@ -1,7 +1,9 @@
 #include "protocols/methods.h"
 
+#include "protocols/mending_methods.h"
 #include "protocols/navigation_methods.h"
 #include "protocols/outline_methods.h"
+#include "protocols/writing_methods.h"
 
 #include <algorithm>
 
@@ -23,6 +25,20 @@ const std::vector<Method>& Methods() {
         {"workspace/symbol", nullptr, WorkspaceSymbolMethod, "workspaceSymbolProvider", nullptr},
         {"textDocument/codeLens", CodeLensMethod, nullptr, "codeLensProvider", CodeLensOptions},
         {"textDocument/inlayHint", InlayHintMethod, nullptr, "inlayHintProvider", nullptr},
+        {"textDocument/completion", CompletionMethod, nullptr, "completionProvider",
+         CompletionOptions},
+        {"textDocument/signatureHelp", SignatureHelpMethod, nullptr, "signatureHelpProvider",
+         SignatureHelpOptions},
+        {"textDocument/foldingRange", FoldingRangeMethod, nullptr, "foldingRangeProvider",
+         nullptr},
+        {"textDocument/selectionRange", SelectionRangeMethod, nullptr, "selectionRangeProvider",
+         nullptr},
+        {"textDocument/semanticTokens/full", SemanticTokensMethod, nullptr,
+         "semanticTokensProvider", SemanticTokensOptions},
+        {"textDocument/semanticTokens/range", SemanticTokensRangeMethod, nullptr, nullptr,
+         nullptr},
+        {"textDocument/codeAction", CodeActionMethod, nullptr, "codeActionProvider",
+         CodeActionOptions},
         {"yxst/code", CodeMethod, nullptr, nullptr, nullptr},
     };
     return methods;

@@ -2,6 +2,7 @@
 
 #include "language/hover.h"
 #include "language/rename.h"
+#include "protocols/workspace_edit.h"
 
 #include <QJsonArray>
 
@@ -98,38 +99,17 @@ QJsonValue PrepareRenameMethod(const Script& script, const QJsonObject& params) 
         {QStringLiteral("placeholder"), script.source().text(target.span).toString()}};
 }
 
-namespace {
-
-// With the version of the script for clients that look at it.
-QJsonObject WorkspaceEdit(const Script& script, const QJsonArray& edits) {
-    const bool takesVersions = script.client[QStringLiteral("workspace")]
-                                   .toObject()[QStringLiteral("workspaceEdit")]
-                                   .toObject()[QStringLiteral("documentChanges")]
-                                   .toBool();
-    if (!takesVersions) {
-        return {{QStringLiteral("changes"), QJsonObject{{script.uri, edits}}}};
-    }
-    const QJsonObject document = {{QStringLiteral("uri"), script.uri},
-                                  {QStringLiteral("version"), script.version}};
-    const QJsonObject change = {{QStringLiteral("textDocument"), document},
-                                {QStringLiteral("edits"), edits}};
-    return {{QStringLiteral("documentChanges"), QJsonArray{change}}};
-}
-
-}  // namespace
-
 QJsonValue RenameMethod(const Script& script, const QJsonObject& params) {
     const QString name = params[QStringLiteral("newName")].toString();
     const Renaming renaming = RenameTo(script.model, OffsetOf(script, params), name);
     if (!renaming.refusal.isEmpty()) {
         throw RequestFailed{renaming.refusal};
     }
-    QJsonArray edits;
+    std::vector<Edit> edits;
     for (const Span place : renaming.places) {
-        edits.append(QJsonObject{{QStringLiteral("range"), script.lines.rangeOf(place)},
-                                 {QStringLiteral("newText"), name}});
+        edits.push_back({place, name});
     }
-    return WorkspaceEdit(script, edits);
+    return WorkspaceEdit(script, TextEdits(script, edits));
 }
 
 QJsonValue RenameOptions() {

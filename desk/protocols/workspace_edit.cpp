@@ -1,0 +1,25 @@
+#include "protocols/workspace_edit.h"
+
+QJsonArray TextEdits(const Script& script, const std::vector<Edit>& edits) {
+    QJsonArray array;
+    for (const Edit& edit : edits) {
+        array.append(QJsonObject{{QStringLiteral("range"), script.lines.rangeOf(edit.span)},
+                                 {QStringLiteral("newText"), edit.text}});
+    }
+    return array;
+}
+
+QJsonObject WorkspaceEdit(const Script& script, const QJsonArray& edits) {
+    const bool takesVersions = script.client[QStringLiteral("workspace")]
+                                   .toObject()[QStringLiteral("workspaceEdit")]
+                                   .toObject()[QStringLiteral("documentChanges")]
+                                   .toBool();
+    if (!takesVersions) {
+        return {{QStringLiteral("changes"), QJsonObject{{script.uri, edits}}}};
+    }
+    const QJsonObject document = {{QStringLiteral("uri"), script.uri},
+                                  {QStringLiteral("version"), script.version}};
+    const QJsonObject change = {{QStringLiteral("textDocument"), document},
+                                {QStringLiteral("edits"), edits}};
+    return {{QStringLiteral("documentChanges"), QJsonArray{change}}};
+}
