@@ -18,5 +18,7 @@ Status RunLsp() {
 
 Runner DeclareLsp(CLI::App& command) {
     command.footer("Editors start it and speak the language server protocol with it.");
+    command.add_flag("--stdio",
+                     "Accepted, without effect: it speaks by standard input and standard output");
     return RunLsp;
 }

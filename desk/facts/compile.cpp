@@ -8,6 +8,7 @@
 #include "qyx_scanner.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -138,6 +139,14 @@ QString FailureOf(int status) {
                                                  : QStringLiteral("the compiler has failed");
 }
 
+// Whether there is something to take before that time.
+bool IsReadableBefore(std::chrono::steady_clock::time_point end, int descriptor) {
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    pollfd pipe = {descriptor, POLLIN, 0};
+    return poll(&pipe, 1, static_cast<int>(std::max<long>(left.count(), 0))) != 0;
+}
+
 }  // namespace
 
 // What may be printed later must not be printed by the child as well.
@@ -212,6 +221,21 @@ CompileResult CompileProcess::result() {
 CompileResult CompileAndWait(const Source& source, Detail detail) {
     CompileProcess process(source, detail);
     while (process.descriptor() >= 0 && process.takeSome()) {
+    }
+    return process.result();
+}
+
+CompileResult CompileWithin(std::chrono::milliseconds limit, const Source& source,
+                            Detail detail) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    CompileProcess process(source, detail);
+    while (process.descriptor() >= 0) {
+        if (!IsReadableBefore(end, process.descriptor())) {
+            return {std::nullopt, QStringLiteral("the compiler has taken too long")};
+        }
+        if (!process.takeSome()) {
+            break;
+        }
     }
     return process.result();
 }

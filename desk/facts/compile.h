@@ -6,6 +6,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <optional>
 
 // How much of the facts is wanted.
@@ -50,3 +51,7 @@ private:
 
 // Compiles and waits for what comes of it.
 CompileResult CompileAndWait(const Source& source, Detail detail = Detail::All);
+
+// The same, but ends a compile that takes longer, which is a failure.
+CompileResult CompileWithin(std::chrono::milliseconds limit, const Source& source,
+                            Detail detail = Detail::All);

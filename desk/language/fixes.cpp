@@ -97,6 +97,9 @@ std::vector<Edit> AllMends(const Model& model) {
 
 namespace {
 
+// A large range may have many findings, each of which takes a compile: some are enough.
+constexpr std::chrono::milliseconds PATIENCE_FOR_ALLOWANCES(500);
+
 QSet<QString> KnownLints() {
     const QStringList ids = LintIds();
     return QSet<QString>(ids.begin(), ids.end());
@@ -136,7 +139,7 @@ bool IsProved(const Model& model, const Edit& edit, const QString& id) {
     Edits edits;
     edits.add(edit);
     const Source after(model.source.name(), edits.applyTo(model.source.text()));
-    const CompileResult result = CompileAndWait(after);
+    const CompileResult result = CompileWithin(PATIENCE, after);
     if (!result.facts || result.facts->codes != model.facts.codes) {
         return false;
     }
@@ -153,7 +156,11 @@ std::vector<Fix> AllowancesIn(const Model& model, Span range) {
         return fixes;
     }
     const QSet<QString> lints = KnownLints();
+    const auto end = std::chrono::steady_clock::now() + PATIENCE_FOR_ALLOWANCES;
     for (const Diagnostic* diagnostic : DiagnosticsIn(model, range)) {
+        if (std::chrono::steady_clock::now() > end) {
+            break;
+        }
         const Edit edit = AllowanceAt(model, *diagnostic);
         if (lints.contains(diagnostic->id) && IsProved(model, edit, diagnostic->id)) {
             const QString title = QStringLiteral("Allow %1 on this line").arg(diagnostic->id);

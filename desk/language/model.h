@@ -4,6 +4,11 @@
 
 #include "check/file_check.h"
 
+#include <chrono>
+
+// How long an editor waits for what is proved by a compile.
+constexpr std::chrono::seconds PATIENCE(5);
+
 // Places are those of the script. While the script has errors, the facts are those of the text
 // without the pieces that do not compile: what was put in for such a piece stands at its begin.
 struct Model {

@@ -174,6 +174,6 @@ Renaming RenameTo(const Model& model, int offset, const QString& newName) {
     }
     const Source renamed(model.source.name(), RenamedText(model, places, newName));
     const NameChange change = {target.name, TextOfName(model, target.name), newName};
-    const QString failure = WhyNotProven(model.facts, CompileAndWait(renamed), change);
+    const QString failure = WhyNotProven(model.facts, CompileWithin(PATIENCE, renamed), change);
     return failure.isEmpty() ? Renaming{places, QString()} : Renaming{{}, failure};
 }

@@ -90,8 +90,10 @@ QJsonObject DescriptionOf(const Diagnostic& diagnostic, const QString& manual) {
     return {{QStringLiteral("href"), url.toString(QUrl::FullyEncoded)}};
 }
 
-bool IsUnused(const QString& id) {
-    return id.startsWith(QLatin1String("unused-")) || id == QLatin1String("unreachable-code");
+// Whether it is about what could as well not be there.
+bool IsUnnecessary(const QString& id) {
+    return id.startsWith(QLatin1String("unused-")) || id == QLatin1String("unreachable-code") ||
+           id.startsWith(QLatin1String("is-declared-but-never-used"));
 }
 
 void AddUnlessEmpty(QJsonObject& object, const QString& name, const QJsonObject& value) {
@@ -115,7 +117,7 @@ QJsonObject LspDiagnostic(const Script& script, const Diagnostic& diagnostic,
                           {MESSAGE, MessageOf(script, diagnostic)}};
     AddUnlessEmpty(object, QStringLiteral("codeDescription"), DescriptionOf(diagnostic, manual));
     AddUnlessEmpty(object, QStringLiteral("tags"),
-                   IsUnused(diagnostic.id) ? QJsonArray{UNNECESSARY} : QJsonArray());
+                   IsUnnecessary(diagnostic.id) ? QJsonArray{UNNECESSARY} : QJsonArray());
     AddUnlessEmpty(object, QStringLiteral("relatedInformation"), RelatedTo(script, diagnostic));
     return object;
 }

@@ -69,6 +69,8 @@ _yxst() {
         elif [[ ${command[0]} == test ]]; then
             mapfile -t COMPREPLY < <(_yxst_tables "$word")
             return
+        elif [[ ${command[0]} == lsp ]]; then
+            return
         else
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return

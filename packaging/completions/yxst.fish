@@ -70,4 +70,4 @@ complete -c yxst -n "__yxst_word_for test; and not contains -- --new (commandlin
     -a "(__fish_complete_suffix .test)"
 complete -c yxst -n "__yxst_word_for test; and contains -- --new (commandline -opc)" \
     -a "(__fish_complete_suffix .st)"
-complete -c yxst -n "__yxst_word_for --others explain check facts fmt test" -F
+complete -c yxst -n "__yxst_word_for --others explain check facts fmt lsp test" -F

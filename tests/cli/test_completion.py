@@ -194,6 +194,7 @@ class DeskCompletion(Completion):
         self.assertCountEqual(self.offered(*with_equals), formats)
         self.assertCountEqual(self.offered("explain", "--color", ""), ["auto", "always", "never"])
         self.assertIn("incompatible-types", self.offered("explain", ""))
+        self.assertEqual(self.offered("lsp", ""), [])
 
 
 class DeskBash(DeskCompletion):

@@ -167,6 +167,14 @@ class Pages(PagesTestCase):
                 for its_id in ids:
                     self.assertIn(f"#{its_id}", page.targets)
 
+    def test_identifiers_have_places(self):
+        for name, marks in (("diagnostics", "id"), ("lints", "reason"), ("check", "reason")):
+            text = (ROOT / "docs/manual" / f"{name}.md").read_text("utf-8")
+            ids = re.findall(rf"^<!-- {marks}: (.*) -->$", text, re.MULTILINE)
+            self.assertTrue(ids)
+            for its_id in ", ".join(ids).split(", "):
+                self.assertIn(f"id-{its_id}", self.pages[f"{name}.html"].ids)
+
     def test_links_lead_somewhere_in_the_folder(self):
         for name, page in self.pages.items():
             for target in page.targets:

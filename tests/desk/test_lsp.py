@@ -459,6 +459,16 @@ class Compiles(unittest.TestCase):
             (found,) = client.diagnostics()
             self.assertIn("after 0.5 seconds", found["message"])
 
+    def test_one_that_proves_a_new_name_is_ended_too(self):
+        with Client(capabilities={}) as client:
+            client.open(LONG)
+            client.diagnostics()
+            asked = client.ask("textDocument/rename", {**client.at(2, 4), "newName": "height"})
+            os.kill(wait_for(lambda: child_of(client.process.pid)), signal.SIGSTOP)
+            with self.assertRaisesRegex(ServerError, "too long"):
+                client.answer(asked)
+            self.assert_lives(client)
+
     def test_a_text_that_changes_ends_the_old_one(self):
         with Client(capabilities={}) as client:
             self.hurt(client, signal.SIGSTOP)

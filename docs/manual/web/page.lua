@@ -165,11 +165,37 @@ local function link(its_link)
     return its_link
 end
 
--- Comments are for those who write the pages.
-local function without_comment(block)
-    if block.text:match("^<!%-%-") then
-        return {}
+-- The identifiers in comments are places that editors lead to: those of messages and lints. A page
+-- may have several entries for one; the first has the place.
+local placed = {}
+
+local function places_of(comment)
+    local ids = comment:match("^<!%-%- id: (.-) %-%->") or comment:match("^<!%-%- reason: (.-) %-%->")
+    local places = pandoc.List()
+    for id in (ids or ""):gmatch("[%w-]+") do
+        if not placed[id] then
+            placed[id] = true
+            places:insert(pandoc.RawInline("html", '<span id="id-' .. id .. '"></span>'))
+        end
     end
+    return places
+end
+
+local function is_comment(block)
+    return block.t == "RawBlock" and block.text:match("^<!%-%-")
+end
+
+-- Comments are for those who write the pages; their places go into the headings above them.
+local function without_comments(blocks)
+    local left = pandoc.List()
+    for _, block in ipairs(blocks) do
+        if not is_comment(block) then
+            left:insert(block)
+        elseif #left > 0 and left[#left].t == "Header" then
+            left[#left].content = places_of(block.text) .. left[#left].content
+        end
+    end
+    return left
 end
 
 return {
@@ -179,6 +205,6 @@ return {
         CodeBlock = example,
         Table = wide_table,
         Link = link,
-        RawBlock = without_comment,
+        Blocks = without_comments,
     },
 }
