@@ -255,6 +255,6 @@ Proposals ProposalsAt(const Model& model, int offset) {
     if (IsInNumber(model, offset) || PlaceKindAt(model, offset) != PlaceKind::Code) {
         return {word, {}};
     }
-    const std::optional<Opening> opening = OpeningAt(model.source, word.begin);
+    const std::optional<Opening> opening = OpeningAt(model, word.begin);
     return {word, opening ? ProposalsOf(model, *opening) : std::vector<Proposal>()};
 }

@@ -2,6 +2,7 @@
 
 #include "check/file_check.h"
 #include "facts/pool.h"
+#include "language/names.h"
 
 #include <algorithm>
 
@@ -13,16 +14,49 @@ const QString NO_TOKEN = QStringLiteral(" ?");
 constexpr int MOST_ERRORS = 50;   // before the place
 constexpr int MOST_COMPILES = 4;  // at the same time
 
-// The text up to a place with what follows, as it is compiled.
-struct Attempt {
-    QString before;
-    Facts facts;
-    QStringList putIn;
-};
-
 std::optional<Facts> FactsOf(const Source& source) {
     return CompileAndWait(source).facts;
 }
+
+// ---------------------------------------------------------------------------------------------
+// What matters
+// ---------------------------------------------------------------------------------------------
+
+// Whether it is the first of its unit: what may follow where there are no sections depends on it.
+bool IsFirstOfUnit(const Facts& facts, std::size_t index) {
+    return index == 0 || facts.statements[index - 1].unit != facts.statements[index].unit;
+}
+
+// The statements that have ended before the place: nothing that may follow depends on them.
+std::vector<Span> EndedStatements(const Model& model, int offset) {
+    const std::vector<StatementFact>& statements = model.facts.statements;
+    std::vector<Span> ended;
+    for (std::size_t index = 0; index < statements.size(); ++index) {
+        const Span span = statements[index].span;
+        const bool isEnded = statements[index].isEnded && span.end <= offset;
+        const bool isApart = ended.empty() || span.begin >= ended.back().end;
+        if (isEnded && isApart && !IsFirstOfUnit(model.facts, index) && !IsChanged(model, span)) {
+            ended.push_back(span);
+        }
+    }
+    return ended;
+}
+
+// What matters of the text before the place.
+Source SourceBefore(const Model& model, int offset) {
+    const QString& text = model.source.text();
+    QString rest;
+    int done = 0;
+    for (const Span& span : EndedStatements(model, offset)) {
+        rest.append(text.midRef(done, span.begin - done));
+        done = span.end;
+    }
+    return Source(model.source.name(), rest.append(text.midRef(done, offset - done)));
+}
+
+// ---------------------------------------------------------------------------------------------
+// What was read
+// ---------------------------------------------------------------------------------------------
 
 // The names that the script does not have where they are declared.
 QStringList NamesPutIn(const Source& source, const FileCheck& check, const Facts& facts) {
@@ -38,8 +72,8 @@ QStringList NamesPutIn(const Source& source, const FileCheck& check, const Facts
     return names;
 }
 
-// The errors before the place are passed as in a check of the script.
-std::optional<Attempt> ReachEnd(const Source& source) {
+// The errors before the end are passed as in a check of the script.
+std::optional<Opening> OpeningAtEnd(const Source& source) {
     FileCheck check(Source(source.name(), source.text() + NO_TOKEN), MOST_ERRORS);
     while (true) {
         const std::optional<Facts> facts = FactsOf(check.next());
@@ -47,61 +81,14 @@ std::optional<Attempt> ReachEnd(const Source& source) {
             return std::nullopt;
         }
         if (check.edits().originalBegin(facts->error.token.begin) >= source.size()) {
-            const QString text = check.next().text();
-            return Attempt{text.left(text.size() - NO_TOKEN.size()), *facts,
+            const QString text = check.next().text().chopped(NO_TOKEN.size());
+            return Opening{Source(source.name(), text), *facts,
                            NamesPutIn(source, check, *facts)};
         }
         if (!check.take(*facts)) {
             return std::nullopt;
         }
     }
-}
-
-// ---------------------------------------------------------------------------------------------
-// What matters
-// ---------------------------------------------------------------------------------------------
-
-// Whether it is the first of its unit: what may follow where there are no sections depends on it.
-bool IsFirstOfUnit(const Facts& facts, std::size_t index) {
-    return index == 0 || facts.statements[index - 1].unit != facts.statements[index].unit;
-}
-
-// The statements that have ended: nothing that may follow depends on them.
-std::vector<Span> EndedStatements(const Facts& facts) {
-    std::vector<Span> ended;
-    for (std::size_t index = 0; index < facts.statements.size(); ++index) {
-        const StatementFact& statement = facts.statements[index];
-        const bool isWithin = !ended.empty() && statement.span.end <= ended.back().end;
-        if (statement.isEnded && !isWithin && !IsFirstOfUnit(facts, index)) {
-            ended.push_back(statement.span);
-        }
-    }
-    return ended;
-}
-
-QString Without(const QString& text, const std::vector<Span>& spans) {
-    QString rest;
-    int done = 0;
-    for (const Span& span : spans) {
-        rest.append(text.midRef(done, span.begin - done));
-        done = span.end;
-    }
-    return rest.append(text.midRef(done));
-}
-
-// A compile of what matters, as it is asked often.
-std::optional<Opening> OpeningOf(const Source& source, const Attempt& attempt) {
-    const QString text = Without(attempt.before, EndedStatements(attempt.facts));
-    std::optional<Facts> facts = FactsOf(Source(source.name(), text + NO_TOKEN));
-    if (!facts || facts->isCompiled()) {
-        return std::nullopt;
-    }
-    return Opening{Source(source.name(), text), *std::move(facts), attempt.putIn};
-}
-
-std::optional<Opening> OpeningAtEnd(const Source& source) {
-    const std::optional<Attempt> attempt = ReachEnd(source);
-    return attempt ? OpeningOf(source, *attempt) : std::nullopt;
 }
 
 // Whether a line feed stands between the last token and the end of what was read.
@@ -126,13 +113,12 @@ Token Opening::statement() const {
                : facts.statements[static_cast<std::size_t>(facts.open.statement)].kind;
 }
 
-std::optional<Opening> OpeningAt(const Source& source, int offset) {
-    const Source before(source.name(), source.text().left(offset));
-    std::optional<Opening> opening = OpeningAtEnd(before);
+std::optional<Opening> OpeningAt(const Model& model, int offset) {
+    std::optional<Opening> opening = OpeningAtEnd(SourceBefore(model, offset));
     if (!opening || !opening->expects(TOKEN_SEMICOLON) || !IsOnNewLine(*opening)) {
         return opening;
     }
-    return OpeningAtEnd(Source(source.name(), opening->before.text() + u';'));
+    return OpeningAtEnd(Source(model.source.name(), opening->before.text() + u';'));
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -2,7 +2,7 @@
 // and then meets one word or another.
 #pragma once
 
-#include "facts/facts.h"
+#include "language/model.h"
 
 #include <QStringList>
 
@@ -22,7 +22,7 @@ struct Opening {
 
 // None where the compiler does not come, whatever is mended: after the program, for one, or
 // within a comment. A `;` that is missing at the end of the line before is put in.
-std::optional<Opening> OpeningAt(const Source& source, int offset);
+std::optional<Opening> OpeningAt(const Model& model, int offset);
 
 // Those of the words that may stand there. Each is a reserved word or, where one comes next, a
 // type.

@@ -2,7 +2,8 @@
 
 #include "check/tokens.h"
 #include "language/blocks.h"
-#include "language/places.h"
+
+#include "qyx_scanner.h"
 
 #include <algorithm>
 
@@ -12,26 +13,39 @@ bool Holds(Span outer, Span inner) {
     return outer.begin <= inner.begin && outer.end >= inner.end;
 }
 
-// The one that the offset lies in or begins, else the one that ends there.
+// The one that the offset lies in or begins, and the one that ends there; empty ones if none do.
+struct Neighbours {
+    Span here;
+    Span before;
+};
+
 template <typename Record>
-Span PieceAt(const std::vector<Record>& records, int offset) {
-    Span found = {offset, offset};
+Neighbours NeighboursAt(const std::vector<Record>& records, int offset) {
+    Neighbours found = {{offset, offset}, {offset, offset}};
     for (const Record& record : records) {
-        const bool isIn = record.span.begin <= offset && offset < record.span.end;
-        if (isIn || (record.span.end == offset && found.isEmpty())) {
-            found = record.span;
-        }
+        const bool isHere = record.span.begin <= offset && offset < record.span.end;
+        found.here = isHere ? record.span : found.here;
+        found.before = record.span.end == offset ? record.span : found.before;
     }
     return found;
 }
 
+bool IsWord(const Source& source, Span token) {
+    return !token.isEmpty() && IsAlphaOrDigitR(source.text().at(token.begin));
+}
+
 // A word comes before a sign that begins where it ends, a token before a comment.
 Span TokenOrCommentAt(const Model& model, int offset) {
-    const Span word = WordAt(model.source, offset);
-    const Span comment = PieceAt(model.facts.comments, offset);
-    const bool isInComment = comment.begin < offset && offset < comment.end;
-    const Span token = PieceAt(model.facts.tokens, word.isEmpty() ? offset : word.begin);
-    return isInComment || token.isEmpty() ? comment : token;
+    const Neighbours comments = NeighboursAt(model.facts.comments, offset);
+    const Neighbours tokens = NeighboursAt(model.facts.tokens, offset);
+    if (comments.here.begin < offset && !comments.here.isEmpty()) {
+        return comments.here;
+    }
+    const bool isBefore = tokens.here.isEmpty() || (IsWord(model.source, tokens.before) &&
+                                                    !IsWord(model.source, tokens.here));
+    const Span token = isBefore ? tokens.before : tokens.here;
+    const Span comment = comments.here.isEmpty() ? comments.before : comments.here;
+    return token.isEmpty() ? comment : token;
 }
 
 // Parentheses with what is between them, and with the name before them.
