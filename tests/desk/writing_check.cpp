@@ -129,7 +129,8 @@ private:
     void lookAtSelections(int offset) {
         Span inner = {offset, offset};
         for (const Span& span : SelectionsAt(model_, offset)) {
-            const bool holds = isPlace(span) && span.begin <= inner.begin && inner.end <= span.end;
+            const bool holds =
+                isPlace(span) && span.begin <= inner.begin && inner.end <= span.end;
             expect(holds, "selection does not hold the one before", offset);
             inner = span;
         }

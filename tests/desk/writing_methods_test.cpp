@@ -1,10 +1,10 @@
 // What helps to write a script, as an editor gets it.
 
+#include "protocols/writing_methods.h"
 #include "marked_script.h"
 #include "print_text.h"
 #include "protocols/mending_methods.h"
 #include "protocols/methods.h"
-#include "protocols/writing_methods.h"
 
 #include <gmock/gmock.h>
 
@@ -45,8 +45,8 @@ QJsonObject ItemNamed(const QJsonValue& items, const QString& label) {
     return {};
 }
 
-const QJsonObject SNIPPETS = Json(
-    "{'textDocument': {'completion': {'completionItem': {'snippetSupport': true}}}}");
+const QJsonObject SNIPPETS =
+    Json("{'textDocument': {'completion': {'completionItem': {'snippetSupport': true}}}}");
 
 QString Program(const char* statements) {
     return QStringLiteral("PROGRAM p\r\nVAR\r\nlevel : INT;\r\nEND_VAR\r\n") +
@@ -103,9 +103,9 @@ TEST(CompletionMethod, HasSnippetsForWhoTakesThem) {
 }
 
 TEST(CompletionMethod, PutsWhatIsNearestFirst) {
-    const MarkedScript script = Marked(
-        QStringLiteral("FUNCTION zone : INT VAR END_VAR RESULT := 1; END_FUNCTION\n") +
-        Program("level := |"));
+    const MarkedScript script =
+        Marked(QStringLiteral("FUNCTION zone : INT VAR END_VAR RESULT := 1; END_FUNCTION\n") +
+               Program("level := |"));
     const QJsonValue items = CompletionMethod(script.script, script.params());
     QStringList keys;
     for (const char* name : {"level", "zone", "acos", "FALSE"}) {
@@ -156,9 +156,9 @@ TEST(SemanticTokensMethod, TellsEachFromTheOneBefore) {
         OpenScript(QStringLiteral("PROGRAM p\r\nVAR x : INT; (* \U0001F600 *) y : INT; END_VAR"));
     EXPECT_EQ(TextOf(SemanticTokensMethod(script, {})),
               "{'data':[0,8,1,6,1,1,4,1,9,1,0,4,3,8,0,0,5,8,0,0,0,9,1,9,1,0,4,3,8,0]}");
-    const QJsonObject range =
-        Json("{'range': {'start': {'line': 1, 'character': 12}, "
-             "'end': {'line': 1, 'character': 23}}}");
+    const QJsonObject range = Json(
+        "{'range': {'start': {'line': 1, 'character': 12}, "
+        "'end': {'line': 1, 'character': 23}}}");
     EXPECT_EQ(TextOf(SemanticTokensRangeMethod(script, range)),
               "{'data':[1,13,8,0,0,0,9,1,9,1]}");
     EXPECT_EQ(TextOf(SemanticTokensMethod(OpenScript(QString()), {})), "{'data':[]}");
@@ -206,8 +206,7 @@ TEST(CodeActionMethod, MendsWhatADiagnosticTells) {
     ASSERT_EQ(actions.size(), 1);
     EXPECT_EQ(At(actions[0], {"kind"}).toString(), "quickfix");
     EXPECT_EQ(At(actions[0], {"diagnostics"}).toArray().size(), 1);
-    const QJsonArray edits =
-        At(actions[0], {"edit", "changes", "file:///test.st"}).toArray();
+    const QJsonArray edits = At(actions[0], {"edit", "changes", "file:///test.st"}).toArray();
     ASSERT_EQ(edits.size(), 1);
     EXPECT_EQ(script.textOf(At(edits[0], {"range"})), "=");
     EXPECT_EQ(At(edits[0], {"newText"}).toString(), ":=");
