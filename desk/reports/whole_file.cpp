@@ -13,7 +13,8 @@ void WholeFile::write(std::string_view text) {
     isFine_ = isFine_ && file_.write(text.data(), size) == size;
 }
 
+// What is still collected is written before: commit() would not tell that it could not be.
 bool WholeFile::finish() {
-    isFine_ = isFine_ && file_.commit();
+    isFine_ = isFine_ && file_.flush() && file_.commit();
     return isFine_;
 }
