@@ -25,6 +25,7 @@ struct Subcommand {
 
 constexpr Subcommand SUBCOMMANDS[] = {
     {"check", "Show all errors and warnings of scripts", DeclareCheck},
+    {"fmt", "Lay out scripts", DeclareFmt},
     {"run", "Execute a script or target code", DeclareRun},
     {"test", "Execute the tests of scripts", DeclareTest},
     {"facts", "Show what the compiler tells about a script, as JSON", DeclareFacts},

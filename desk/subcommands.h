@@ -13,6 +13,7 @@ using Runner = std::function<Status()>;
 // Each declares its arguments and options and returns what is to be done with them.
 Runner DeclareCheck(CLI::App& command);
 Runner DeclareExplain(CLI::App& command);
+Runner DeclareFmt(CLI::App& command);
 Runner DeclareFacts(CLI::App& command);
 Runner DeclareVerify(CLI::App& command);
 Runner DeclareRun(CLI::App& command);

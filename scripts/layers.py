@@ -71,7 +71,7 @@ TREES = [
         ROOT / "desk",
         unit_of=lambda path: path.with_suffix("").as_posix(),
         pairs={},
-        folders=("explain", "facts", "machine", "check", "lints", "reports", "language", "protocols", ""),
+        folders=("explain", "facts", "machine", "check", "lints", "format", "reports", "language", "protocols", ""),
     ),
 ]
 

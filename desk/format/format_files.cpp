@@ -1,0 +1,184 @@
+#include "format/format_files.h"
+
+#include "facts/input.h"
+#include "facts/pool.h"
+
+#include "qyx_files.h"
+
+#include <QFileInfo>
+
+#include <map>
+
+namespace {
+
+// ---------------------------------------------------------------------------------------------
+// Bytes
+// ---------------------------------------------------------------------------------------------
+
+constexpr const char* BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+constexpr const char* CRLF = "\r\n";
+
+InputBytes BytesOf(const QString& path) {
+    const bool isReadable = path == QLatin1String(STANDARD_INPUT) || !QFileInfo(path).exists() ||
+                            QFileInfo(path).isFile();
+    return isReadable ? ReadInputBytes(path) : InputBytes{std::nullopt, ReadInput(path).failure};
+}
+
+bool EndsLinesWithCr(const QByteArray& bytes) {
+    const int feed = bytes.indexOf('\n');
+    return feed > 0 && bytes[feed - 1] == '\r';
+}
+
+// The text in the form of the file: its byte order mark, the end of its first line.
+QByteArray BytesLike(const QByteArray& bytes, const QString& text) {
+    QByteArray result = text.toUtf8();
+    if (EndsLinesWithCr(bytes)) {
+        result.replace('\n', CRLF);
+    }
+    return bytes.startsWith(BYTE_ORDER_MARK) ? BYTE_ORDER_MARK + result : result;
+}
+
+// Why these bytes would not be the same again. Carriage returns are dropped where they are read.
+QString FaultOfBytes(const QByteArray& bytes, const QString& text) {
+    QByteArray plain = bytes;
+    plain.replace(CRLF, "\n");
+    if (plain.contains('\r')) {
+        return QStringLiteral("a carriage return stands within a line");
+    }
+    const QByteArray again = text.toUtf8();
+    return plain == again || plain == BYTE_ORDER_MARK + again ? QString()
+                                                              : QStringLiteral("is not in UTF-8");
+}
+
+// ---------------------------------------------------------------------------------------------
+// Files
+// ---------------------------------------------------------------------------------------------
+
+// A file between its two compiles: that of the script and that of the result.
+struct FileUnderWay {
+    FormattedFile file;
+    std::optional<Facts> facts;  // of the script, after its compile
+    Source result;               // then what came of it
+};
+
+class FormatRun {
+public:
+    FormatRun(const QStringList& files, const FormatFilesOptions& options,
+              const std::function<void(const FormattedFile&)>& handOver)
+        : files_(files), options_(options), handOver_(handOver) {}
+
+    void run() {
+        while (nextFile_ < files_.size() || pool_.running() > 0) {
+            if (nextFile_ < files_.size() && pool_.running() < options_.jobs) {
+                begin(nextFile_++);
+            } else {
+                goOn(pool_.wait());
+            }
+        }
+    }
+
+private:
+    const QStringList& files_;
+    const FormatFilesOptions& options_;
+    const std::function<void(const FormattedFile&)>& handOver_;
+    CompilePool pool_;
+    std::map<int, FileUnderWay> running_;
+    std::map<int, FormattedFile> done_;
+    int nextFile_ = 0;
+    int nextToHandOver_ = 0;
+
+    QString nameOf(const QString& path) const {
+        const bool isNamed =
+            path == QLatin1String(STANDARD_INPUT) && !options_.stdinName.isEmpty();
+        return isNamed ? options_.stdinName : NameOfInput(path);
+    }
+
+    void begin(int index) {
+        FormattedFile file;
+        file.path = files_[index];
+        const InputBytes input = BytesOf(file.path);
+        if (!input.bytes) {
+            fail(index, std::move(file), input.failure);
+            return;
+        }
+        file.bytes = *input.bytes;
+        file.source = Source(nameOf(file.path), SourceText(file.bytes));
+        const QString fault = FaultOfBytes(file.bytes, file.source.text());
+        if (!fault.isEmpty()) {
+            fail(index, std::move(file), fault);
+            return;
+        }
+        const FileUnderWay& underWay =
+            running_.emplace(index, FileUnderWay{std::move(file), std::nullopt, Source()})
+                .first->second;
+        pool_.start(index, underWay.file.source, Detail::All);
+    }
+
+    void goOn(CompilePool::Finished finished) {
+        FileUnderWay& underWay = running_.at(finished.key);
+        if (!finished.result.facts) {
+            fail(finished.key, std::move(underWay.file), finished.result.failure);
+        } else if (!underWay.facts) {
+            format(finished.key, underWay, std::move(*finished.result.facts));
+        } else {
+            prove(finished.key, underWay, *finished.result.facts);
+        }
+    }
+
+    void format(int index, FileUnderWay& underWay, Facts facts) {
+        FormattedFile& file = underWay.file;
+        const FormatResult result = FormatScript(file.source, facts, options_.format);
+        if (!facts.isCompiled()) {
+            file.error = facts;
+        }
+        if (!result.text) {
+            end(index, std::move(file));
+            return;
+        }
+        underWay.facts = std::move(facts);
+        underWay.result = Source(file.source.name(), *result.text);
+        if (*result.text == file.source.text()) {
+            finish(index, underWay);
+        } else {
+            pool_.start(index, underWay.result, Detail::All);
+        }
+    }
+
+    void prove(int index, FileUnderWay& underWay, const Facts& facts) {
+        const QString fault = FaultOfFormatted(underWay.file.source, *underWay.facts,
+                                               underWay.result, facts, options_.format);
+        if (fault.isEmpty()) {
+            finish(index, underWay);
+        } else {
+            fail(index, std::move(underWay.file), fault);
+        }
+    }
+
+    void finish(int index, FileUnderWay& underWay) {
+        underWay.file.text = underWay.result.text();
+        underWay.file.result = BytesLike(underWay.file.bytes, underWay.file.text);
+        end(index, std::move(underWay.file));
+    }
+
+    void fail(int index, FormattedFile file, const QString& failure) {
+        file.failure = failure;
+        end(index, std::move(file));
+    }
+
+    void end(int index, FormattedFile file) {
+        done_.emplace(index, std::move(file));
+        running_.erase(index);
+        while (!done_.empty() && done_.begin()->first == nextToHandOver_) {
+            handOver_(done_.begin()->second);
+            done_.erase(done_.begin());
+            ++nextToHandOver_;
+        }
+    }
+};
+
+}  // namespace
+
+void FormatFiles(const QStringList& files, const FormatFilesOptions& options,
+                 const std::function<void(const FormattedFile&)>& handOver) {
+    FormatRun(files, options, handOver).run();
+}

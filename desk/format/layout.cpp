@@ -1,0 +1,371 @@
+#include "format/layout.h"
+
+#include "format/lines.h"
+
+#include <algorithm>
+
+namespace {
+
+// Beyond these lines go no further to the right, so that the text stays in proportion to the
+// script.
+constexpr int MOST_LEVELS = 60;
+constexpr int WIDEST_CONTINUATION = 120;
+
+bool IsOneOf(Token code, std::initializer_list<Token> codes) {
+    return std::find(codes.begin(), codes.end(), code) != codes.end();
+}
+
+bool IsBracketBegin(Token code) {
+    return code == TOKEN_LEFT_PARENTHESIS || code == TOKEN_LEFT_BRACKET;
+}
+
+bool IsBracketEnd(Token code) {
+    return code == TOKEN_RIGHT_PARENTHESIS || code == TOKEN_RIGHT_BRACKET;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Between two pieces of a statement
+// ---------------------------------------------------------------------------------------------
+
+bool IsOperatorSign(QChar character) {
+    return QStringView(u"*+-/:<=>").contains(character);
+}
+
+// Two signs in a row would be one operator.
+bool WouldJoin(const Piece& before, const Piece& piece) {
+    return IsOperatorSign(before.text.back()) && IsOperatorSign(piece.text.front());
+}
+
+bool BeginsParameters(const Piece& before, const Piece& piece) {
+    return IsBracketBegin(piece.code) && before.code == TOKEN_IDENTIFIER && piece.isInExpression;
+}
+
+bool IsTightColon(const Piece& piece) {
+    return piece.code == TOKEN_COLON && piece.isInExpression;
+}
+
+bool IsTight(const Piece& before, const Piece& piece) {
+    if (piece.isComment) {
+        return IsBracketBegin(before.code);
+    }
+    return IsOneOf(piece.code, {TOKEN_SEMICOLON, TOKEN_COMMA, TOKEN_DOT_DOT}) ||
+           IsBracketEnd(piece.code) || IsTightColon(piece) || BeginsParameters(before, piece) ||
+           IsBracketBegin(before.code) || before.code == TOKEN_DOT_DOT || before.isUnary;
+}
+
+bool HasBlankBetween(const Piece& before, const Piece& piece) {
+    return !IsTight(before, piece) || WouldJoin(before, piece);
+}
+
+// What stays on the line of what it follows, unless a comment ends that.
+bool StaysOnLine(const Piece& piece) {
+    return IsOneOf(piece.code,
+                   {TOKEN_SEMICOLON, TOKEN_COMMA, TOKEN_COLON, TOKEN_ASSIGN, TOKEN_THEN, TOKEN_TO,
+                    TOKEN_DOWNTO, TOKEN_DO, TOKEN_OF, TOKEN_DOT_DOT}) ||
+           IsBracketEnd(piece.code);
+}
+
+// Whether a new line of the script is kept within a statement: beside operators and after commas
+// and ":=". Declarations have theirs beside comments alone.
+bool KeepsLine(const Piece& before, const Piece& piece) {
+    const bool isBesideComment = before.isComment || piece.isComment;
+    const bool isBesideOperator =
+        piece.isInExpression &&
+        (before.isBinary || piece.isBinary || IsOneOf(before.code, {TOKEN_COMMA, TOKEN_ASSIGN}));
+    return piece.hasLineBefore && !StaysOnLine(piece) && (isBesideOperator || isBesideComment);
+}
+
+// Whether an expression begins after the token, below which its further lines begin.
+bool LeadsToExpression(const Piece& piece) {
+    return IsOneOf(piece.code,
+                   {TOKEN_ASSIGN, TOKEN_IF, TOKEN_ELSIF, TOKEN_WHILE, TOKEN_UNTIL, TOKEN_CASE});
+}
+
+// ---------------------------------------------------------------------------------------------
+// Lines from pieces
+// ---------------------------------------------------------------------------------------------
+
+class Writer {
+public:
+    Writer(const Source& source, const Pieces& pieces, int indent)
+        : source_(source), pieces_(pieces), indent_(indent) {}
+
+    Lines lines() {
+        for (at_ = 0; at_ < pieces_.size(); ++at_) {
+            if (pieces_[at_].isComment) {
+                takeComment(pieces_[at_]);
+            } else {
+                takeToken(pieces_[at_]);
+            }
+        }
+        return std::move(lines_);
+    }
+
+private:
+    const Source& source_;
+    const Pieces& pieces_;
+    int indent_;
+    std::size_t at_ = 0;
+    std::size_t nextToken_ = 0;
+    Lines lines_;
+    int column_ = 0;               // after what is written of the line
+    bool isLed_ = false;           // the line begins with comments that lead to its token
+    Piece lastToken_;              // that was written
+    bool isAfterOwnLine_ = false;  // a comment on a line of its own came after that
+    bool hasPending_ = false;      // an expression begins with the next piece
+    int expressionColumn_ = 0;     // where the expression began
+    std::vector<int> brackets_;    // the columns after those that are open
+
+    // The token that the piece is or that follows it; comments are all followed by one.
+    const Piece& nextToken() {
+        nextToken_ = std::max(nextToken_, at_);
+        while (pieces_[nextToken_].isComment) {
+            ++nextToken_;
+        }
+        return pieces_[nextToken_];
+    }
+
+    const Piece& before() const { return pieces_[at_ - 1]; }
+
+    int columnOf(int level) const { return std::min(level, MOST_LEVELS) * indent_; }
+
+    // --- lines ---------------------------------------------------------------------------
+
+    bool wantsBlank(const Piece& piece) const {
+        if (lines_.empty() || at_ == 0) {
+            return false;
+        }
+        if (lastToken_.endsUnit && !isAfterOwnLine_) {
+            return true;
+        }
+        const bool isAfterOpening = lastToken_.opens && !isAfterOwnLine_;
+        const bool isBranch = piece.outdents && piece.kind == LineKind::Structure;
+        return piece.hasBlankBefore && !isAfterOpening && !isBranch && !piece.closes;
+    }
+
+    void startLine(int level, LineKind kind) {
+        Line line;
+        line.indent = columnOf(level);
+        line.kind = kind;
+        line.isBlankBefore = wantsBlank(pieces_[at_]);
+        lines_.push_back(line);
+        column_ = line.indent;
+    }
+
+    // The line of a token that begins one.
+    void startTokenLine(const Piece& token) {
+        startLine(token.level, token.kind);
+        Line& line = lines_.back();
+        line.isConstant = token.isConstant;
+        line.commentColumn = token.kind == LineKind::CaseLabel ? columnOf(token.level + 1) : NONE;
+    }
+
+    void goOn() {
+        const LineKind kind = lines_.back().kind;
+        Line line;
+        line.indent = continuationColumn();
+        line.kind = kind;
+        line.isContinuation = true;
+        lines_.push_back(line);
+        column_ = line.indent;
+    }
+
+    int continuationColumn() const {
+        return std::min(brackets_.empty() ? expressionColumn_ : brackets_.back(),
+                        WIDEST_CONTINUATION);
+    }
+
+    void append(QStringView text) {
+        lines_.back().text.append(text.data(), static_cast<int>(text.size()));
+        const auto lastLine = text.lastIndexOf(u'\n') + 1;
+        column_ = static_cast<int>(text.size() - lastLine) + (lastLine == 0 ? column_ : 0);
+    }
+
+    void appendBlanks(int count) { append(QString(count, u' ')); }
+
+    // --- tokens --------------------------------------------------------------------------
+
+    void takeToken(const Piece& token) {
+        if (token.beginsLine) {
+            beginStatement(token);
+        } else {
+            separate(token);
+        }
+        notePlace(token);
+        append(token.text);
+        noteBracket(token);
+        lastToken_ = token;
+        isAfterOwnLine_ = false;
+    }
+
+    void beginStatement(const Piece& token) {
+        brackets_.clear();
+        hasPending_ = false;
+        if (token.joinsLabel) {
+            joinLabel(token);
+        } else if (isLed_) {
+            startLedToken(token);
+        } else {
+            startTokenLine(token);
+        }
+        isLed_ = false;
+        expressionColumn_ = std::min(token.level, MOST_LEVELS) * indent_ + indent_;
+    }
+
+    void startLedToken(const Piece& token) {
+        Line& line = lines_.back();
+        line.kind = token.kind;
+        line.isComment = false;
+        line.isConstant = token.isConstant;
+        appendBlanks(1);
+    }
+
+    void joinLabel(const Piece& token) {
+        appendBlanks(std::max(columnOf(token.level) - column_, 1));
+        lines_.back().kind = LineKind::Statement;
+    }
+
+    void separate(const Piece& piece) {
+        const bool isForced = before().isLineComment;
+        if (isForced || KeepsLine(before(), piece)) {
+            goOn();
+        } else if (HasBlankBetween(before(), piece)) {
+            appendBlanks(1);
+        }
+    }
+
+    // Before the piece is written.
+    void notePlace(const Piece& piece) {
+        if (hasPending_) {
+            expressionColumn_ = column_;
+            hasPending_ = false;
+        }
+        Line& line = lines_.back();
+        if (piece.code == TOKEN_COLON && line.kind == LineKind::Declaration &&
+            !line.isContinuation && !line.text.contains(u'\n')) {
+            line.colon = line.text.size();
+        }
+        hasPending_ = LeadsToExpression(piece);
+    }
+
+    void noteBracket(const Piece& token) {
+        if (IsBracketBegin(token.code)) {
+            brackets_.push_back(column_);
+        } else if (IsBracketEnd(token.code) && !brackets_.empty()) {
+            brackets_.pop_back();
+        }
+    }
+
+    // --- comments ------------------------------------------------------------------------
+
+    void takeComment(const Piece& comment) {
+        if (!nextToken().beginsLine) {
+            takeWithin(comment);
+        } else if (lines_.empty() || comment.hasLineBefore) {
+            takeOwnLine(comment);
+        } else if (lines_.back().isComment) {
+            appendBlanks(1);
+            append(comment.text);
+        } else {
+            addAtEnd(comment);
+        }
+    }
+
+    void takeWithin(const Piece& comment) {
+        if (comment.isLineComment && !comment.hasLineBefore) {
+            addAtEnd(comment);
+            return;
+        }
+        separate(comment);
+        notePlace(comment);
+        append(comment.text);
+    }
+
+    void addAtEnd(const Piece& comment) {
+        QString& end = lines_.back().comment;
+        end += QStringLiteral(" ").repeated(end.isEmpty() ? 0 : 1);
+        end.append(comment.text.data(), static_cast<int>(comment.text.size()));
+    }
+
+    void takeOwnLine(const Piece& comment) {
+        const Piece& token = nextToken();
+        startLine(comment.leadsToken ? token.level : levelOf(comment, token),
+                  isInSection(token) ? LineKind::Declaration : token.kind);
+        append(comment.text);
+        lines_.back().isComment = true;
+        isLed_ = comment.leadsToken;
+        isAfterOwnLine_ = !isLed_;
+    }
+
+    static bool isInSection(const Piece& token) {
+        return token.kind == LineKind::Declaration || token.code == TOKEN_END_VAR;
+    }
+
+    // The level of a comment that stands above a token.
+    int levelOf(const Piece& comment, const Piece& token) const {
+        if (token.closes) {
+            return token.level + 1;
+        }
+        const bool isOutside =
+            lastToken_.code == TOKEN_OF || sourceColumnOf(comment) <= sourceColumnOf(token);
+        return token.level + (token.outdents && !isOutside ? 1 : 0);
+    }
+
+    int sourceColumnOf(const Piece& piece) const {
+        return source_.placeOf(piece.span.begin).column;
+    }
+};
+
+// ---------------------------------------------------------------------------------------------
+// What is not formatted
+// ---------------------------------------------------------------------------------------------
+
+// Whatever it is, the text ends with one line feed.
+QString WithoutBlankEnd(const QString& text) {
+    int end = text.size();
+    while (end > 0 && QStringView(u" \t\n").contains(text[end - 1])) {
+        --end;
+    }
+    return text.left(end);
+}
+
+// Where the error begins, or the piece of the script that has it.
+int BeginOfError(const Facts& facts) {
+    int begin = std::min(facts.error.token.begin, facts.messages.back().place);
+    if (facts.open.statement != NONE) {
+        begin = std::min(
+            begin, facts.statements[static_cast<std::size_t>(facts.open.statement)].span.begin);
+    }
+    if (facts.open.declaration != NONE) {
+        const auto index = static_cast<std::size_t>(facts.open.declaration);
+        begin = std::min(begin, facts.declarations[index].span.begin);
+    }
+    for (const CommentFact& comment : facts.comments) {
+        begin = comment.span.isEmpty() ? std::min(begin, comment.span.begin) : begin;
+    }
+    return begin;
+}
+
+}  // namespace
+
+int EndOfFormatted(const Facts& facts) {
+    if (facts.isCompiled()) {
+        return facts.units.empty() ? 0 : facts.units.back().span.end;
+    }
+    const int begin = BeginOfError(facts);
+    const auto after =
+        std::partition_point(facts.tokens.begin(), facts.tokens.end(),
+                             [begin](const TokenFact& token) { return token.span.end <= begin; });
+    return after == facts.tokens.begin() ? 0 : std::prev(after)->span.end;
+}
+
+QString Formatted(const Source& source, const Facts& facts, int indent) {
+    const int end = EndOfFormatted(facts);
+    const Pieces pieces = PiecesOf(source, facts, end);
+    Lines lines = Writer(source, pieces, indent).lines();
+    Align(lines);
+    QString text = TextOf(lines);
+    text.chop(text.isEmpty() ? 0 : 1);
+    return facts.isCompiled() ? WithoutBlankEnd(text + source.text().mid(end)) + u'\n'
+                              : text + source.text().mid(end);
+}

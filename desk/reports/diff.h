@@ -1,0 +1,9 @@
+// How a file would change, as a unified diff.
+#pragma once
+
+#include <QString>
+
+// The text of the diff, empty if nothing differs. `lineEnd` is that of the file; with colours,
+// nothing in the texts commands the terminal.
+QString UnifiedDiff(const QString& name, const QString& before, const QString& after,
+                    const QString& lineEnd, bool hasColors);
