@@ -58,7 +58,7 @@ from test_catalogue import CATALOGUE, NOT_RAISED, SOURCES, texts_in, texts_in_di
 MANUAL = ROOT / "docs" / "manual"
 PAGES_WITH_EXAMPLES = (
     "tutorial language target-code diagnostics reasons surprises dialects facts check lints"
-    " verify run test machine"
+    " fmt verify run test machine"
 ).split()
 
 STATEMENTS_MARK = "(* statements *)"
