@@ -1,5 +1,6 @@
 #include "protocols/methods.h"
 
+#include "protocols/formatting_methods.h"
 #include "protocols/mending_methods.h"
 #include "protocols/navigation_methods.h"
 #include "protocols/outline_methods.h"
@@ -39,6 +40,12 @@ const std::vector<Method>& Methods() {
          nullptr},
         {"textDocument/codeAction", CodeActionMethod, nullptr, "codeActionProvider",
          CodeActionOptions},
+        {"textDocument/formatting", FormattingMethod, nullptr, "documentFormattingProvider",
+         nullptr},
+        {"textDocument/rangeFormatting", RangeFormattingMethod, nullptr,
+         "documentRangeFormattingProvider", nullptr},
+        {"textDocument/onTypeFormatting", OnTypeFormattingMethod, nullptr,
+         "documentOnTypeFormattingProvider", OnTypeFormattingOptions},
         {"yxst/code", CodeMethod, nullptr, nullptr, nullptr},
     };
     return methods;
