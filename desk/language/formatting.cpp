@@ -23,7 +23,7 @@ FormatResult ProvedText(const Source& source, const Facts& facts, int indent) {
         return result;
     }
     const Source after(source.name(), *result.text);
-    const CompileResult compiled = CompileAndWait(after);
+    const CompileResult compiled = CompileWithin(PATIENCE, after);
     const QString fault = compiled.facts
                               ? FaultOfFormatted(source, facts, after, *compiled.facts, options)
                               : compiled.failure;
@@ -32,7 +32,8 @@ FormatResult ProvedText(const Source& source, const Facts& facts, int indent) {
 
 // Whether the compiler tells the same of the script after some of the edits.
 bool AreProved(const Source& source, const Facts& facts, const std::vector<Edit>& edits) {
-    const CompileResult after = CompileAndWait(Source(source.name(), Applied(source, edits)));
+    const CompileResult after =
+        CompileWithin(PATIENCE, Source(source.name(), Applied(source, edits)));
     return after.facts && after.facts->codes == facts.codes &&
            after.facts->isCompiled() == facts.isCompiled() &&
            after.facts->comments.size() == facts.comments.size();
@@ -129,7 +130,7 @@ Span EndedAt(const std::vector<Record>& records, int offset) {
 }  // namespace
 
 Formatting FormattingOf(const Source& source, int indent) {
-    const CompileResult compiled = CompileAndWait(source);
+    const CompileResult compiled = CompileWithin(PATIENCE, source);
     if (!compiled.facts) {
         return {{}, compiled.failure};
     }
@@ -139,13 +140,13 @@ Formatting FormattingOf(const Source& source, int indent) {
 }
 
 std::vector<Edit> FormattingIn(const Source& source, Span range, int indent) {
-    const CompileResult result = CompileAndWait(source);
+    const CompileResult result = CompileWithin(PATIENCE, source);
     return result.facts ? FormattingIn(source, *result.facts, range, indent)
                         : std::vector<Edit>();
 }
 
 std::vector<Edit> FormattingOfEnded(const Source& source, int offset, int indent) {
-    const CompileResult result = CompileAndWait(source);
+    const CompileResult result = CompileWithin(PATIENCE, source);
     if (!result.facts) {
         return {};
     }

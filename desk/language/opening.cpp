@@ -15,7 +15,7 @@ constexpr int MOST_ERRORS = 50;   // before the place
 constexpr int MOST_COMPILES = 4;  // at the same time
 
 std::optional<Facts> FactsOf(const Source& source) {
-    return CompileAndWait(source).facts;
+    return CompileWithin(PATIENCE, source).facts;
 }
 
 // ---------------------------------------------------------------------------------------------
