@@ -2,6 +2,7 @@
 
 #include "facts/compile.h"
 #include "format/format.h"
+#include "language/model.h"
 
 #include <algorithm>
 

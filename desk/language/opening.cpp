@@ -75,7 +75,8 @@ QStringList NamesPutIn(const Source& source, const FileCheck& check, const Facts
 // The errors before the end are passed as in a check of the script.
 std::optional<Opening> OpeningAtEnd(const Source& source) {
     FileCheck check(Source(source.name(), source.text() + NO_TOKEN), MOST_ERRORS);
-    while (true) {
+    const auto end = std::chrono::steady_clock::now() + PATIENCE;
+    while (std::chrono::steady_clock::now() < end) {
         const std::optional<Facts> facts = FactsOf(check.next());
         if (!facts || facts->isCompiled() || facts->open.inComment) {
             return std::nullopt;
@@ -89,6 +90,7 @@ std::optional<Opening> OpeningAtEnd(const Source& source) {
             return std::nullopt;
         }
     }
+    return std::nullopt;
 }
 
 // Whether a line feed stands between the last token and the end of what was read.
