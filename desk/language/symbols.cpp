@@ -117,7 +117,7 @@ std::vector<Symbol> SymbolsOf(const Model& model) {
 
 bool IsFoundBy(const QString& name, const QString& query) {
     const QString letters = FoldedName(query);
-    auto next = letters.begin();
+    const auto* next = letters.begin();
     for (const QChar letter : FoldedName(name)) {
         next += next != letters.end() && *next == letter ? 1 : 0;
     }
