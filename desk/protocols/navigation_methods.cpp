@@ -2,6 +2,7 @@
 
 #include "language/hover.h"
 #include "language/rename.h"
+#include "protocols/markup.h"
 #include "protocols/workspace_edit.h"
 
 #include <QJsonArray>
@@ -29,9 +30,9 @@ QJsonValue HoverMethod(const Script& script, const QJsonObject& params) {
     if (!hover) {
         return QJsonValue::Null;
     }
-    const QJsonObject contents = {{QStringLiteral("kind"), QStringLiteral("markdown")},
-                                  {QStringLiteral("value"), hover->markdown}};
-    return QJsonObject{{QStringLiteral("contents"), contents},
+    const QStringList formats = {QStringLiteral("textDocument"), QStringLiteral("hover"),
+                                 QStringLiteral("contentFormat")};
+    return QJsonObject{{QStringLiteral("contents"), MarkupOf(script, formats, hover->markdown)},
                        {QStringLiteral("range"), script.lines.rangeOf(hover->span)}};
 }
 

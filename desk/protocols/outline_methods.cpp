@@ -4,6 +4,7 @@
 #include "language/hints.h"
 #include "language/symbols.h"
 #include "language/target_code.h"
+#include "protocols/markup.h"
 
 namespace {
 
@@ -184,9 +185,10 @@ QJsonObject HintOf(const Script& script, const Hint& hint) {
         {QStringLiteral("paddingLeft"), !hint.isParameter && hint.text.startsWith(u'=')},
         {QStringLiteral("paddingRight"), hint.isParameter}};
     if (hint.name != NONE) {
+        const QStringList formats = {QStringLiteral("textDocument"), QStringLiteral("hover"),
+                                     QStringLiteral("contentFormat")};
         json[QStringLiteral("tooltip")] =
-            QJsonObject{{QStringLiteral("kind"), QStringLiteral("markdown")},
-                        {QStringLiteral("value"), NameText(script.model, hint.name)}};
+            MarkupOf(script, formats, NameText(script.model, hint.name));
     }
     return json;
 }

@@ -2,6 +2,7 @@
 
 #include "language/rename_proof.h"
 #include "marked_script.h"
+#include "protocols/markup.h"
 #include "protocols/navigation_methods.h"
 
 #include <QJsonArray>
@@ -155,6 +156,40 @@ TEST(Highlights, ReadsAndWritesDiffer) {
         "FOR a := 1 TO 2 DO ; END_FOR; END_PROGRAM";
     EXPECT_EQ(HighlightsAt(script), "a1 A3 a2 a2 a3 a3");
     EXPECT_EQ(HighlightsAt("PROGRAM P VAR END_VAR |l: GOTO L; END_PROGRAM"), "l1 L1");
+}
+
+// ---------------------------------------------------------------------------------------------
+// Hover
+// ---------------------------------------------------------------------------------------------
+
+// The kind and the value of what is shown to a client that takes some formats.
+std::string HoverFor(const QJsonArray& formats) {
+    MarkedScript marked =
+        Marked(QStringLiteral("PROGRAM P VAR\n// how *full* \\ `x`\na : INT;\n"
+                              "END_VAR |a := 1; END_PROGRAM"));
+    const QJsonObject hover = {{QStringLiteral("contentFormat"), formats}};
+    marked.script.client = {
+        {QStringLiteral("textDocument"), QJsonObject{{QStringLiteral("hover"), hover}}}};
+    const QJsonValue contents =
+        HoverMethod(marked.script, marked.params())[QStringLiteral("contents")];
+    return (contents[QStringLiteral("kind")].toString() + u' ' +
+            contents[QStringLiteral("value")].toString())
+        .toStdString();
+}
+
+TEST(HoverMethod, ClientsGetTheFormatThatTheyTake) {
+    const std::string markdown =
+        "markdown ```st\na : INT;\n```\n\nVariable of program `P` (`VAR`)\n\n"
+        "how \\*full\\* \\\\ \\`x\\`";
+    EXPECT_EQ(HoverFor({}), markdown);
+    EXPECT_EQ(HoverFor({QStringLiteral("plaintext"), QStringLiteral("markdown")}), markdown);
+    EXPECT_EQ(HoverFor({QStringLiteral("plaintext")}),
+              "plaintext a : INT;\n\nVariable of program P (VAR)\n\nhow *full* \\ `x`");
+}
+
+TEST(HoverMethod, NoMarkIsLostFromCode) {
+    EXPECT_EQ(WithoutMarkup(QStringLiteral("```text\na\\`b  \n```\n`c`  \nd")),
+              QStringLiteral("a\\`b  \nc\nd"));
 }
 
 // ---------------------------------------------------------------------------------------------
