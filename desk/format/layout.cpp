@@ -32,19 +32,19 @@ bool IsOperatorSign(QChar character) {
 }
 
 // Two signs in a row would be one operator.
-bool WouldJoin(const Piece& before, const Piece& piece) {
+bool WouldJoin(const LayoutPiece& before, const LayoutPiece& piece) {
     return IsOperatorSign(before.text.back()) && IsOperatorSign(piece.text.front());
 }
 
-bool BeginsParameters(const Piece& before, const Piece& piece) {
+bool BeginsParameters(const LayoutPiece& before, const LayoutPiece& piece) {
     return IsBracketBegin(piece.code) && before.code == TOKEN_IDENTIFIER && piece.isInExpression;
 }
 
-bool IsTightColon(const Piece& piece) {
+bool IsTightColon(const LayoutPiece& piece) {
     return piece.code == TOKEN_COLON && piece.isInExpression;
 }
 
-bool IsTight(const Piece& before, const Piece& piece) {
+bool IsTight(const LayoutPiece& before, const LayoutPiece& piece) {
     if (piece.isComment) {
         return IsBracketBegin(before.code);
     }
@@ -53,12 +53,12 @@ bool IsTight(const Piece& before, const Piece& piece) {
            IsBracketBegin(before.code) || before.code == TOKEN_DOT_DOT || before.isUnary;
 }
 
-bool HasBlankBetween(const Piece& before, const Piece& piece) {
+bool HasBlankBetween(const LayoutPiece& before, const LayoutPiece& piece) {
     return !IsTight(before, piece) || WouldJoin(before, piece);
 }
 
 // What stays on the line of what it follows, unless a comment ends that.
-bool StaysOnLine(const Piece& piece) {
+bool StaysOnLine(const LayoutPiece& piece) {
     return IsOneOf(piece.code,
                    {TOKEN_SEMICOLON, TOKEN_COMMA, TOKEN_COLON, TOKEN_ASSIGN, TOKEN_THEN, TOKEN_TO,
                     TOKEN_DOWNTO, TOKEN_DO, TOKEN_OF, TOKEN_DOT_DOT}) ||
@@ -67,7 +67,7 @@ bool StaysOnLine(const Piece& piece) {
 
 // Whether a new line of the script is kept within a statement: beside operators and after commas
 // and ":=". Declarations have theirs beside comments alone.
-bool KeepsLine(const Piece& before, const Piece& piece) {
+bool KeepsLine(const LayoutPiece& before, const LayoutPiece& piece) {
     const bool isBesideComment = before.isComment || piece.isComment;
     const bool isBesideOperator =
         piece.isInExpression &&
@@ -76,7 +76,7 @@ bool KeepsLine(const Piece& before, const Piece& piece) {
 }
 
 // Whether an expression begins after the token, below which its further lines begin.
-bool LeadsToExpression(const Piece& piece) {
+bool LeadsToExpression(const LayoutPiece& piece) {
     return IsOneOf(piece.code,
                    {TOKEN_ASSIGN, TOKEN_IF, TOKEN_ELSIF, TOKEN_WHILE, TOKEN_UNTIL, TOKEN_CASE});
 }
@@ -87,10 +87,10 @@ bool LeadsToExpression(const Piece& piece) {
 
 class Writer {
 public:
-    Writer(const Source& source, const Pieces& pieces, int indent)
+    Writer(const Source& source, const LayoutPieces& pieces, int indent)
         : source_(source), pieces_(pieces), indent_(indent) {}
 
-    Lines lines() {
+    LayoutLines lines() {
         for (at_ = 0; at_ < pieces_.size(); ++at_) {
             if (pieces_[at_].isComment) {
                 takeComment(pieces_[at_]);
@@ -103,21 +103,21 @@ public:
 
 private:
     const Source& source_;
-    const Pieces& pieces_;
+    const LayoutPieces& pieces_;
     int indent_;
     std::size_t at_ = 0;
     std::size_t nextToken_ = 0;
-    Lines lines_;
+    LayoutLines lines_;
     int column_ = 0;               // after what is written of the line
     bool isLed_ = false;           // the line begins with comments that lead to its token
-    Piece lastToken_;              // that was written
+    LayoutPiece lastToken_;        // that was written
     bool isAfterOwnLine_ = false;  // a comment on a line of its own came after that
     bool hasPending_ = false;      // an expression begins with the next piece
     int expressionColumn_ = 0;     // where the expression began
     std::vector<int> brackets_;    // the columns after those that are open
 
     // The token that the piece is or that follows it; comments are all followed by one.
-    const Piece& nextToken() {
+    const LayoutPiece& nextToken() {
         nextToken_ = std::max(nextToken_, at_);
         while (pieces_[nextToken_].isComment) {
             ++nextToken_;
@@ -125,13 +125,13 @@ private:
         return pieces_[nextToken_];
     }
 
-    const Piece& before() const { return pieces_[at_ - 1]; }
+    const LayoutPiece& before() const { return pieces_[at_ - 1]; }
 
     int columnOf(int level) const { return std::min(level, MOST_LEVELS) * indent_; }
 
     // --- lines ---------------------------------------------------------------------------
 
-    bool wantsBlank(const Piece& piece) const {
+    bool wantsBlank(const LayoutPiece& piece) const {
         if (lines_.empty() || at_ == 0) {
             return false;
         }
@@ -144,7 +144,7 @@ private:
     }
 
     void startLine(int level, LineKind kind) {
-        Line line;
+        LayoutLine line;
         line.indent = columnOf(level);
         line.kind = kind;
         line.isBlankBefore = wantsBlank(pieces_[at_]);
@@ -153,16 +153,16 @@ private:
     }
 
     // The line of a token that begins one.
-    void startTokenLine(const Piece& token) {
+    void startTokenLine(const LayoutPiece& token) {
         startLine(token.level, token.kind);
-        Line& line = lines_.back();
+        LayoutLine& line = lines_.back();
         line.isConstant = token.isConstant;
         line.commentColumn = token.kind == LineKind::CaseLabel ? columnOf(token.level + 1) : NONE;
     }
 
     void goOn() {
         const LineKind kind = lines_.back().kind;
-        Line line;
+        LayoutLine line;
         line.indent = continuationColumn();
         line.kind = kind;
         line.isContinuation = true;
@@ -185,7 +185,7 @@ private:
 
     // --- tokens --------------------------------------------------------------------------
 
-    void takeToken(const Piece& token) {
+    void takeToken(const LayoutPiece& token) {
         if (token.beginsLine) {
             beginStatement(token);
         } else {
@@ -198,7 +198,7 @@ private:
         isAfterOwnLine_ = false;
     }
 
-    void beginStatement(const Piece& token) {
+    void beginStatement(const LayoutPiece& token) {
         brackets_.clear();
         hasPending_ = false;
         if (token.joinsLabel) {
@@ -212,20 +212,20 @@ private:
         expressionColumn_ = std::min(token.level, MOST_LEVELS) * indent_ + indent_;
     }
 
-    void startLedToken(const Piece& token) {
-        Line& line = lines_.back();
+    void startLedToken(const LayoutPiece& token) {
+        LayoutLine& line = lines_.back();
         line.kind = token.kind;
         line.isComment = false;
         line.isConstant = token.isConstant;
         appendBlanks(1);
     }
 
-    void joinLabel(const Piece& token) {
+    void joinLabel(const LayoutPiece& token) {
         appendBlanks(std::max(columnOf(token.level) - column_, 1));
         lines_.back().kind = LineKind::Statement;
     }
 
-    void separate(const Piece& piece) {
+    void separate(const LayoutPiece& piece) {
         const bool isForced = before().isLineComment;
         if (isForced || KeepsLine(before(), piece)) {
             goOn();
@@ -235,12 +235,12 @@ private:
     }
 
     // Before the piece is written.
-    void notePlace(const Piece& piece) {
+    void notePlace(const LayoutPiece& piece) {
         if (hasPending_) {
             expressionColumn_ = column_;
             hasPending_ = false;
         }
-        Line& line = lines_.back();
+        LayoutLine& line = lines_.back();
         if (piece.code == TOKEN_COLON && line.kind == LineKind::Declaration &&
             !line.isContinuation && !line.text.contains(u'\n')) {
             line.colon = line.text.size();
@@ -248,7 +248,7 @@ private:
         hasPending_ = LeadsToExpression(piece);
     }
 
-    void noteBracket(const Piece& token) {
+    void noteBracket(const LayoutPiece& token) {
         if (IsBracketBegin(token.code)) {
             brackets_.push_back(column_);
         } else if (IsBracketEnd(token.code) && !brackets_.empty()) {
@@ -258,7 +258,7 @@ private:
 
     // --- comments ------------------------------------------------------------------------
 
-    void takeComment(const Piece& comment) {
+    void takeComment(const LayoutPiece& comment) {
         if (!nextToken().beginsLine) {
             takeWithin(comment);
         } else if (lines_.empty() || comment.hasLineBefore) {
@@ -271,7 +271,7 @@ private:
         }
     }
 
-    void takeWithin(const Piece& comment) {
+    void takeWithin(const LayoutPiece& comment) {
         if (comment.isLineComment && !comment.hasLineBefore) {
             addAtEnd(comment);
             return;
@@ -281,14 +281,14 @@ private:
         append(comment.text);
     }
 
-    void addAtEnd(const Piece& comment) {
+    void addAtEnd(const LayoutPiece& comment) {
         QString& end = lines_.back().comment;
         end += QStringLiteral(" ").repeated(end.isEmpty() ? 0 : 1);
         end.append(comment.text.data(), static_cast<int>(comment.text.size()));
     }
 
-    void takeOwnLine(const Piece& comment) {
-        const Piece& token = nextToken();
+    void takeOwnLine(const LayoutPiece& comment) {
+        const LayoutPiece& token = nextToken();
         startLine(comment.leadsToken ? token.level : levelOf(comment, token),
                   isInSection(token) ? LineKind::Declaration : token.kind);
         append(comment.text);
@@ -297,12 +297,12 @@ private:
         isAfterOwnLine_ = !isLed_;
     }
 
-    static bool isInSection(const Piece& token) {
+    static bool isInSection(const LayoutPiece& token) {
         return token.kind == LineKind::Declaration || token.code == TOKEN_END_VAR;
     }
 
     // The level of a comment that stands above a token.
-    int levelOf(const Piece& comment, const Piece& token) const {
+    int levelOf(const LayoutPiece& comment, const LayoutPiece& token) const {
         if (token.closes) {
             return token.level + 1;
         }
@@ -311,7 +311,7 @@ private:
         return token.level + (token.outdents && !isOutside ? 1 : 0);
     }
 
-    int sourceColumnOf(const Piece& piece) const {
+    int sourceColumnOf(const LayoutPiece& piece) const {
         return source_.placeOf(piece.span.begin).column;
     }
 };
@@ -361,8 +361,8 @@ int EndOfFormatted(const Facts& facts) {
 
 QString Formatted(const Source& source, const Facts& facts, int indent) {
     const int end = EndOfFormatted(facts);
-    const Pieces pieces = PiecesOf(source, facts, end);
-    Lines lines = Writer(source, pieces, indent).lines();
+    const LayoutPieces pieces = PiecesOf(source, facts, end);
+    LayoutLines lines = Writer(source, pieces, indent).lines();
     Align(lines);
     QString text = TextOf(lines);
     text.chop(text.isEmpty() ? 0 : 1);

@@ -8,7 +8,7 @@ constexpr int TAB = 4;       // comments stand at multiples of it
 constexpr int GAP = 2;       // the least number of blanks before them
 constexpr int WIDEST = 120;  // what goes beyond stands for itself
 
-using Group = std::vector<Line*>;
+using Group = std::vector<LayoutLine*>;
 
 QString Blanks(int count) {
     return QString(std::max(count, 0), u' ');
@@ -18,12 +18,12 @@ QString Blanks(int count) {
 // Colons
 // ---------------------------------------------------------------------------------------------
 
-bool HasColumn(const Line& line) {
+bool HasColumn(const LayoutLine& line) {
     return line.colon != NONE && line.colon <= WIDEST;
 }
 
 // Lines that go on move with the line that they go on from.
-void AlignColons(Lines::iterator first, Lines::iterator last) {
+void AlignColons(LayoutLines::iterator first, LayoutLines::iterator last) {
     int width = 0;
     for (auto line = first; line != last; ++line) {
         width = HasColumn(*line) ? std::max(width, line->colon) : width;
@@ -42,13 +42,13 @@ void AlignColons(Lines::iterator first, Lines::iterator last) {
 }
 
 // Whether the line belongs to the declarations above it: constants stand among constants.
-bool GoesOn(const Line& line, const Line& first) {
+bool GoesOn(const LayoutLine& line, const LayoutLine& first) {
     const bool isAmong = line.isComment || line.isContinuation ||
                          (line.colon != NONE && line.isConstant == first.isConstant);
     return isAmong && line.kind == LineKind::Declaration && !line.isBlankBefore;
 }
 
-void AlignAllColons(Lines& lines) {
+void AlignAllColons(LayoutLines& lines) {
     for (auto first = lines.begin(); first != lines.end();) {
         auto last = std::next(first);
         while (first->colon != NONE && last != lines.end() && GoesOn(*last, *first)) {
@@ -69,11 +69,11 @@ int RoundedUp(int column) {
 
 void AlignComments(const Group& group, int least) {
     int column = least;
-    for (const Line* line : group) {
+    for (const LayoutLine* line : group) {
         const int end = line->end();
         column = end <= WIDEST ? std::max(column, RoundedUp(end + GAP)) : column;
     }
-    for (Line* line : group) {
+    for (LayoutLine* line : group) {
         line->commentColumn = column;
     }
 }
@@ -82,7 +82,7 @@ void AlignComments(const Group& group, int least) {
 // statements on lines that follow each other.
 class CommentGroups {
 public:
-    void take(Line& line) {
+    void take(LayoutLine& line) {
         if (line.isBlankBefore || line.kind != kind_ ||
             (isStatement() && line.comment.isEmpty())) {
             end();
@@ -106,7 +106,7 @@ private:
     bool isStatement() const { return kind_ == LineKind::Statement; }
 };
 
-void AppendLine(QString& text, const Line& line) {
+void AppendLine(QString& text, const LayoutLine& line) {
     if (line.isBlankBefore) {
         text += u'\n';
     }
@@ -121,18 +121,18 @@ void AppendLine(QString& text, const Line& line) {
 
 }  // namespace
 
-void Align(Lines& lines) {
+void Align(LayoutLines& lines) {
     AlignAllColons(lines);
     CommentGroups groups;
-    for (Line& line : lines) {
+    for (LayoutLine& line : lines) {
         groups.take(line);
     }
     groups.end();
 }
 
-QString TextOf(const Lines& lines) {
+QString TextOf(const LayoutLines& lines) {
     QString text;
-    for (const Line& line : lines) {
+    for (const LayoutLine& line : lines) {
         AppendLine(text, line);
     }
     return text;

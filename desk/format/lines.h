@@ -5,7 +5,7 @@
 
 constexpr int LEAST_COMMENT_COLUMN = 36;  // of comments after declarations
 
-struct Line {
+struct LayoutLine {
     int indent = 0;
     QString text;              // of several lines where a comment within is
     QString comment = {};      // at its end
@@ -24,9 +24,9 @@ struct Line {
     }
 };
 
-using Lines = std::vector<Line>;
+using LayoutLines = std::vector<LayoutLine>;
 
 // Brings the ":" of declarations and the comments at the ends of lines below each other.
-void Align(Lines& lines);
+void Align(LayoutLines& lines);
 
-QString TextOf(const Lines& lines);
+QString TextOf(const LayoutLines& lines);

@@ -86,7 +86,7 @@ public:
     }
 
     // The piece of the next token; nothing if it is a semicolon that ends nothing.
-    std::optional<Piece> next() {
+    std::optional<LayoutPiece> next() {
         piece_ = {};
         piece_.span = tokens_.span(at_);
         piece_.code = tokens_.code(at_);
@@ -96,7 +96,7 @@ public:
         leave();
         before_ = isWanted ? piece_.code : before_;
         ++at_;
-        return isWanted ? std::optional<Piece>(piece_) : std::nullopt;
+        return isWanted ? std::optional<LayoutPiece>(piece_) : std::nullopt;
     }
 
 private:
@@ -120,7 +120,7 @@ private:
     std::vector<Frame> frames_;
     int at_ = 0;                    // the token
     Token before_ = TOKEN_UNKNOWN;  // the code of the one before
-    Piece piece_;
+    LayoutPiece piece_;
 
     template <typename Record>
     bool begins(const std::vector<Record>& records, std::size_t& next) const {
@@ -293,14 +293,14 @@ bool HasBlankLine(QStringView gap) {
     return false;
 }
 
-void NoteGap(const Source& source, int end, Piece& piece) {
+void NoteGap(const Source& source, int end, LayoutPiece& piece) {
     const QStringView gap = source.text({end, piece.span.begin});
     piece.hasLineBefore = gap.contains(u'\n');
     piece.hasBlankBefore = HasBlankLine(gap);
 }
 
-Piece CommentPiece(const Source& source, const CommentFact& comment) {
-    Piece piece;
+LayoutPiece CommentPiece(const Source& source, const CommentFact& comment) {
+    LayoutPiece piece;
     piece.span = comment.span;
     piece.text = source.text(comment.span);
     piece.isComment = true;
@@ -309,10 +309,10 @@ Piece CommentPiece(const Source& source, const CommentFact& comment) {
 }
 
 // From the last to the first.
-void NoteLeaders(Pieces& pieces) {
+void NoteLeaders(LayoutPieces& pieces) {
     for (std::size_t after = pieces.size(); after-- > 1;) {
-        Piece& piece = pieces[after - 1];
-        const Piece& next = pieces[after];
+        LayoutPiece& piece = pieces[after - 1];
+        const LayoutPiece& next = pieces[after];
         piece.leadsToken =
             piece.isComment && !next.hasLineBefore && (!next.isComment || next.leadsToken);
     }
@@ -320,12 +320,12 @@ void NoteLeaders(Pieces& pieces) {
 
 }  // namespace
 
-Pieces PiecesOf(const Source& source, const Facts& facts, int end) {
-    Pieces pieces;
+LayoutPieces PiecesOf(const Source& source, const Facts& facts, int end) {
+    LayoutPieces pieces;
     pieces.reserve(facts.tokens.size() + facts.comments.size());
     StructureReader structure(source, facts);
     auto comment = facts.comments.begin();
-    const auto add = [&](Piece piece) {
+    const auto add = [&](LayoutPiece piece) {
         NoteGap(source, pieces.empty() ? 0 : pieces.back().span.end, piece);
         pieces.push_back(piece);
     };
@@ -337,7 +337,7 @@ Pieces PiecesOf(const Source& source, const Facts& facts, int end) {
              ++comment) {
             add(CommentPiece(source, *comment));
         }
-        if (const std::optional<Piece> piece = structure.next()) {
+        if (const std::optional<LayoutPiece> piece = structure.next()) {
             add(*piece);
         }
     }

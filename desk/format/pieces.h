@@ -14,7 +14,7 @@ enum class LineKind : unsigned char {
     CaseLabel
 };
 
-struct Piece {
+struct LayoutPiece {
     Span span;
     QStringView text;  // as it is to be written
     Token code = TOKEN_UNKNOWN;
@@ -41,8 +41,8 @@ struct Piece {
     bool isInExpression = false;  // of a statement, where "(" after a name begins parameters
 };
 
-using Pieces = std::vector<Piece>;
+using LayoutPieces = std::vector<LayoutPiece>;
 
 // The pieces up to an offset of the script. Semicolons that end nothing are left out. Texts are
 // pieces of the source and the facts, which must outlive them.
-Pieces PiecesOf(const Source& source, const Facts& facts, int end);
+LayoutPieces PiecesOf(const Source& source, const Facts& facts, int end);
