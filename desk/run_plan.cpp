@@ -179,6 +179,10 @@ QString ReadPlan(const RunArguments& arguments, const CodeUnit& program, RunPlan
 }
 
 QString WhatIsWrongWithFiles(const RunArguments& arguments) {
+    const auto inputs = {arguments.path, arguments.inputs, arguments.engine};
+    if (std::count(inputs.begin(), inputs.end(), STANDARD_INPUT) > 1) {
+        return QStringLiteral("standard input can be read for one purpose alone");
+    }
     const std::vector<OutputOption> outputs = {
         {"--trace", arguments.trace}, {"--chart", arguments.chart}, {"--record", arguments.test}};
     for (const OutputOption& output : outputs) {

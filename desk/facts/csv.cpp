@@ -89,7 +89,7 @@ private:
         expectNoTabs(row);
         skipLine();
         const bool isEmpty = row.cells.size() == 1 && row.cells.front().text.isEmpty();
-        if (!isEmpty) {
+        if (!isEmpty && !csv_.fault) {
             csv_.rows.push_back(std::move(row));
         }
     }

@@ -47,7 +47,8 @@ QString RangeText(Typ type) {
         return QStringLiteral("TRUE or FALSE");
     }
     if (type >= TYP_REAL) {
-        return QStringLiteral("a number");
+        return type == TYP_REAL ? QStringLiteral("a number from -3.4e38 to 3.4e38")
+                                : QStringLiteral("a number");
     }
     const Range& range = RangeOf(type);
     return QStringLiteral("a whole number from %1 to %2").arg(range.least).arg(range.greatest);

@@ -168,8 +168,10 @@ private:
         Value width;
         if (!ReadValue(digits, value.isReal() ? TYP_LREAL : TYP_UDINT, width) ||
             width.asReal() < 0.0) {
-            fail(cell.place, QStringLiteral("the tolerance after ~ is a number from 0 on, not %1")
-                                 .arg(Quoted(digits)));
+            const QString kind =
+                value.isReal() ? QStringLiteral("number") : QStringLiteral("whole number");
+            fail(cell.place, QStringLiteral("the tolerance after ~ is a %1 from 0 on, not %2")
+                                 .arg(kind, Quoted(digits)));
         }
         return {{Comparison::GreaterOrEqual, {variable, shifted(value, width, -1)}},
                 {Comparison::LessOrEqual, {variable, shifted(value, width, 1)}}};

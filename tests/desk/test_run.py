@@ -467,6 +467,9 @@ class Inputs(RunTestCase):
             self.write("in.csv", data)
             self.refused(f"in.csv: {complaint}", "counter.st", "--inputs=in.csv")
         self.refused("none.csv: no such file", "counter.st", "--inputs=none.csv")
+        self.refused(
+            "standard input can be read for one purpose alone", "-", "--inputs=-"
+        )
 
 
 class Files(RunTestCase):

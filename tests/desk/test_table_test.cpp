@@ -406,7 +406,7 @@ TEST(TestTable, WrongCellsAreRefused) {
         {Row("level?", "3.0~-1"),
          "line 4, column 4: the tolerance after ~ is a number from 0 on, not \"-1\""},
         {Row("count?", "3~0.5"),
-         "line 4, column 4: the tolerance after ~ is a number from 0 on, not \"0.5\""},
+         "line 4, column 4: the tolerance after ~ is a whole number from 0 on, not \"0.5\""},
         {Row("level", "1,5"), "line 4, column 6: there is no column for this cell"},
         {Row("flag?", "YES"),
          "line 4, column 4: flag is BOOL, so it takes TRUE or FALSE, not \"YES\""},

@@ -240,6 +240,14 @@ class Tables(TestTestCase):
             "2 cases in 3 files, 0 failed; the cases of 2 could not be executed\n",
         )
 
+    def test_tabs_part_no_cells(self):
+        self.write("tank.test", PASSING.replace(b", ", b"\t"))
+        self.assertEqual(
+            self.complaint("tank.test"),
+            "yxst: tank.test:1:7: tabs are between the cells; commas or semicolons are expected "
+            "there.\n",
+        )
+
     def test_a_script_is_no_table(self):
         self.assertEqual(
             self.complaint("tank.st"),
