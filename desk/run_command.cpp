@@ -273,6 +273,16 @@ void AddTextOption(CLI::App& command, const char* option, std::string& text,
     command.add_option(option, text, description)->option_text(valueName);
 }
 
+void AddTickOption(CLI::App& command, quint32& tick) {
+    command.add_option("--tick", tick, "What a cycle adds to the tick counter, 100")
+        ->option_text("T")
+        ->check([](const std::string& text) {
+            bool isNumber = false;
+            QString::fromStdString(text).toUInt(&isNumber);
+            return isNumber ? std::string() : text + " is no whole number from 0 to 4294967295";
+        });
+}
+
 // An option that may be given several times.
 CLI::Option* AddTextsOption(CLI::App& command, const char* option,
                             std::vector<std::string>& texts, const char* valueName,
@@ -290,13 +300,7 @@ Runner DeclareRun(CLI::App& command) {
     command.add_option("FILE", into.path, "A script or target code; - is standard input")
         ->required();
     AddCountOption(command, "--cycles", into.cycles, "How many cycles are executed, 1");
-    command.add_option("--tick", into.tick, "What a cycle adds to the tick counter, 100")
-        ->option_text("T")
-        ->check([](const std::string& text) {
-            bool isNumber = false;
-            QString::fromStdString(text).toUInt(&isNumber);
-            return isNumber ? std::string() : text + " is no whole number from 0 to 4294967295";
-        });
+    AddTickOption(command, into.tick);
     AddTextOption(command, "--inputs", into.inputs, "FILE",
                   "A table of what is put in before the cycles");
     AddTextsOption(command, "--set", into.settings, "NAME=VALUE",
