@@ -110,13 +110,13 @@ void EndWithParent(pid_t parent) {
     }
 }
 
-[[noreturn]] void RunChild(const Source& source, Detail detail, int file) {
+// What becomes of the facts: they go to the file, or what is made of them.
+using Deliver = std::function<void(Facts& facts, int file)>;
+
+[[noreturn]] void RunChild(const Source& source, const Deliver& deliver, int file) {
     try {
         Facts facts = CompileHere(source);
-        if (detail == Detail::IfMessages && facts.messages.empty()) {
-            facts = Facts();
-        }
-        WriteFacts(file, facts);
+        deliver(facts, file);
     } catch (const std::bad_alloc&) {
         LeaveChild(WITHOUT_MEMORY);
     } catch (const std::length_error&) {
@@ -149,8 +149,25 @@ bool IsReadableBefore(std::chrono::steady_clock::time_point end, int descriptor)
 
 }  // namespace
 
-// What may be printed later must not be printed by the child as well.
 CompileProcess::CompileProcess(const Source& source, Detail detail) {
+    start(source, [detail](Facts& facts, int file) {
+        if (detail == Detail::IfMessages && facts.messages.empty()) {
+            facts = Facts();
+        }
+        WriteFacts(file, facts);
+    });
+}
+
+CompileProcess::CompileProcess(const Source& source, const Question& question)
+    : hasQuestion_(true) {
+    start(source, [&question](const Facts& facts, int file) {
+        const QByteArray answer = question(facts);
+        WriteAll(file, {answer.constData(), static_cast<std::size_t>(answer.size())});
+    });
+}
+
+// What may be printed later must not be printed by the child as well.
+void CompileProcess::start(const Source& source, const Deliver& deliver) {
     std::array<int, 2> ends = {NONE, NONE};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {
         return;
@@ -159,7 +176,7 @@ CompileProcess::CompileProcess(const Source& source, Detail detail) {
     child_ = fork();
     if (child_ == 0) {
         EndWithParent(parent);
-        RunChild(source, detail, ends[1]);
+        RunChild(source, deliver, ends[1]);
     }
     close(ends[1]);
     pipe_ = ends[0];
@@ -168,11 +185,13 @@ CompileProcess::CompileProcess(const Source& source, Detail detail) {
 CompileProcess::CompileProcess(CompileProcess&& other) noexcept
     : child_(std::exchange(other.child_, NONE)),
       pipe_(std::exchange(other.pipe_, NONE)),
+      hasQuestion_(other.hasQuestion_),
       received_(std::move(other.received_)) {}
 
 CompileProcess& CompileProcess::operator=(CompileProcess&& other) noexcept {
     std::swap(child_, other.child_);
     std::swap(pipe_, other.pipe_);
+    std::swap(hasQuestion_, other.hasQuestion_);
     std::swap(received_, other.received_);
     return *this;
 }
@@ -210,6 +229,10 @@ CompileResult CompileProcess::result() {
         return {std::nullopt, QStringLiteral("no process for the compiler can be started")};
     }
     const int status = wait();
+    if (hasQuestion_) {
+        const bool isAnswered = status == SUCCESS && !received_.isEmpty();
+        return {std::nullopt, isAnswered ? QString() : FailureOf(status), std::move(received_)};
+    }
     std::optional<Facts> facts = FactsOf(received_);
     received_.clear();
     if (status != SUCCESS || !facts) {

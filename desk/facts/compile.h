@@ -7,6 +7,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 // How much of the facts is wanted.
@@ -15,10 +16,15 @@ enum class Detail : unsigned char {
     All
 };
 
-// The facts, or why there are none.
+// What is to be known of the facts, worked out in the child: its memory is that of the moment at
+// which the compile was started. Never empty.
+using Question = std::function<QByteArray(const Facts&)>;
+
+// The facts or the answer to the question, or why there is neither.
 struct CompileResult {
     std::optional<Facts> facts;
-    QString failure;  // a sentence without its full stop, where there are no facts
+    QString failure;  // a sentence without its full stop
+    QByteArray answer = {};
 };
 
 // A compile under way; it is ended when this goes.
@@ -26,6 +32,7 @@ class CompileProcess {
 public:
     // Starts the compile. That it cannot be started is found in its result.
     CompileProcess(const Source& source, Detail detail);
+    CompileProcess(const Source& source, const Question& question);
     CompileProcess(const CompileProcess&) = delete;
     CompileProcess& operator=(const CompileProcess&) = delete;
     CompileProcess(CompileProcess&& other) noexcept;
@@ -44,8 +51,10 @@ public:
 private:
     pid_t child_ = NONE;
     int pipe_ = NONE;
+    bool hasQuestion_ = false;
     QByteArray received_;
 
+    void start(const Source& source, const std::function<void(Facts&, int)>& deliver);
     int wait();
 };
 

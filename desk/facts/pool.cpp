@@ -12,6 +12,10 @@ void CompilePool::start(int key, const Source& source, Detail detail) {
     entries_.push_back({key, CompileProcess(source, detail)});
 }
 
+void CompilePool::start(int key, const Source& source, const Question& question) {
+    entries_.push_back({key, CompileProcess(source, question)});
+}
+
 CompilePool::Finished CompilePool::finish(std::size_t index) {
     Finished finished = {entries_[index].key, entries_[index].process.result()};
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(index));

@@ -54,6 +54,8 @@ QString FaultOfBytes(const QByteArray& bytes, const QString& text) {
 // Files
 // ---------------------------------------------------------------------------------------------
 
+constexpr const char* PROVEN = "proven";
+
 // A file between its two compiles: that of the script and that of the result.
 struct FileUnderWay {
     FormattedFile file;
@@ -116,12 +118,15 @@ private:
 
     void goOn(CompilePool::Finished finished) {
         FileUnderWay& underWay = running_.at(finished.key);
-        if (!finished.result.facts) {
+        if (!finished.result.failure.isEmpty()) {
             fail(finished.key, std::move(underWay.file), finished.result.failure);
-        } else if (!underWay.facts) {
+        } else if (finished.result.facts) {
             format(finished.key, underWay, std::move(*finished.result.facts));
+        } else if (finished.result.answer == PROVEN) {
+            finish(finished.key, underWay);
         } else {
-            prove(finished.key, underWay, *finished.result.facts);
+            fail(finished.key, std::move(underWay.file),
+                 QString::fromUtf8(finished.result.answer));
         }
     }
 
@@ -140,18 +145,17 @@ private:
         if (*result.text == file.source.text()) {
             finish(index, underWay);
         } else {
-            pool_.start(index, underWay.result, Detail::All);
+            pool_.start(index, underWay.result, proofOf(underWay));
         }
     }
 
-    void prove(int index, FileUnderWay& underWay, const Facts& facts) {
-        const QString fault = FaultOfFormatted(underWay.file.source, *underWay.facts,
-                                               underWay.result, facts, options_.format);
-        if (fault.isEmpty()) {
-            finish(index, underWay);
-        } else {
-            fail(index, std::move(underWay.file), fault);
-        }
+    // The child that compiles the result has the script and its facts in its memory.
+    Question proofOf(const FileUnderWay& underWay) const {
+        return [this, &underWay](const Facts& facts) {
+            const QString fault = FaultOfFormatted(underWay.file.source, *underWay.facts,
+                                                   underWay.result, facts, options_.format);
+            return fault.isEmpty() ? QByteArray(PROVEN) : fault.toUtf8();
+        };
     }
 
     void finish(int index, FileUnderWay& underWay) {
