@@ -252,7 +252,8 @@ bool IsInNumber(const Model& model, int offset) {
 
 Proposals ProposalsAt(const Model& model, int offset) {
     const Span word = WordAt(model.source, offset);
-    if (IsInNumber(model, offset) || PlaceKindAt(model, offset) != PlaceKind::Code) {
+    const bool isCode = PlaceKindAt(model, offset) == PlaceKind::Code;
+    if (!isCode || IsInNumber(model, offset)) {  // the compiler need not be asked
         return {word, {}};
     }
     const std::optional<Opening> opening = OpeningAt(model, word.begin);

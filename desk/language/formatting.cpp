@@ -65,7 +65,7 @@ private:
         LineChange rest = change;
         for (int line = change.before.begin + 1; line < change.before.end; ++line) {
             const int other = lineOfAfter(rest.after, before_.inkBefore(line));
-            if (other != NONE && !isEmpty(line, change.before)) {
+            if (other != NONE) {
                 add({{rest.before.begin, line}, {rest.after.begin, other}});
                 rest.before.begin = line;
                 rest.after.begin = other;
@@ -74,16 +74,10 @@ private:
         add(rest);
     }
 
-    // Whether nothing that counts stands in a line of the change.
-    bool isEmpty(int line, Span lines) const {
-        return line + 1 < lines.end && before_.inkBefore(line + 1) == before_.inkBefore(line);
-    }
-
-    // The last line of the change, but for its first, before which as many characters stand.
+    // The last line of the change before which as many characters stand.
     int lineOfAfter(Span lines, int ink) const {
         int found = NONE;
-        for (int line = lines.begin + 1; line < lines.end && after_.inkBefore(line) <= ink;
-             ++line) {
+        for (int line = lines.begin; line < lines.end && after_.inkBefore(line) <= ink; ++line) {
             found = after_.inkBefore(line) == ink ? line : found;
         }
         return found;

@@ -105,6 +105,20 @@ TEST(Mends, AreThoseOfTheRange) {
     EXPECT_THAT(MendsIn(ModelOfText(QString()), {0, 0}), IsEmpty());
 }
 
+Diagnostic MendedBy(std::vector<Edit> mend) {
+    Diagnostic diagnostic;
+    diagnostic.helps = {{QString(), QString(), {}, std::move(mend)}};
+    return diagnostic;
+}
+
+TEST(Mends, AreDoneAtOnceIfTheyDoNotTouch) {
+    Model model = ModelOfText(QStringLiteral("PROGRAM"));
+    model.diagnostics = {MendedBy({{{0, 3}, QStringLiteral("a")}}),
+                         MendedBy({{{3, 3}, QStringLiteral("b")}, {{7, 7}, QString()}}),
+                         MendedBy({{{5, 6}, QStringLiteral("c")}})};
+    EXPECT_EQ(Applied(model.source.text(), AllMends(model)), "aGRcM");
+}
+
 // ---------------------------------------------------------------------------------------------
 // Comments that allow
 // ---------------------------------------------------------------------------------------------

@@ -68,6 +68,13 @@ TEST(Formatting, IsOfARange) {
         Program("a:=1;\n    a := 2;\na:=3;\nEND_PROGRAM\n"));
 }
 
+TEST(Formatting, LeavesEmptyLinesOutsideOfTheRange) {
+    const Script script = OpenScript(Program("a:=1;\n\n\na:=2;\nEND_PROGRAM\n"));
+    EXPECT_EQ(
+        Applied(script, RangeFormattingMethod(script, RangeOf(script, QStringLiteral("a:=2;")))),
+        Program("a:=1;\n\n\n    a := 2;\nEND_PROGRAM\n"));
+}
+
 QString AfterTyping(const char* statements) {
     const MarkedScript script = Marked(Program(statements));
     return Applied(script.script, OnTypeFormattingMethod(script.script, script.params()));
@@ -79,6 +86,13 @@ TEST(Formatting, IsOfTheStatementThatEnds) {
     EXPECT_EQ(AfterTyping("a:=1;\nif a>1 then\na:=2;\nend_if;|\nEND_PROGRAM\n"),
               Program("a:=1;\n    IF a > 1 THEN\n        a := 2;\n    END_IF;\nEND_PROGRAM\n"));
     EXPECT_EQ(AfterTyping("a:=2;|\na := ;\n"), Program("    a := 2;\na := ;\n"));
+}
+
+TEST(Formatting, IsOfTheDeclarationThatEnds) {
+    const MarkedScript script =
+        Marked(QStringLiteral("PROGRAM p\nVAR\na:INT;|\nEND_VAR\na:=1;\nEND_PROGRAM\n"));
+    EXPECT_EQ(Applied(script.script, OnTypeFormattingMethod(script.script, script.params())),
+              "PROGRAM p\nVAR\n    a : INT;\nEND_VAR\na:=1;\nEND_PROGRAM\n");
 }
 
 TEST(Formatting, IsOfNothingWhereNothingEnds) {

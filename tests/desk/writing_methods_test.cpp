@@ -201,7 +201,9 @@ TEST(CodeActionMethod, MendsWhatADiagnosticTells) {
         "{'diagnostics': [{'range': {'start': {'line': 4, 'character': 6}, "
         "'end': {'line': 4, 'character': 7}}, 'code': 'expected-but', 'message': 'one'}, "
         "{'range': {'start': {'line': 0, 'character': 6}, "
-        "'end': {'line': 4, 'character': 7}}, 'code': 'expected-but', 'message': 'two'}]}");
+        "'end': {'line': 4, 'character': 7}}, 'code': 'expected-but', 'message': 'two'}, "
+        "{'range': {'start': {'line': 4, 'character': 6}, "
+        "'end': {'line': 4, 'character': 8}}, 'code': 'expected-but', 'message': 'three'}]}");
     const QJsonArray actions = CodeActionMethod(script.script, params).toArray();
     ASSERT_EQ(actions.size(), 1);
     EXPECT_EQ(At(actions[0], {"kind"}).toString(), "quickfix");

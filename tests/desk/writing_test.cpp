@@ -155,6 +155,10 @@ TEST(Proposals, EndWhatIsOpen) {
                 IsSupersetOf({"ELSIF", "ELSE", "END_IF"}));
     EXPECT_THAT(NamesAmongStatements("IF ready THEN ELSE |"), Not(Contains("ELSIF")));
     EXPECT_THAT(NamesAmongStatements("IF ready THEN |"), Not(Contains("END_PROGRAM")));
+    EXPECT_THAT(NamesAmongStatements("count := 3; IF ready THEN count := 1; |\nEND_PROGRAM"),
+                Contains("END_IF"));
+    EXPECT_THAT(NamesAmongStatements("count := 3; IF ready THEN count := 1;\n|count := 2;\n"),
+                Contains("END_IF"));
     EXPECT_THAT(NamesAmongStatements("WHILE ready DO |"),
                 IsSupersetOf({"END_WHILE", "BREAK", "CONTINUE"}));
     EXPECT_THAT(NamesAmongStatements("REPEAT |"), IsSupersetOf({"UNTIL", "BREAK"}));
@@ -200,6 +204,8 @@ TEST(Proposals, PassWhatIsBroken) {
 TEST(Proposals, BeginAStatementAfterALineThatIsNotEnded) {
     EXPECT_THAT(NamesAmongStatements("count := 1\n|"), IsSupersetOf({"IF", "count"}));
     EXPECT_THAT(NamesAmongStatements("count := 1 |"), Not(Contains("IF")));
+    EXPECT_THAT(NamesAmongStatements("count := 3; count := 1 |\ncount := 2;\nEND_PROGRAM"),
+                Not(Contains("IF")));
 }
 
 TEST(Proposals, AreForTheWholeWord) {
@@ -275,8 +281,8 @@ TEST(Signatures, AreThoseOfTheCallAroundThePlace) {
 TEST(Signatures, AreNoneElsewhere) {
     for (const char* place :
          {"level := Half|(1);", "level := Half(1)|;", "level := (|1);", "level := level(|1);",
-          "level := unknown(|1);", "level := Half((* | *) 1);", "level := Half('|');", "|",
-          "level := sin(1); count := |2;"}) {
+          "level := unknown(|1);", "level := Half((* | *) 1);", "level := Half('|');",
+          "level := Half('|", "|", "level := sin(1); count := |2;"}) {
         EXPECT_EQ(SignatureIn(place), QString()) << place;
     }
 }
@@ -318,7 +324,7 @@ TEST(Folds, HaveBranches) {
                         "THEN\nx := 2;\nELSE\nx := 3;\n\nEND_IF;\nEND_PROGRAM"),
                 ElementsAre("1-10", "3-9", "5-6", "7-9"));
     EXPECT_THAT(FoldsIn("PROGRAM p\nVAR x : INT; END_VAR\nCASE x OF\n1, -2:\nx := 1;\n3..5:\n"
-                        "x := 2;\nafter: x := 3;\nELSE\nx := 3;\nEND_CASE;\nEND_PROGRAM"),
+                        "after:\nx := 3;\nELSE\nx := 3;\nEND_CASE;\nEND_PROGRAM"),
                 ElementsAre("1-11", "3-10", "4-5", "6-8", "9-10"));
 }
 
@@ -366,6 +372,11 @@ TEST(Selections, GrowByOperations) {
     EXPECT_THAT(SelectionsIn("PROGRAM p VAR x : INT; END_VAR "
                              "IF x > 1 THEN x := (x + 1) * sin(x|); END_IF; END_PROGRAM "),
                 IsSupersetOf({"x", "(x)", "sin(x)", "(x + 1) * sin(x)"}));
+}
+
+TEST(Selections, HoldCalls) {
+    EXPECT_THAT(SelectionsIn("PROGRAM p VAR x : INT; END_VAR x := sin(|x); END_PROGRAM"),
+                IsSupersetOf({"x", "(x)", "sin(x)", "x := sin(x);"}));
 }
 
 TEST(Selections, AreThereInDeclarationsAndComments) {
