@@ -38,16 +38,20 @@ END_VAR
 END_PROGRAM
 """
 MENDED = WRONG.replace("full = 3", "full := 3")
-FORMATTED = MENDED.replace("level:=level+1", "level := level + 1").replace(
-    "    level : INT := 0;\n    full : BOOL;\n", "    level : INT := 0;\n    full  : BOOL;\n"
-)
+FORMATTED = MENDED.replace("level:=level+1", "level := level + 1").replace("full :", "full  :", 1)
 RENAMED = MENDED.replace("level", "height")
 
-SCRIPTS = [WRONG] + [
-    path.read_text("utf-8")
-    for path in (ROOT / "examples/pump_sequence.st", ROOT / "tests/golden/templates/calls.st")
-    if path.exists()
-]
+CALLING = """\
+FUNCTION Twice : INT
+VAR_ARG
+    x : INT;
+END_VAR
+    RESULT := 2 * x;
+END_FUNCTION
+
+""" + MENDED.replace("level+1", "Twice(level)")
+
+SCRIPTS = [WRONG, CALLING, (ROOT / "examples/pump_sequence.st").read_text("utf-8")]
 
 
 def run_editor(*command):
@@ -97,9 +101,8 @@ class Neovim(unittest.TestCase):
         self.assertEqual(self.seen["renamed"], RENAMED.splitlines())
 
     def test_format(self):
-        formatted = self.seen["formatted"]
-        self.assertIn("    height := height + 1;", formatted)
-        self.assertEqual(len(formatted), len(RENAMED.splitlines()))
+        formatted = FORMATTED.replace("level", "height").replace("full  :", "full   :")
+        self.assertEqual(self.seen["formatted"], formatted.splitlines())
 
 
 class Emacs(unittest.TestCase):
@@ -122,7 +125,7 @@ class Emacs(unittest.TestCase):
         self.assertIn("in percent", self.seen["hover"])
 
     def test_format(self):
-        self.assertIn("    level := level + 1;\n", self.seen["formatted"])
+        self.assertEqual(self.seen["formatted"], FORMATTED)
 
 
 def run_node(script, *arguments, data):
@@ -155,15 +158,16 @@ def numbers_in(value):
         yield value
 
 
+# Where members that the types do not name are taken.
+REFUSED = {"initialize": {"capabilities": 1}, "workspace/configuration": {"items": 1}}
+
+
 def damaged(messages):
     """A message of each method with a fault."""
     for method, value in {method: value for method, value in messages if value}.items():
         changed = copy.deepcopy(value)
         target = changed[0] if isinstance(changed, list) else changed
-        if method == "workspace/configuration":
-            target["items"] = 3
-        else:
-            target["unknown"] = 1
+        target.update(REFUSED.get(method, {"unknown": 1}))
         yield [method, changed]
 
 

@@ -25,6 +25,8 @@
 
 (find-file (pop command-line-args-left))
 (script-mode)
+(setq tab-width 4
+      indent-tabs-mode nil)
 (apply #'eglot--connect (eglot--guess-contact))
 (flymake-mode 1)
 (flymake-start)

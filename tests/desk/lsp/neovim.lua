@@ -39,6 +39,8 @@ local function ask(method)
 end
 
 local function session()
+    vim.bo.shiftwidth = 4
+    vim.bo.expandtab = true
     local client = vim.lsp.start_client({
         cmd = { os.getenv("YXST"), "lsp" },
         name = "yxst",

@@ -81,6 +81,15 @@ async function askAtPlaces(capabilities) {
     }
 }
 
+async function askAtSemicolons() {
+    const lines = text.split(/\r\n|\n|\r/);
+    const ends = lines.flatMap((content, line) =>
+        content.endsWith(";") ? [{ line, character: content.length }] : []);
+    for (const position of ends.slice(0, PLACES)) {
+        await ask("textDocument/onTypeFormatting", { textDocument, position, ch: ";", options });
+    }
+}
+
 async function askAboutAll(capabilities, diagnostics) {
     const table = [
         ["documentSymbolProvider", "textDocument/documentSymbol", {}],
@@ -138,6 +147,7 @@ connection.sendNotification("textDocument/didOpen",
 const diagnostics = await published;
 await askAboutAll(greeting.capabilities, diagnostics);
 await askAtPlaces(greeting.capabilities);
+await askAtSemicolons();
 await ask("shutdown");
 await connection.sendNotification("exit");
 const status = await new Promise((resolve) => child.on("exit", resolve));
