@@ -24,8 +24,7 @@ run(python3 -B ${source}/packaging/changelog.py ${CPACK_PACKAGE_VERSION}
     ${CPACK_PACKAGE_CONTACT} ${docs}/changelog)
 file(GLOB manual_pages ${tree}/usr/share/man/man1/*.1)
 run(gzip -9n ${docs}/changelog ${manual_pages})
-file(MAKE_DIRECTORY ${tree}/usr/share/yxstcmp ${tree}/usr/share/doc-base)
-run(python3 -B ${source}/packaging/vsix.py ${tree}/usr/share/yxstcmp/yxst.vsix)
+file(MAKE_DIRECTORY ${tree}/usr/share/doc-base)
 file(COPY_FILE ${source}/packaging/doc-base ${tree}/usr/share/doc-base/yxstcmp)
 file(MAKE_DIRECTORY ${tree}/usr/share/lintian/overrides)
 file(COPY_FILE ${source}/packaging/lintian-overrides ${tree}/usr/share/lintian/overrides/yxstcmp)
@@ -40,6 +39,14 @@ file(APPEND ${docs}/copyright "\n\nhtml/lunr.min.js, which searches the manual, 
 file(READ /usr/share/doc/libjs-dygraphs/copyright licence)
 file(APPEND ${docs}/copyright
     "\n\nDygraphs, which draws charts, is part of yxst and of the pages that it writes:\n\n${licence}")
+set(vsix ${tree}/usr/share/yxstcmp/yxst.vsix)
+if(EXISTS ${vsix})
+    file(ARCHIVE_EXTRACT INPUT ${vsix} DESTINATION ${tree}/notices
+        PATTERNS extension/ThirdPartyNotices.txt)
+    file(READ ${tree}/notices/extension/ThirdPartyNotices.txt licences)
+    file(REMOVE_RECURSE ${tree}/notices)
+    file(APPEND ${docs}/copyright "\n\nyxst.vsix: ${licences}")
+endif()
 
 run(chmod -R u=rwX,go=rX ${tree})
 run(find ${tree} -exec touch --no-dereference --date=@$ENV{SOURCE_DATE_EPOCH} {} +)

@@ -24,6 +24,22 @@ endforeach()
 install(FILES editors/kate/yxst.xml
     DESTINATION ${CMAKE_INSTALL_DATADIR}/org.kde.syntax-highlighting/syntax)
 
+# npm fetches the libraries of the extension for VS Code, so it is built only on demand.
+option(YXST_EXTENSION "Build and install the extension for VS Code" OFF)
+if(YXST_EXTENSION)
+    set(vsix "${PROJECT_BINARY_DIR}/yxst.vsix")
+    file(GLOB_RECURSE extension_sources CONFIGURE_DEPENDS editors/vscode/*)
+    list(FILTER extension_sources EXCLUDE REGEX "/(node_modules|out)/")
+    add_custom_command(OUTPUT "${vsix}"
+        COMMAND python3 -B "${PROJECT_SOURCE_DIR}/packaging/vsix.py" "${vsix}"
+            "${PROJECT_BINARY_DIR}/extension"
+        DEPENDS packaging/vsix.py LICENSE ${extension_sources}
+        COMMENT "Building the extension for VS Code"
+        VERBATIM)
+    add_custom_target(yxst_extension ALL DEPENDS "${vsix}")
+    install(FILES "${vsix}" DESTINATION ${CMAKE_INSTALL_DATADIR}/yxstcmp)
+endif()
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "The yxstcmp developers <yxstcmp@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "compiler for Structured Text scripts")

@@ -1,23 +1,28 @@
 #!/usr/bin/env python3
-"""Packs editors/vscode into a file that VS Code installs.
+"""Builds the extension of editors/vscode and packs it into a file that VS Code installs.
 
-    vsix.py FILE
+    vsix.py FILE WORK
 
-A .vsix is a zip with the extension, a manifest that tells editors what it is, and the types of the
-files. All that it holds has the date of SOURCE_DATE_EPOCH, else the present one, so that the same
-extension gives the same bytes.
+npm and the bundler work in the folder WORK, which may be kept for the next build; the sources stay
+as they are. A .vsix is a zip with the extension, a manifest that tells editors what it is, and the
+types of the files. The same sources give the same bytes.
 """
 
+import base64
 import json
-import os
+import re
+import shutil
+import subprocess
 import sys
-import time
 import zipfile
 from pathlib import Path
 from xml.sax.saxutils import escape
 
 ROOT = Path(__file__).resolve().parents[1]
 EXTENSION = ROOT / "editors" / "vscode"
+
+NPM = "npm"
+LOCK_FILE = "package-lock.json"
 
 README = "extension/README.md"
 LICENCE = "extension/LICENSE.txt"
@@ -27,6 +32,7 @@ CONTENT_TYPES = {
     ".md": "text/markdown",
     ".txt": "text/plain",
     ".js": "application/javascript",
+    ".png": "image/png",
     ".vsixmanifest": "text/xml",
 }
 
@@ -39,13 +45,17 @@ MANIFEST = """\
     <Identity Language="en-US" Id="{name}" Version="{version}" Publisher="{publisher}"/>
     <DisplayName>{displayName}</DisplayName>
     <Description xml:space="preserve">{description}</Description>
+    <Tags>{tags}</Tags>
     <Categories>{categories}</Categories>
     <GalleryFlags>Public</GalleryFlags>
     <Properties>
       <Property Id="Microsoft.VisualStudio.Code.Engine" Value="{engine}"/>
+      <Property Id="Microsoft.VisualStudio.Code.ExtensionKind" Value="workspace"/>
+      <Property Id="Microsoft.VisualStudio.Code.ExecutesCode" Value="true"/>
       <Property Id="Microsoft.VisualStudio.Services.GitHubFlavoredMarkdown" Value="true"/>
     </Properties>
     <License>{licence}</License>
+    <Icon>extension/{icon}</Icon>
   </Metadata>
   <Installation>
     <InstallationTarget Id="Microsoft.VisualStudio.Code"/>
@@ -58,6 +68,8 @@ MANIFEST = """\
         Addressable="true"/>
     <Asset Type="Microsoft.VisualStudio.Services.Content.License" Path="{licence}"
         Addressable="true"/>
+    <Asset Type="Microsoft.VisualStudio.Services.Icons.Default" Path="extension/{icon}"
+        Addressable="true"/>
   </Assets>
 </PackageManifest>
 """
@@ -67,6 +79,7 @@ def manifest(package):
     texts = {key: value for key, value in package.items() if isinstance(value, str)}
     return MANIFEST.format(
         **{key: escape(value, {'"': "&quot;"}) for key, value in texts.items()},
+        tags=escape(",".join(package["keywords"])),
         categories=escape(",".join(package["categories"])),
         engine=escape(package["engines"]["vscode"]),
         readme=README,
@@ -87,26 +100,74 @@ def content_types(names):
     )
 
 
-def parts():
+def with_pictures(text, folder):
+    """The page with its pictures in it: an editor shows no files of an extension there."""
+
+    def embed(match):
+        data = base64.b64encode((folder / match[2]).read_bytes()).decode()
+        return f"{match[1]}data:image/png;base64,{data})"
+
+    return re.sub(r"(!\[[^\]]*\]\()([\w./-]+\.png)\)", embed, text)
+
+
+def copy_sources(work):
+    """All but what a build leaves beside the sources."""
+    for path in EXTENSION.iterdir():
+        if path.name in ("node_modules", "out"):
+            continue
+        if path.is_dir():
+            shutil.copytree(path, work / path.name, dirs_exist_ok=True)
+        else:
+            shutil.copy(path, work)
+
+
+def install_libraries(work):
+    """Those of the lock file, unless they are there."""
+    lock = (EXTENSION / LOCK_FILE).read_bytes()
+    installed = work / "installed.json"
+    if not installed.exists() or installed.read_bytes() != lock:
+        run(work, "ci", "--ignore-scripts", "--no-audit", "--no-fund")
+        installed.write_bytes(lock)
+
+
+def run(work, *arguments):
+    subprocess.run([NPM, *arguments], cwd=work, check=True, stdout=sys.stderr)
+
+
+def bundle(work):
+    work.mkdir(parents=True, exist_ok=True)
+    copy_sources(work)
+    install_libraries(work)
+    run(work, "run", "--silent", "check")
+    run(work, "run", "--silent", "build")
+
+
+def parts(work):
     """Name in the zip -> bytes."""
-    package = json.loads((EXTENSION / "package.json").read_text(encoding="utf-8"))
+    package = json.loads((work / "package.json").read_text(encoding="utf-8"))
     found = {"extension.vsixmanifest": manifest(package).encode()}
-    for path in sorted(EXTENSION.rglob("*")):
-        if path.is_file():
-            found[f"extension/{path.relative_to(EXTENSION).as_posix()}"] = path.read_bytes()
+    for pattern in package["files"]:
+        for path in sorted(work.glob(pattern)):
+            found[f"extension/{path.relative_to(work).as_posix()}"] = path.read_bytes()
+    found[README] = with_pictures(found[README].decode(), work).encode()
     found[LICENCE] = (ROOT / "LICENSE").read_bytes()
     return {"[Content_Types].xml": content_types(found).encode(), **found}
 
 
-def main():
-    if len(sys.argv) != 2:
-        sys.exit(__doc__)
-    date = time.gmtime(int(os.environ.get("SOURCE_DATE_EPOCH", time.time())))[:6]
-    with zipfile.ZipFile(sys.argv[1], "w") as archive:
-        for name, data in parts().items():
-            entry = zipfile.ZipInfo(name, date)
+def pack(file, work):
+    with zipfile.ZipFile(file, "w") as archive:
+        for name, data in parts(work).items():
+            entry = zipfile.ZipInfo(name)
             entry.external_attr = 0o644 << 16
             archive.writestr(entry, data, zipfile.ZIP_DEFLATED)
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit(__doc__)
+    work = Path(sys.argv[2]).resolve()
+    bundle(work)
+    pack(sys.argv[1], work)
 
 
 if __name__ == "__main__":

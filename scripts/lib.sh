@@ -45,6 +45,12 @@ need_packages() {
     fi
 }
 
+# Some packages of Node.js bring npm along.
+need_npm() {
+    need_packages nodejs
+    command -v npm >/dev/null || need_packages npm
+}
+
 # A build folder that came along with a copied or moved tree is of no use here.
 is_configured() {
     [[ -e $build/build.ninja || -e $build/Makefile ]] &&

@@ -4,15 +4,12 @@ Tests of a package that is installed for real are in scripts/try-package.
 """
 
 import gzip
-import json
 import os
 import re
 import shutil
 import subprocess
 import tempfile
 import unittest
-import xml.etree.ElementTree as ElementTree
-import zipfile
 from html.parser import HTMLParser
 from pathlib import Path
 from urllib.parse import unquote
@@ -38,7 +35,6 @@ FILES = f"""
     usr/share/vim/vimfiles/ftdetect/yxst.vim
     usr/share/nvim/site/ftdetect/yxst.vim
     usr/share/org.kde.syntax-highlighting/syntax/yxst.xml
-    usr/share/yxstcmp/yxst.vsix
     usr/share/doc-base/yxstcmp
     {DOCS}/README.md
     {DOCS}/changelog.gz
@@ -207,56 +203,6 @@ class Editors(unittest.TestCase):
             installed = tree / "usr" / "share" / folder
             found = {path.relative_to(installed) for path in installed.rglob("*.vim")}
             self.assertEqual(found, names)
-
-
-class Extension(unittest.TestCase):
-    """The file for VS Code is a zip of the form that its installer asks for."""
-
-    MANIFEST = "{http://schemas.microsoft.com/developer/vsx-schema/2011}"
-    TYPES = "{http://schemas.openxmlformats.org/package/2006/content-types}"
-
-    def setUp(self):
-        self.path = tree / "usr/share/yxstcmp/yxst.vsix"
-        self.archive = zipfile.ZipFile(self.path)
-        self.addCleanup(self.archive.close)
-        self.names = self.archive.namelist()
-
-    def test_it_holds_the_extension(self):
-        self.assertIsNone(self.archive.testzip())
-        self.assertEqual(len(set(self.names)), len(self.names))
-        source = ROOT / "editors" / "vscode"
-        for path in source.rglob("*.*"):
-            name = f"extension/{path.relative_to(source)}"
-            self.assertEqual(self.archive.read(name), path.read_bytes(), name)
-        self.assertIn(b"Permission is hereby granted", self.archive.read("extension/LICENSE.txt"))
-
-    def test_the_manifest_is_that_of_the_package(self):
-        package = json.loads(self.archive.read("extension/package.json"))
-        root = ElementTree.fromstring(self.archive.read("extension.vsixmanifest"))
-        identity = root.find(f".//{self.MANIFEST}Identity").attrib
-        self.assertEqual(
-            (identity["Id"], identity["Version"], identity["Publisher"]),
-            (package["name"], package["version"], package["publisher"]),
-        )
-        self.assertEqual(package["version"], VERSION)
-        engine = root.find(f".//{self.MANIFEST}Property[@Id='Microsoft.VisualStudio.Code.Engine']")
-        self.assertEqual(engine.get("Value"), package["engines"]["vscode"])
-        assets = [asset.get("Path") for asset in root.iter(f"{self.MANIFEST}Asset")]
-        self.assertEqual(set(assets) - set(self.names), set())
-        self.assertIn("extension/package.json", assets)
-
-    def test_every_file_has_a_type(self):
-        root = ElementTree.fromstring(self.archive.read("[Content_Types].xml"))
-        known = {each.get("Extension") for each in root.iter(f"{self.TYPES}Default")}
-        suffixes = {Path(name).suffix for name in self.names if name != "[Content_Types].xml"}
-        self.assertEqual(suffixes, known)
-
-    def test_the_same_extension_gives_the_same_bytes(self):
-        date = int(self.path.stat().st_mtime)
-        with tempfile.TemporaryDirectory() as folder:
-            again = Path(folder, "again.vsix")
-            run("python3", "-B", ROOT / "packaging/vsix.py", again, SOURCE_DATE_EPOCH=str(date))
-            self.assertEqual(again.read_bytes(), self.path.read_bytes())
 
 
 if __name__ == "__main__":
