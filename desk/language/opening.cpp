@@ -146,7 +146,7 @@ QString ProbeOf(const QString& word) {
 QStringList WordsThatMayStand(const Opening& opening, const QStringList& words) {
     std::vector<bool> isTaken(static_cast<std::size_t>(words.size()));
     const QString before = opening.before.text() + u' ';
-    CompilePool pool;
+    CompilePool pool(CompilePool::Clock::now() + PATIENCE);
     int started = 0;
     while (started < words.size() || pool.running() > 0) {
         if (started < words.size() && pool.running() < MOST_COMPILES) {

@@ -81,12 +81,7 @@ private:
             return 0;
         }
         const auto deadline = server_.scripts().deadline();
-        if (!deadline) {
-            return NONE;
-        }
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(*deadline - OpenScripts::Clock::now());
-        return static_cast<int>(std::max<long>(left.count(), 0));
+        return deadline ? MillisecondsUntil(*deadline) : NONE;
     }
 
     void goOn() {

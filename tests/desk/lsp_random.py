@@ -30,14 +30,12 @@ PIECES = [
     "CASE x OF\n", "//", "\t",
 ]  # fmt: skip
 
-AT_PLACES = [
+METHODS = [
     "textDocument/hover", "textDocument/definition", "textDocument/documentHighlight",
     "textDocument/completion", "textDocument/signatureHelp", "textDocument/references",
-    "textDocument/prepareRename",
-]  # fmt: skip
-ABOUT_ALL = [
+    "textDocument/prepareRename", "textDocument/rename", "textDocument/onTypeFormatting",
     "textDocument/documentSymbol", "textDocument/codeLens", "textDocument/foldingRange",
-    "textDocument/semanticTokens/full",
+    "textDocument/semanticTokens/full", "textDocument/formatting", "textDocument/codeAction",
 ]  # fmt: skip
 
 
@@ -95,9 +93,6 @@ class Session:
     def __init__(self, seed):
         self.chance = random.Random(seed)
         self.client = Client(capabilities={})
-        capabilities = self.client.greeting["capabilities"]
-        can = {name.removesuffix("Provider").lower() for name in capabilities}
-        self.methods = [each for each in AT_PLACES + ABOUT_ALL if is_known(each, can)]
         self.texts = {}
         self.slowest = 0.0
         self.memory = []
@@ -120,11 +115,15 @@ class Session:
         params = {
             "textDocument": {"uri": uri},
             "position": position(line, self.chance.randrange(40)),
-            "context": {"includeDeclaration": True},
+            "context": {"includeDeclaration": True, "diagnostics": []},
+            "range": text_range((line, 0), (line + 3, 0)),
+            "options": {"tabSize": 4, "insertSpaces": True},
+            "newName": "renamed",
+            "ch": ";",
         }
         begin = time.monotonic()
         try:
-            self.client.request(self.chance.choice(self.methods), params)
+            self.client.request(self.chance.choice(METHODS), params)
         except ServerError as error:
             if error.code != -32803:
                 raise
@@ -154,11 +153,6 @@ class Session:
                 del self.texts[first]
                 self.client.close(first)
             self.memory.append(self.resident())
-
-
-def is_known(method, can):
-    name = method.split("/")[1].lower().removeprefix("prepare")
-    return name in can or name.removeprefix("document") in can
 
 
 def state_of(client, uri, text):

@@ -97,6 +97,7 @@ async function askAboutAll(capabilities, diagnostics) {
         ["inlayHintProvider", "textDocument/inlayHint", { range: whole }],
         ["foldingRangeProvider", "textDocument/foldingRange", {}],
         ["semanticTokensProvider", "textDocument/semanticTokens/full", {}],
+        ["semanticTokensProvider", "textDocument/semanticTokens/range", { range: whole }],
         ["documentFormattingProvider", "textDocument/formatting", { options }],
         ["documentRangeFormattingProvider", "textDocument/rangeFormatting",
             { range: whole, options }],
