@@ -29,7 +29,7 @@ public:
         }
         for (auto first = changes.begin(); first != changes.end();) {
             auto last = std::next(first);
-            while (last != changes.end() && AreNear(*std::prev(last), *last)) {
+            while (last != changes.end() && areNear(*std::prev(last), *last)) {
                 ++last;
             }
             hunk(first, last);
@@ -47,7 +47,7 @@ private:
     bool hasColors_;
     QString text_;
 
-    static bool AreNear(const LineChange& one, const LineChange& next) {
+    static bool areNear(const LineChange& one, const LineChange& next) {
         return next.before.begin - one.before.end <= 2 * CONTEXT;
     }
 
@@ -77,7 +77,7 @@ private:
                              rangeText(beginAfter, end.after.end + behind - beginAfter)));
         text_ += u'\n';
         int from = begin;
-        for (Change change = first; change != last; ++change) {
+        for (auto change = first; change != last; ++change) {
             lines(u' ', nullptr, before_, {from, change->before.begin});
             lines(u'-', RED, before_, change->before);
             lines(u'+', GREEN, after_, change->after);
