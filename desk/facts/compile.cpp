@@ -17,6 +17,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -141,10 +142,8 @@ QString FailureOf(int status) {
 
 // Whether there is something to take before that time.
 bool IsReadableBefore(std::chrono::steady_clock::time_point end, int descriptor) {
-    const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     pollfd pipe = {descriptor, POLLIN, 0};
-    return poll(&pipe, 1, static_cast<int>(std::max<long>(left.count(), 0))) != 0;
+    return poll(&pipe, 1, MillisecondsUntil(end)) != 0;
 }
 
 }  // namespace
@@ -261,4 +260,11 @@ CompileResult CompileWithin(std::chrono::milliseconds limit, const Source& sourc
         }
     }
     return process.result();
+}
+
+int MillisecondsUntil(std::chrono::steady_clock::time_point end) {
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    return static_cast<int>(
+        std::clamp<std::int64_t>(left.count(), 0, std::numeric_limits<int>::max()));
 }

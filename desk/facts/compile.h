@@ -64,3 +64,6 @@ CompileResult CompileAndWait(const Source& source, Detail detail = Detail::All);
 // The same, but ends a compile that takes longer, which is a failure.
 CompileResult CompileWithin(std::chrono::milliseconds limit, const Source& source,
                             Detail detail = Detail::All);
+
+// For poll(): how long it is until then, 0 if that is past.
+int MillisecondsUntil(std::chrono::steady_clock::time_point end);

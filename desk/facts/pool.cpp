@@ -22,6 +22,17 @@ CompilePool::Finished CompilePool::finish(std::size_t index) {
     return finished;
 }
 
+CompilePool::Finished CompilePool::giveUp() {
+    const int key = entries_.front().key;
+    entries_.erase(entries_.begin());
+    return {key, {std::nullopt, QStringLiteral("the compiler has taken too long")}};
+}
+
+// In milliseconds.
+int CompilePool::timeout() const {
+    return end_ == Clock::time_point::max() ? FOR_EVER : MillisecondsUntil(end_);
+}
+
 CompilePool::Finished CompilePool::wait() {
     std::vector<pollfd> files;
     for (const Entry& entry : entries_) {
@@ -35,6 +46,8 @@ CompilePool::Finished CompilePool::wait() {
             }
             files[index].revents = 0;
         }
-        poll(files.data(), files.size(), FOR_EVER);
+        if (poll(files.data(), files.size(), timeout()) == 0) {
+            return giveUp();
+        }
     }
 }

@@ -3,11 +3,17 @@
 
 #include "facts/compile.h"
 
+#include <chrono>
 #include <vector>
 
 // Runs compiles in child processes and gives back what comes of them as they end.
 class CompilePool {
 public:
+    using Clock = std::chrono::steady_clock;
+
+    // What has not ended by then is ended, and has failed.
+    explicit CompilePool(Clock::time_point end = Clock::time_point::max()) : end_(end) {}
+
     struct Finished {
         int key;
         CompileResult result;
@@ -28,6 +34,9 @@ private:
         CompileProcess process;
     };
     std::vector<Entry> entries_;
+    Clock::time_point end_;
 
     Finished finish(std::size_t index);
+    Finished giveUp();
+    int timeout() const;
 };

@@ -73,6 +73,10 @@ async function askAtPlaces(capabilities) {
         if (capabilities.selectionRangeProvider) {
             await ask("textDocument/selectionRange", { textDocument, positions: [position] });
         }
+        if (capabilities.documentOnTypeFormattingProvider) {
+            await ask("textDocument/onTypeFormatting",
+                { textDocument, position, ch: ";", options });
+        }
         if (capabilities.codeActionProvider) {
             const range = { start: position, end: position };
             await ask("textDocument/codeAction",
