@@ -1,14 +1,16 @@
 #include "protocols/json_rpc.h"
 
+#include "qyx_text.h"
+
 #include <QJsonDocument>
 
 namespace {
 
-constexpr QLatin1String ID("id");
-constexpr QLatin1String METHOD("method");
-constexpr QLatin1String PARAMS("params");
-constexpr QLatin1String RESULT("result");
-constexpr QLatin1String ERROR_MEMBER("error");
+constexpr QLatin1String ID = "id"_L1;
+constexpr QLatin1String METHOD = "method"_L1;
+constexpr QLatin1String PARAMS = "params"_L1;
+constexpr QLatin1String RESULT = "result"_L1;
+constexpr QLatin1String ERROR_MEMBER = "error"_L1;
 
 QByteArray Json(QJsonObject message) {
     message[QStringLiteral("jsonrpc")] = QStringLiteral("2.0");

@@ -3,13 +3,16 @@
 #include "protocols/framing.h"
 #include "protocols/lsp_diagnostics.h"
 
+#include "qyx_text.h"
+
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
-constexpr QLatin1String SETTINGS_SECTION("yxst");
+constexpr QLatin1String SETTINGS_SECTION = "yxst"_L1;
 
-enum class MessageType : int { Warning = 2, Info = 3 };
+constexpr int WARNING = 2;  // the type of a message
 
 // Documents are sent whole when they are opened, then change by change.
 constexpr int INCREMENTAL = 2;
@@ -78,8 +81,7 @@ void LanguageServer::fail(const QJsonValue& id, RpcError error, const QString& t
 
 void LanguageServer::log(const QString& text) {
     send(RpcNotification(QStringLiteral("window/logMessage"),
-                         {{QStringLiteral("type"), static_cast<int>(MessageType::Warning)},
-                          {QStringLiteral("message"), text}}));
+                         {{QStringLiteral("type"), WARNING}, {QStringLiteral("message"), text}}));
 }
 
 void LanguageServer::refuse(const QString& fault) {

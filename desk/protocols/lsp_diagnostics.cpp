@@ -2,6 +2,8 @@
 
 #include "lints/lints.h"
 
+#include "qyx_text.h"
+
 #include <QDir>
 #include <QFile>
 #include <QUrl>
@@ -12,13 +14,13 @@ enum class Severity : int { Error = 1, Warning = 2, Information = 3 };
 
 constexpr int UNNECESSARY = 1;  // a tag
 
-constexpr QLatin1String MESSAGE("message");
-constexpr QLatin1String RANGE("range");
-constexpr QLatin1String SEVERITY("severity");
-constexpr QLatin1String SOURCE("source");
-constexpr QLatin1String PROGRAM("yxst");
+constexpr QLatin1String MESSAGE = "message"_L1;
+constexpr QLatin1String RANGE = "range"_L1;
+constexpr QLatin1String SEVERITY = "severity"_L1;
+constexpr QLatin1String SOURCE = "source"_L1;
+constexpr QLatin1String PROGRAM = "yxst"_L1;
 
-constexpr QLatin1String DIAGNOSTICS_PAGE("diagnostics.html");
+constexpr QLatin1String DIAGNOSTICS_PAGE = "diagnostics.html"_L1;
 
 Severity SeverityOf(Level level) {
     switch (level) {

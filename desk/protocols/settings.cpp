@@ -36,7 +36,7 @@ private:
         if (has(name) && !told_[name].isArray()) {
             blame(QStringLiteral("yxst.disable is no list of lints"));
         }
-        for (const QJsonValue& value : told_[name].toArray()) {
+        for (const auto& value : told_[name].toArray()) {
             readLint(value.toString().trimmed().toLower());
         }
     }

@@ -94,7 +94,7 @@ class Session:
         self.chance = random.Random(seed)
         self.client = Client(capabilities={})
         self.texts = {}
-        self.slowest = 0.0
+        self.slowest, self.slowest_is = 0.0, None
         self.memory = []
 
     def open(self, uri, text):
@@ -121,13 +121,16 @@ class Session:
             "newName": "renamed",
             "ch": ";",
         }
+        method = self.chance.choice(METHODS)
         begin = time.monotonic()
         try:
-            self.client.request(self.chance.choice(METHODS), params)
+            self.client.request(method, params)
         except ServerError as error:
             if error.code != -32803:
                 raise
-        self.slowest = max(self.slowest, time.monotonic() - begin)
+        seconds = time.monotonic() - begin
+        if seconds > self.slowest:
+            self.slowest, self.slowest_is = seconds, (method, params, self.texts[uri])
 
     def work(self, uri, edits):
         for number in range(edits):
@@ -195,6 +198,8 @@ def main():
         different = differences(session)
     print(f"slowest answer {session.slowest:.3f} s")
     print(f"memory {session.memory[0]} kB to {session.memory[-1]} kB")
+    if session.slowest > LONGEST_ANSWER:
+        print(*session.slowest_is, sep="\n")
     for uri, text in different:
         print(f"{uri} differs:\n{text}")
     sys.exit(1 if different or session.slowest > LONGEST_ANSWER else 0)
