@@ -47,6 +47,10 @@ Span Collector::lastSpanOf(const Identity* identity) const {
 
 namespace {
 
+// Room for records costs no memory before they are there, while growing costs it twice.
+constexpr int USUAL_LENGTH = 3;  // of the text for a token or an item, at least
+constexpr int MOST_RESERVED = 1 << 21;
+
 // The compiler keeps the code of the token before it where it reads a type.
 Token CodeOfCurrent() {
     if (TokenSpelling == nullptr || TokenChar == TOKEN_FUNCTION ||
@@ -58,6 +62,14 @@ Token CodeOfCurrent() {
 }
 
 }  // namespace
+
+Collector::Collector(const Source& source) : source_(source) {
+    const auto count =
+        static_cast<std::size_t>(std::min(source.size() / USUAL_LENGTH, MOST_RESERVED));
+    facts_.tokens.reserve(count);
+    identities_.reserve(count);
+    facts_.items.reserve(count);
+}
 
 void Collector::token() {
     const Span span = {offsetOf(TokenPosBeg), endOfRead()};

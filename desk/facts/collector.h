@@ -11,7 +11,7 @@ struct CompileStopped {};
 // Looks on at one compile of a source. An error leaves the compiler by CompileStopped.
 class Collector : public Observer {
 public:
-    explicit Collector(const Source& source) : source_(source) {}
+    explicit Collector(const Source& source);
 
     // Facts are complete once the compile has ended and what is left has been read.
     Facts take();

@@ -65,8 +65,9 @@ private:
 
 // Names may have other capitals; the code tells whether they may.
 bool AreSame(const Mark& one, const Mark& other) {
-    const auto sensitivity = one.isComment ? Qt::CaseSensitive : Qt::CaseInsensitive;
-    return one.isComment == other.isComment && one.text.compare(other.text, sensitivity) == 0;
+    return one.isComment == other.isComment &&
+           (one.text == other.text ||
+            (!one.isComment && one.text.compare(other.text, Qt::CaseInsensitive) == 0));
 }
 
 bool HaveSameMarks(const Source& before, const Facts& factsBefore, const Source& after,

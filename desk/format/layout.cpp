@@ -11,6 +11,8 @@ namespace {
 constexpr int MOST_LEVELS = 60;
 constexpr int WIDEST_CONTINUATION = 120;
 
+constexpr int USUAL_LENGTH = 40;  // of the text of a line
+
 bool IsOneOf(Token code, std::initializer_list<Token> codes) {
     return std::find(codes.begin(), codes.end(), code) != codes.end();
 }
@@ -148,8 +150,7 @@ private:
         line.indent = columnOf(level);
         line.kind = kind;
         line.isBlankBefore = wantsBlank(pieces_[at_]);
-        lines_.push_back(line);
-        column_ = line.indent;
+        push(std::move(line));
     }
 
     // The line of a token that begins one.
@@ -166,8 +167,13 @@ private:
         line.indent = continuationColumn();
         line.kind = kind;
         line.isContinuation = true;
-        lines_.push_back(line);
+        push(std::move(line));
+    }
+
+    void push(LayoutLine line) {
+        line.text.reserve(USUAL_LENGTH);
         column_ = line.indent;
+        lines_.push_back(std::move(line));
     }
 
     int continuationColumn() const {
@@ -177,11 +183,20 @@ private:
 
     void append(QStringView text) {
         lines_.back().text.append(text.data(), static_cast<int>(text.size()));
-        const auto lastLine = text.lastIndexOf(u'\n') + 1;
-        column_ = static_cast<int>(text.size() - lastLine) + (lastLine == 0 ? column_ : 0);
+        column_ += static_cast<int>(text.size());
     }
 
-    void appendBlanks(int count) { append(QString(count, u' ')); }
+    void appendComment(QStringView text) {
+        append(text);
+        const auto lastLine = text.lastIndexOf(u'\n') + 1;
+        column_ = lastLine == 0 ? column_ : static_cast<int>(text.size() - lastLine);
+    }
+
+    void appendBlanks(int count) {
+        QString& text = lines_.back().text;
+        text.resize(text.size() + count, u' ');
+        column_ += count;
+    }
 
     // --- tokens --------------------------------------------------------------------------
 
@@ -265,7 +280,7 @@ private:
             takeOwnLine(comment);
         } else if (lines_.back().isComment) {
             appendBlanks(1);
-            append(comment.text);
+            appendComment(comment.text);
         } else {
             addAtEnd(comment);
         }
@@ -278,7 +293,7 @@ private:
         }
         separate(comment);
         notePlace(comment);
-        append(comment.text);
+        appendComment(comment.text);
     }
 
     void addAtEnd(const LayoutPiece& comment) {
@@ -291,7 +306,7 @@ private:
         const LayoutPiece& token = nextToken();
         startLine(comment.leadsToken ? token.level : levelOf(comment, token),
                   isInSection(token) ? LineKind::Declaration : token.kind);
-        append(comment.text);
+        appendComment(comment.text);
         lines_.back().isComment = true;
         isLed_ = comment.leadsToken;
         isAfterOwnLine_ = !isLed_;

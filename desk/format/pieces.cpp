@@ -282,21 +282,14 @@ private:
 // Gaps
 // ---------------------------------------------------------------------------------------------
 
-bool HasBlankLine(QStringView gap) {
-    bool isEmpty = false;  // of the line so far; what stands before the gap is on the first
-    for (const QChar each : gap) {
-        if (each == u'\n' && isEmpty) {
-            return true;
-        }
+// What stands before the gap is on its first line.
+void NoteGap(const Source& source, int end, LayoutPiece& piece) {
+    bool isEmpty = false;  // of the line so far
+    for (const QChar each : source.text({end, piece.span.begin})) {
+        piece.hasBlankBefore |= each == u'\n' && isEmpty;
+        piece.hasLineBefore |= each == u'\n';
         isEmpty = each == u'\n' || (isEmpty && each != u';');
     }
-    return false;
-}
-
-void NoteGap(const Source& source, int end, LayoutPiece& piece) {
-    const QStringView gap = source.text({end, piece.span.begin});
-    piece.hasLineBefore = gap.contains(u'\n');
-    piece.hasBlankBefore = HasBlankLine(gap);
 }
 
 LayoutPiece CommentPiece(const Source& source, const CommentFact& comment) {
@@ -325,9 +318,10 @@ LayoutPieces PiecesOf(const Source& source, const Facts& facts, int end) {
     pieces.reserve(facts.tokens.size() + facts.comments.size());
     StructureReader structure(source, facts);
     auto comment = facts.comments.begin();
-    const auto add = [&](LayoutPiece piece) {
-        NoteGap(source, pieces.empty() ? 0 : pieces.back().span.end, piece);
+    const auto add = [&](const LayoutPiece& piece) {
+        const int before = pieces.empty() ? 0 : pieces.back().span.end;
         pieces.push_back(piece);
+        NoteGap(source, before, pieces.back());
     };
     for (const TokenFact& token : facts.tokens) {
         if (token.span.end > end) {

@@ -132,7 +132,7 @@ private:
     // So much as a pipe that can be written takes without waiting. A client that does not read
     // any more has left.
     void write() {
-        const std::size_t size = std::min(outgoing_.size() - sent_, PIPE_BUF);
+        const auto size = static_cast<std::size_t>(std::min(outgoing_.size() - sent_, PIPE_BUF));
         const ssize_t count = ::write(STDOUT_FILENO, outgoing_.constData() + sent_, size);
         if (count < 0 && errno != EINTR) {
             isOver_ = true;

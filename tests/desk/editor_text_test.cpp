@@ -42,11 +42,13 @@ TEST(EditorText, ChangesArePiecesOrTheWholeText) {
 
 TEST(EditorText, LinesEndWithCrLfLfOrCr) {
     const QString text = QStringLiteral("a\r\nb\nc\rd");
-    for (int line = 0; line < 4; ++line) {
+    int line = 0;
+    for (const char letter : {'a', 'b', 'c', 'd'}) {
         const QString changed =
             Changed(text, Change(Position(line, 1), Position(line, 9), QStringLiteral("!")));
         QString expected = text;
-        EXPECT_EQ(changed, expected.insert(text.indexOf(QLatin1Char('a' + line)) + 1, u'!'));
+        EXPECT_EQ(changed, expected.insert(text.indexOf(QLatin1Char(letter)) + 1, u'!'));
+        ++line;
     }
 }
 
