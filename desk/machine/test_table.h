@@ -46,10 +46,10 @@ struct TestCase {
 
 // What the lines above the first case say.
 struct TestPreamble {
-    QString script;  // empty: the one beside the table
-    Place scriptPlace;
-    QString engineFile;  // with choices, empty if there is none
-    Place enginePlace;
+    QString script;              // empty: the one beside the table
+    Place scriptPlace = {0, 0};  // line 0 where no line names it
+    QString engineFile;          // with choices, empty if there is none
+    Place enginePlace = {0, 0};
     QStringList choices;  // "key = value", on top of those of the file
     Checks checks;
     quint32 tickStep = 100;

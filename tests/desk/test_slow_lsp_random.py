@@ -4,7 +4,14 @@ import os
 import unittest
 
 os.environ["YXST_EDITS"] = "10000"
-from test_lsp_random import RandomSession  # noqa: E402, F401
+import test_lsp_random  # noqa: E402
+from lsp_random import LONGEST_ANSWER  # noqa: E402
+
+
+class LongSession(test_lsp_random.RandomSession):
+    def test_no_answer_takes_long(self):
+        self.assertLess(self.session.slowest, LONGEST_ANSWER)
+
 
 if __name__ == "__main__":
     unittest.main()
