@@ -23,7 +23,8 @@ QJsonObject ReadJson() {
 
 Snippet SnippetOf(const QString& name, const QJsonObject& json) {
     QStringList lines;
-    for (const QJsonValue& line : json[QStringLiteral("body")].toArray()) {
+    const QJsonArray body = json[QStringLiteral("body")].toArray();
+    for (const QJsonValue& line : body) {
         lines.append(line.toString());
     }
     return {name, lines.first().section(u' ', 0, 0), lines.join(u'\n')};

@@ -29,7 +29,8 @@ bool IsOf(const Script& script, const Diagnostic& diagnostic, const QJsonObject&
 QJsonArray SentOf(const Script& script, const Diagnostic& diagnostic, const QJsonObject& params) {
     const QJsonObject context = params[QStringLiteral("context")].toObject();
     QJsonArray found;
-    for (const QJsonValue& each : context[QStringLiteral("diagnostics")].toArray()) {
+    const QJsonArray diagnostics = context[QStringLiteral("diagnostics")].toArray();
+    for (const QJsonValue& each : diagnostics) {
         if (IsOf(script, diagnostic, each.toObject())) {
             found.append(each);
         }

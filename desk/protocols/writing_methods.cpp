@@ -217,7 +217,8 @@ QJsonObject SelectionRangeOf(const Script& script, const std::vector<Span>& span
 
 QJsonValue SelectionRangeMethod(const Script& script, const QJsonObject& params) {
     QJsonArray ranges;
-    for (const QJsonValue& position : params[QStringLiteral("positions")].toArray()) {
+    const QJsonArray positions = params[QStringLiteral("positions")].toArray();
+    for (const QJsonValue& position : positions) {
         const int offset = script.lines.offsetOf(position.toObject());
         ranges.append(SelectionRangeOf(script, SelectionsAt(script.model, offset)));
     }

@@ -37,7 +37,8 @@ QJsonValue At(QJsonValue value, std::initializer_list<const char*> members) {
 }
 
 QJsonObject ItemNamed(const QJsonValue& items, const QString& label) {
-    for (const QJsonValue& item : items.toArray()) {
+    const QJsonArray all = items.toArray();
+    for (const QJsonValue& item : all) {
         if (item[QStringLiteral("label")].toString() == label) {
             return item.toObject();
         }
@@ -188,7 +189,8 @@ QJsonObject ActionParams(const MarkedScript& script, const char* context) {
 
 std::vector<QString> KindsOf(const QJsonValue& actions) {
     std::vector<QString> kinds;
-    for (const QJsonValue& action : actions.toArray()) {
+    const QJsonArray all = actions.toArray();
+    for (const QJsonValue& action : all) {
         kinds.push_back(action[QStringLiteral("kind")].toString());
     }
     return kinds;
