@@ -341,19 +341,23 @@ TEST(Rename, ANameMayGetOtherCapitals) {
               "PROGRAM P VAR aB : INT; END_VAR aB := 1; END_PROGRAM");
 }
 
+// The text with a word in place of each "@".
+std::string With(const char* word, const char* text) {
+    return QString::fromUtf8(text).replace(u'@', QString::fromUtf8(word)).toStdString();
+}
+
 TEST(Rename, WordsOfTheCodeAreNamesLikeOthers) {
     for (const char* const word :
          {"PROG", "BODY", "MAIN", "L2", "MOV", "V", "RET", "A0", "PUSH"}) {
-        const std::string own = word;
-        const std::string script = "PROGRAM P VAR |" + own + " : INT := 2; END_VAR IF " + own +
-                                   " = 2 THEN " + own + " := 1; END_IF; END_PROGRAM";
+        const std::string script = With(word,
+                                        "PROGRAM P VAR |@ : INT := 2; END_VAR IF @ = 2 THEN "
+                                        "@ := 1; END_IF; END_PROGRAM");
         EXPECT_EQ(RenamedIn(script.c_str(), "fresh"),
                   "PROGRAM P VAR fresh : INT := 2; END_VAR IF fresh = 2 THEN fresh := 1; END_IF; "
                   "END_PROGRAM")
             << word;
         EXPECT_EQ(RenamedIn("PROGRAM P VAR |x : INT := 2; END_VAR x := x; END_PROGRAM", word),
-                  "PROGRAM P VAR " + own + " : INT := 2; END_VAR " + own + " := " + own +
-                      "; END_PROGRAM")
+                  With(word, "PROGRAM P VAR @ : INT := 2; END_VAR @ := @; END_PROGRAM"))
             << word;
     }
 }
