@@ -10,7 +10,6 @@
 
 #include <gmock/gmock.h>
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 

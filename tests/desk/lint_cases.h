@@ -383,8 +383,7 @@ inline std::vector<QString> ScriptsWithoutLints() {
              "x := r = 0.0; x := 0 <> l; x := r > q; x := a = b; x := r <> -0.0;",
              "WHILE TRUE DO a := a + 1; IF a > 9 THEN BREAK; END_IF; END_WHILE;",
              "WHILE TRUE DO a := a + 1; IF a > 9 THEN EXIT; END_IF; END_WHILE;",
-             "REPEAT a := a + 1; IF a > 9 THEN GOTO e; END_IF; UNTIL FALSE END_REPEAT; e: a := "
-             "1;",
+             "REPEAT a := a + 1; IF x THEN GOTO e; END_IF; UNTIL FALSE END_REPEAT; e: a := 1;",
              "REPEAT a := a + 1; IF a > 9 THEN BREAK; END_IF; a := 2; UNTIL TRUE END_REPEAT;",
              "IF x OR TRUE THEN a := 1; END_IF; WHILE a = TICK DO a := 1; END_WHILE;",
              "IF Twice(1) = 2 THEN a := 1; END_IF;",
