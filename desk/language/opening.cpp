@@ -11,14 +11,11 @@ namespace {
 // A sign that is no token, set apart from what stands before it.
 const QString NO_TOKEN = QStringLiteral(" ?");
 
-// Who types waits for no proposals: each of two steps has so much time.
-constexpr std::chrono::milliseconds PATIENCE_FOR_PROPOSALS(800);
-
 constexpr int MOST_ERRORS = 50;   // before the place
 constexpr int MOST_COMPILES = 4;  // at the same time
 
 std::optional<Facts> FactsOf(const Source& source) {
-    return CompileWithin(PATIENCE_FOR_PROPOSALS, source).facts;
+    return CompileWithin(PATIENCE, source).facts;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -78,7 +75,7 @@ QStringList NamesPutIn(const Source& source, const FileCheck& check, const Facts
 // The errors before the end are passed as in a check of the script.
 std::optional<Opening> OpeningAtEnd(const Source& source) {
     FileCheck check(Source(source.name(), source.text() + NO_TOKEN), MOST_ERRORS);
-    const auto end = std::chrono::steady_clock::now() + PATIENCE_FOR_PROPOSALS;
+    const auto end = std::chrono::steady_clock::now() + PATIENCE;
     while (std::chrono::steady_clock::now() < end) {
         const std::optional<Facts> facts = FactsOf(check.next());
         if (!facts || facts->isCompiled() || facts->open.inComment) {
@@ -149,7 +146,7 @@ QString ProbeOf(const QString& word) {
 QStringList WordsThatMayStand(const Opening& opening, const QStringList& words) {
     std::vector<bool> isTaken(static_cast<std::size_t>(words.size()));
     const QString before = opening.before.text() + u' ';
-    CompilePool pool(CompilePool::Clock::now() + PATIENCE_FOR_PROPOSALS);
+    CompilePool pool(CompilePool::Clock::now() + PATIENCE);
     int started = 0;
     while (started < words.size() || pool.running() > 0) {
         if (started < words.size() && pool.running() < MOST_COMPILES) {
