@@ -97,9 +97,6 @@ std::vector<Edit> AllMends(const Model& model) {
 
 namespace {
 
-// A large range may have many findings, each of which takes a compile: some are enough.
-constexpr std::chrono::milliseconds PATIENCE_FOR_ALLOWANCES(500);
-
 QSet<QString> KnownLints() {
     const QStringList ids = LintIds();
     return QSet<QString>(ids.begin(), ids.end());
@@ -156,7 +153,8 @@ std::vector<Fix> AllowancesIn(const Model& model, Span range) {
         return fixes;
     }
     const QSet<QString> lints = KnownLints();
-    const auto end = std::chrono::steady_clock::now() + PATIENCE_FOR_ALLOWANCES;
+    // A large range may have many findings, each of which takes a compile: some are enough.
+    const auto end = std::chrono::steady_clock::now() + PATIENCE;
     for (const Diagnostic* diagnostic : DiagnosticsIn(model, range)) {
         if (std::chrono::steady_clock::now() > end) {
             break;
