@@ -72,6 +72,14 @@ QStringList NamesPutIn(const Source& source, const FileCheck& check, const Facts
     return names;
 }
 
+// The facts without the tokens after that place.
+Facts FactsBefore(int end, Facts facts) {
+    while (!facts.tokens.empty() && facts.tokens.back().span.end > end) {
+        facts.tokens.pop_back();
+    }
+    return facts;
+}
+
 // The errors before the end are passed as in a check of the script.
 std::optional<Opening> OpeningAtEnd(const Source& source) {
     FileCheck check(Source(source.name(), source.text() + NO_TOKEN), MOST_ERRORS);
@@ -83,7 +91,7 @@ std::optional<Opening> OpeningAtEnd(const Source& source) {
         }
         if (check.edits().originalBegin(facts->error.token.begin) >= source.size()) {
             const QString text = check.next().text().chopped(NO_TOKEN.size());
-            return Opening{Source(source.name(), text), *facts,
+            return Opening{Source(source.name(), text), FactsBefore(text.size(), *facts),
                            NamesPutIn(source, check, *facts)};
         }
         if (!check.take(*facts)) {

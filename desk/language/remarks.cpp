@@ -45,10 +45,10 @@ QStringList LinesAbove(const Model& model, int begin) {
     QStringList lines;
     const std::vector<CommentFact>& comments = model.facts.comments;
     for (auto each = comments.rbegin(); each != comments.rend(); ++each) {
-        const QStringView between = model.source.text({each->span.end, begin});
         if (each->span.end > begin) {
             continue;
         }
+        const QStringView between = model.source.text({each->span.end, begin});
         if (!IsBlank(between) || between.count(u'\n') > 1 || !IsAlone(model, each->span)) {
             break;
         }
