@@ -33,7 +33,7 @@ namespace {
 // The reserved words FUNCTION and FUNCTION_BLOCK share their codes with names, and the name of a
 // type has the code of the ":" before it.
 Token CodeOf(const TokenFact& token, QStringView text) {
-    const bool isWord = text.at(0) != QLatin1Char(':');
+    const bool isWord = !text.startsWith(QLatin1Char(':'));
     if (token.code == TOKEN_COLON && isWord) {
         return TOKEN_IDENTIFIER;
     }

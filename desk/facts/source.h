@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <algorithm>
 #include <vector>
 
 // A place in a script, both parts counted from 1; columns count UTF-16 units.
@@ -30,8 +31,10 @@ public:
 
     const QString& name() const { return name_; }
     const QString& text() const { return text_; }
+    // What of a span lies within the text.
     QStringView text(Span span) const {
-        return QStringView(text_).mid(span.begin, span.length());
+        const int begin = std::clamp(span.begin, 0, size());
+        return QStringView(text_).mid(begin, std::clamp(span.end, begin, size()) - begin);
     }
     int size() const { return text_.size(); }
 
