@@ -42,8 +42,8 @@ class Run(NamedTuple):
     stderr: bytes
 
 
-# A build that measures coverage complains where it may not write its data as another user.
-PROFILING = re.compile(rb"^profiling:.*\n", re.MULTILINE)
+# A build that measures coverage complains where it may not write its data.
+PROFILING = re.compile(rb"^(profiling|libgcov profiling error):.*\n", re.MULTILINE)
 
 
 def run_yxst(*arguments, **options):
