@@ -21,20 +21,25 @@ COMPARED = {  # the limit of the ratio for each workload
 GROWTH = [Workload(25_000, 100, 3), Workload(50_000, 100, 3), Workload(100_000, 100, 3)]
 GROWTH_LIMIT = 1.1  # of the memory for each line, the largest script by the smallest
 CHECK_LIMIT = 1.5
+FMT_LIMIT = 10.0
 
 
 class Plan(NamedTuple):
     compared: dict
     growth: list
     scripts: int  # that are checked in one run
+    formatted: Workload
     rounds: int
 
 
-FULL = Plan(COMPARED, GROWTH, scripts=1_000, rounds=7)
+FULL = Plan(
+    COMPARED, GROWTH, scripts=1_000, formatted=Workload(100_000, 100, 11), rounds=7
+)
 QUICK = Plan(
     {Workload(1_000, 100, 3): 4.0, Workload(4_000, 100, 3): 20.0},
     [Workload(1_000, 100, 1), Workload(2_000, 100, 1), Workload(4_000, 100, 1)],
     scripts=50,
+    formatted=Workload(4_000, 100, 3),
     rounds=2,
 )
 HEADER = ["measured", "pairs", "time", "desk", "compiler", "desk / compiler", "95 % interval",
@@ -138,6 +143,27 @@ def check_rows(runner, plan):
     yield from rows_of(title, usages(runner, [(desk,), (compiler,)], plan.rounds), CHECK_LIMIT)
 
 
+def without_indents(path):
+    return b"".join(line.lstrip() for line in path.read_bytes().splitlines(keepends=True))
+
+
+def fmt_pairs(runner, workload):
+    """Each run formats a script that has lost its indents, for it writes what comes of it."""
+    spoilt = without_indents(Path(f"{runner.sources(workload)}.st"))
+    script = Path(runner.path("spoilt.st"))
+    code = runner.path("code")
+    for _ in range(workload.rounds + 1):
+        script.write_bytes(spoilt)
+        compiler = runner.run([str(runner.build / "yxstcmp"), str(script), code], [code])
+        yield runner.run([str(runner.build / "yxst"), "fmt", str(script)]), compiler
+
+
+def fmt_rows(runner, workload):
+    say(f"measuring fmt, {workload}")
+    pairs = list(fmt_pairs(runner, workload))[1:]
+    yield from rows_of(f"fmt, {workload.lines:,} lines", pairs, FMT_LIMIT)
+
+
 def memory_rows(runner, workloads):
     yield ["lines", "yxst facts", "a line", "limit", "holds"]
     base = runner.run([str(runner.build / "yxst"), "--version"]).megabytes
@@ -156,7 +182,8 @@ def memory_rows(runner, workloads):
 
 def compare(runner, is_quick):
     plan = QUICK if is_quick else FULL
-    times = [HEADER, *facts_rows(runner, plan.compared), *check_rows(runner, plan)]
+    times = [HEADER, *facts_rows(runner, plan.compared), *check_rows(runner, plan),
+             *fmt_rows(runner, plan.formatted)]  # fmt: skip
     memory = list(memory_rows(runner, plan.growth))
     print_heading()
     print(f"Build type {build_type(runner.build / 'yxst')}\n")

@@ -104,10 +104,10 @@ private:
         if (!file.error) {
             return;
         }
-        const MessageFact& error = file.error->messages.back();
-        const QString text = PlaceText(file.source, error.given) + QStringLiteral(" error: ") +
-                             Harmless(file.error->textOf(error.text)) + QStringLiteral(" [") +
-                             IdOf(error.constant) + QStringLiteral("]\n");
+        const QString text = PlaceText(file.source, file.error->place) +
+                             QStringLiteral(" error: ") + Harmless(file.error->text) +
+                             QStringLiteral(" [") + IdOf(file.error->constant) +
+                             QStringLiteral("]\n");
         std::fputs(text.toStdString().c_str(), stderr);
         isFine_ = isFine_ && file.result;
     }

@@ -63,12 +63,13 @@ Token CodeOfCurrent() {
 
 }  // namespace
 
-Collector::Collector(const Source& source) : source_(source) {
+Collector::Collector(const Source& source, Records records)
+    : source_(source), isForLayout_(records == Records::ForLayout) {
     const auto count =
         static_cast<std::size_t>(std::min(source.size() / USUAL_LENGTH, MOST_RESERVED));
     facts_.tokens.reserve(count);
     identities_.reserve(count);
-    facts_.items.reserve(count);
+    facts_.items.reserve(isForLayout_ ? 0 : count);
 }
 
 void Collector::token() {
@@ -134,6 +135,9 @@ int Collector::labelOf(const LabelItem& label) {
 
 void Collector::nameUsed(NameUse use, const Spelling& spelling) {
     static_assert(static_cast<int>(UseKind::Call) == static_cast<int>(NameUse::Call));
+    if (isForLayout_ && use != NameUse::Call) {
+        return;
+    }
     const int name =
         use == NameUse::Call ? definitionOf(spelling) : variables_.value(spelling.identity, NONE);
     facts_.uses.push_back({lastSpanOf(spelling.identity), name, static_cast<UseKind>(use)});
@@ -247,7 +251,11 @@ void Collector::partBegun(TokenPos pos) {
 void Collector::itemWritten(std::string_view item) {
     const int begin = facts_.codes.size();
     facts_.codes.append(item.data(), static_cast<int>(item.size()));
-    facts_.items.push_back({{begin, facts_.codes.size()}, currentPart(), facts_.open.statement});
+    if (!isForLayout_) {
+        facts_.items.push_back(
+            {{begin, facts_.codes.size()}, currentPart(), facts_.open.statement});
+    }
+    facts_.codes.append(' ');
 }
 
 // ---------------------------------------------------------------------------------------------

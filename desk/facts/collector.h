@@ -11,7 +11,7 @@ struct CompileStopped {};
 // Looks on at one compile of a source. An error leaves the compiler by CompileStopped.
 class Collector : public Observer {
 public:
-    explicit Collector(const Source& source);
+    Collector(const Source& source, Records records);
 
     // Facts are complete once the compile has ended and what is left has been read.
     Facts take();
@@ -49,6 +49,7 @@ private:
     };
 
     const Source& source_;
+    bool isForLayout_;
     Facts facts_;
     std::vector<const Identity*> identities_;     // of the tokens, null for those without
     std::vector<int> parts_;                      // of the open statements, the place of the part

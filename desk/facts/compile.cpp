@@ -80,8 +80,8 @@ void ReadOn(Collector& collector) {
     }
 }
 
-Facts CompileHere(const Source& source) {
-    Collector collector(source);
+Facts CompileHere(const Source& source, Records records) {
+    Collector collector(source, records);
     g_Observer = &collector;
     g_InputCodeFileHandle = FileHandle::ofText(source.text());
     g_OutputCodeFileHandle = FileHandle::discarding();
@@ -127,9 +127,10 @@ void EndWithParent(pid_t parent) {
 // What becomes of the facts: they go to the file, or what is made of them.
 using Deliver = std::function<void(Facts& facts, int file)>;
 
-[[noreturn]] void RunChild(const Source& source, const Deliver& deliver, int file) {
+[[noreturn]] void RunChild(const Source& source, Records records, const Deliver& deliver,
+                           int file) {
     try {
-        Facts facts = CompileHere(source);
+        Facts facts = CompileHere(source, records);
         deliver(facts, file);
     } catch (const std::bad_alloc&) {
         LeaveChild(WITHOUT_MEMORY);
@@ -162,7 +163,7 @@ bool IsReadableBefore(std::chrono::steady_clock::time_point end, int descriptor)
 }  // namespace
 
 CompileProcess::CompileProcess(const Source& source, Detail detail) {
-    start(source, [detail](Facts& facts, int file) {
+    start(source, Records::All, [detail](Facts& facts, int file) {
         if (detail == Detail::IfMessages && facts.messages.empty()) {
             facts = Facts();
         }
@@ -170,16 +171,16 @@ CompileProcess::CompileProcess(const Source& source, Detail detail) {
     });
 }
 
-CompileProcess::CompileProcess(const Source& source, const Question& question)
+CompileProcess::CompileProcess(const Source& source, const Question& question, Records records)
     : hasQuestion_(true) {
-    start(source, [&question](const Facts& facts, int file) {
+    start(source, records, [&question](const Facts& facts, int file) {
         const QByteArray answer = question(facts);
         WriteAll(file, {answer.constData(), static_cast<std::size_t>(answer.size())});
     });
 }
 
 // What may be printed later must not be printed by the child as well.
-void CompileProcess::start(const Source& source, const Deliver& deliver) {
+void CompileProcess::start(const Source& source, Records records, const Deliver& deliver) {
     std::array<int, 2> ends = {NONE, NONE};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {
         return;
@@ -188,7 +189,7 @@ void CompileProcess::start(const Source& source, const Deliver& deliver) {
     child_ = fork();
     if (child_ == 0) {
         EndWithParent(parent);
-        RunChild(source, deliver, ends[1]);
+        RunChild(source, records, deliver, ends[1]);
     }
     close(ends[1]);
     pipe_ = ends[0];

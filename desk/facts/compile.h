@@ -32,7 +32,8 @@ class CompileProcess {
 public:
     // Starts the compile. That it cannot be started is found in its result.
     CompileProcess(const Source& source, Detail detail);
-    CompileProcess(const Source& source, const Question& question);
+    CompileProcess(const Source& source, const Question& question,
+                   Records records = Records::All);
     CompileProcess(const CompileProcess&) = delete;
     CompileProcess& operator=(const CompileProcess&) = delete;
     CompileProcess(CompileProcess&& other) noexcept;
@@ -54,7 +55,8 @@ private:
     bool hasQuestion_ = false;
     QByteArray received_;
 
-    void start(const Source& source, const std::function<void(Facts&, int)>& deliver);
+    void start(const Source& source, Records records,
+               const std::function<void(Facts&, int)>& deliver);
     int wait();
 };
 

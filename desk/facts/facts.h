@@ -121,6 +121,12 @@ struct OpenFact {
     bool inComment = false;
 };
 
+// What of a compile is collected.
+enum class Records : unsigned char {
+    All,
+    ForLayout  // neither items nor uses of variables, which are most of what there is
+};
+
 struct Facts {
     std::vector<TokenFact> tokens;  // with an error, those after it too
     std::vector<CommentFact> comments;
@@ -135,7 +141,7 @@ struct Facts {
     ErrorFact error;
     OpenFact open;
     QString texts;     // of names and messages
-    QByteArray codes;  // UTF-8, of items
+    QByteArray codes;  // UTF-8, of items, each with a blank after it
 
     bool isCompiled() const { return messages.empty() || !messages.back().isError; }
     QStringView textOf(Span span) const {

@@ -12,8 +12,9 @@ void CompilePool::start(int key, const Source& source, Detail detail) {
     entries_.push_back({key, CompileProcess(source, detail)});
 }
 
-void CompilePool::start(int key, const Source& source, const Question& question) {
-    entries_.push_back({key, CompileProcess(source, question)});
+void CompilePool::start(int key, const Source& source, const Question& question,
+                        Records records) {
+    entries_.push_back({key, CompileProcess(source, question, records)});
 }
 
 CompilePool::Finished CompilePool::finish(std::size_t index) {

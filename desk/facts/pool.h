@@ -21,7 +21,8 @@ public:
 
     // Starts a compile; the key is given back with its result.
     void start(int key, const Source& source, Detail detail);
-    void start(int key, const Source& source, const Question& question);
+    void start(int key, const Source& source, const Question& question,
+               Records records = Records::All);
 
     int running() const { return static_cast<int>(entries_.size()); }
 

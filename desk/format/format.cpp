@@ -1,7 +1,5 @@
 #include "format/format.h"
 
-#include <algorithm>
-
 FormatResult FormatScript(const Source& source, const Facts& facts,
                           const FormatOptions& options) {
     if (!facts.isCompiled() && !options.isBeforeError) {
@@ -16,90 +14,62 @@ FormatResult FormatScript(const Source& source, const Facts& facts,
 
 namespace {
 
-bool HaveSameCode(const Facts& before, const Facts& after) {
-    return std::equal(before.items.begin(), before.items.end(), after.items.begin(),
-                      after.items.end(), [&](const ItemFact& one, const ItemFact& other) {
-                          return before.codeOf(one.text) == after.codeOf(other.text);
-                      });
-}
+constexpr QChar AFTER_EACH = u'\0';
 
 // The text of the error, nothing if the script compiles.
-QStringView ErrorOf(const Facts& facts) {
-    return facts.isCompiled() ? QStringView() : facts.textOf(facts.messages.back().text);
+QString ErrorOf(const Facts& facts) {
+    return facts.isCompiled() ? QString() : facts.textOf(facts.messages.back().text).toString();
 }
 
-// A token or a comment.
-struct Mark {
-    QStringView text;
-    bool isComment;
-};
+void AppendPart(QString& parts, QStringView part) {
+    parts.append(part.data(), static_cast<int>(part.size()));
+    parts.append(AFTER_EACH);
+}
 
-// What a script holds, in order. Semicolons are left out: the code tells what they end.
-class Marks {
-public:
-    Marks(const Source& source, const Facts& facts) : source_(source), facts_(facts) {}
-
-    // Nothing at the end.
-    std::optional<Mark> next() {
-        while (token_ < facts_.tokens.size() && facts_.tokens[token_].code == TOKEN_SEMICOLON) {
-            ++token_;
+void AddMarks(const Source& source, const Facts& facts, ScriptContent& content) {
+    content.tokens.reserve(source.text().size() + static_cast<int>(facts.tokens.size()));
+    auto comment = facts.comments.begin();
+    const auto addCommentsBefore = [&](int offset) {
+        for (; comment != facts.comments.end() && comment->span.begin < offset; ++comment) {
+            AppendPart(content.tokens, {});
+            AppendPart(content.comments, source.text(comment->span));
         }
-        const bool isComment =
-            comment_ < facts_.comments.size() &&
-            (token_ == facts_.tokens.size() ||
-             facts_.comments[comment_].span.begin < facts_.tokens[token_].span.begin);
-        if (isComment) {
-            return Mark{source_.text(facts_.comments[comment_++].span), true};
+    };
+    for (const TokenFact& token : facts.tokens) {
+        if (token.code != TOKEN_SEMICOLON) {
+            addCommentsBefore(token.span.begin);
+            AppendPart(content.tokens, source.text(token.span));
         }
-        return token_ < facts_.tokens.size()
-                   ? std::optional(Mark{source_.text(facts_.tokens[token_++].span), false})
-                   : std::nullopt;
     }
-
-private:
-    const Source& source_;
-    const Facts& facts_;
-    std::size_t token_ = 0;
-    std::size_t comment_ = 0;
-};
+    addCommentsBefore(source.text().size());
+}
 
 // Names may have other capitals; the code tells whether they may.
-bool AreSame(const Mark& one, const Mark& other) {
-    return one.isComment == other.isComment &&
-           (one.text == other.text ||
-            (!one.isComment && one.text.compare(other.text, Qt::CaseInsensitive) == 0));
-}
-
-bool HaveSameMarks(const Source& before, const Facts& factsBefore, const Source& after,
-                   const Facts& factsAfter) {
-    Marks ones(before, factsBefore);
-    Marks others(after, factsAfter);
-    for (;;) {
-        const std::optional<Mark> one = ones.next();
-        const std::optional<Mark> other = others.next();
-        if (!one || !other) {
-            return !one && !other;
-        }
-        if (!AreSame(*one, *other)) {
-            return false;
-        }
-    }
-}
-
-// What is not formatted.
-QStringView RestOf(const Source& source, const Facts& facts) {
-    return QStringView(source.text()).mid(EndOfFormatted(facts)).trimmed();
+bool HaveSameMarks(const ScriptContent& one, const ScriptContent& other) {
+    return one.comments == other.comments && one.unread == other.unread &&
+           (one.tokens == other.tokens ||
+            one.tokens.compare(other.tokens, Qt::CaseInsensitive) == 0);
 }
 
 }  // namespace
 
-QString FaultOfFormatted(const Source& before, const Facts& factsBefore, const Source& after,
+// What stays when formatting ends the script with one line feed, whatever it ended with.
+ScriptContent ContentOf(const Source& source, const Facts& facts) {
+    ScriptContent content;
+    content.error = ErrorOf(facts);
+    content.code = facts.codes;
+    AddMarks(source, facts, content);
+    content.unread = QStringView(source.text()).mid(EndOfFormatted(facts)).trimmed().toString();
+    return content;
+}
+
+QString FaultOfFormatted(const ScriptContent& before, const Source& after,
                          const Facts& factsAfter, const FormatOptions& options) {
-    if (ErrorOf(factsBefore) != ErrorOf(factsAfter) || !HaveSameCode(factsBefore, factsAfter)) {
+    const ScriptContent content = ContentOf(after, factsAfter);
+    if (before.error != content.error || before.code != content.code) {
         return QStringLiteral("formatting would change the code");
     }
-    if (!HaveSameMarks(before, factsBefore, after, factsAfter) ||
-        RestOf(before, factsBefore) != RestOf(after, factsAfter)) {
+    if (!HaveSameMarks(before, content)) {
         return QStringLiteral("formatting would change a token or a comment");
     }
     if (Formatted(after, factsAfter, options.indent) != after.text()) {

@@ -21,8 +21,20 @@ struct FormatResult {
 
 FormatResult FormatScript(const Source& source, const Facts& facts, const FormatOptions& options);
 
+// All of a script but its layout.
+struct ScriptContent {
+    QString error;  // the text of the error, empty if it compiles
+    QByteArray code;
+    QString tokens;  // each with a NUL after it, which none can hold; a comment is an empty one,
+                     // semicolons are left out
+    QString comments;  // each with a NUL after it
+    QString unread;    // what is not formatted
+};
+
+ScriptContent ContentOf(const Source& source, const Facts& facts);
+
 // What is wrong with the text that came of a script, a sentence without its full stop: its code
 // is another, tokens or comments are, or formatting changes it again. Empty if nothing is: the
-// text is the script in its layout. The facts are what the compiler tells about each.
-QString FaultOfFormatted(const Source& before, const Facts& factsBefore, const Source& after,
+// text is the script in its layout. The facts are what the compiler tells about the text.
+QString FaultOfFormatted(const ScriptContent& before, const Source& after,
                          const Facts& factsAfter, const FormatOptions& options);

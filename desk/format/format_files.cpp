@@ -5,9 +5,11 @@
 
 #include "qyx_files.h"
 
+#include <QDataStream>
 #include <QFileInfo>
 
 #include <map>
+#include <stdexcept>
 
 namespace {
 
@@ -56,11 +58,71 @@ QString FaultOfBytes(const QByteArray& bytes, const QString& text) {
 
 constexpr const char* PROVEN = "proven";
 
+// What comes of a script in the child that compiles it: all facts would be far more to pass.
+struct LaidOutScript {
+    std::optional<ScriptError> error;
+    std::optional<QString> text;  // in its layout
+    ScriptContent content;        // of the script, where its text is another
+};
+
+LaidOutScript LaidOut(const Source& source, const Facts& facts, const FormatOptions& options) {
+    LaidOutScript script;
+    if (!facts.isCompiled()) {
+        const MessageFact& error = facts.messages.back();
+        script.error = {error.given, facts.textOf(error.text).toString(), error.constant};
+    }
+    script.text = FormatScript(source, facts, options).text;
+    if (script.text && *script.text != source.text()) {
+        script.content = ContentOf(source, facts);
+    }
+    return script;
+}
+
+constexpr auto OWN_BYTE_ORDER = static_cast<QDataStream::ByteOrder>(QSysInfo::ByteOrder);
+
+QByteArray BytesOf(const LaidOutScript& script) {
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setByteOrder(OWN_BYTE_ORDER);
+    stream << script.error.has_value();
+    if (script.error) {
+        const ScriptError& error = *script.error;
+        stream << error.place.line << error.place.column << error.text << error.constant;
+    }
+    stream << script.text.has_value() << script.text.value_or(QString());
+    const ScriptContent& content = script.content;
+    stream << content.error << content.code << content.tokens << content.comments
+           << content.unread;
+    if (stream.status() != QDataStream::Ok) {
+        throw std::length_error("layout");
+    }
+    return bytes;
+}
+
+LaidOutScript LaidOutScriptOf(const QByteArray& bytes) {
+    LaidOutScript script;
+    QDataStream stream(bytes);
+    stream.setByteOrder(OWN_BYTE_ORDER);
+    bool isThere = false;
+    stream >> isThere;
+    if (isThere) {
+        ScriptError& error = script.error.emplace();
+        stream >> error.place.line >> error.place.column >> error.text >> error.constant;
+    }
+    QString text;
+    stream >> isThere >> text;
+    script.text = isThere ? std::optional(text) : std::nullopt;
+    ScriptContent& content = script.content;
+    stream >> content.error >> content.code >> content.tokens >> content.comments >>
+        content.unread;
+    return script;
+}
+
 // A file between its two compiles: that of the script and that of the result.
 struct FileUnderWay {
     FormattedFile file;
-    std::optional<Facts> facts;  // of the script, after its compile
-    Source result;               // then what came of it
+    std::optional<LaidOutScript> script;  // after the first
+    Source result;                        // what came of it
 };
 
 class FormatRun {
@@ -113,15 +175,20 @@ private:
         const FileUnderWay& underWay =
             running_.emplace(index, FileUnderWay{std::move(file), std::nullopt, Source()})
                 .first->second;
-        pool_.start(index, underWay.file.source, Detail::All);
+        pool_.start(
+            index, underWay.file.source,
+            [this, &underWay](const Facts& facts) {
+                return BytesOf(LaidOut(underWay.file.source, facts, options_.format));
+            },
+            Records::ForLayout);
     }
 
     void goOn(CompilePool::Finished finished) {
         FileUnderWay& underWay = running_.at(finished.key);
         if (!finished.result.failure.isEmpty()) {
             fail(finished.key, std::move(underWay.file), finished.result.failure);
-        } else if (finished.result.facts) {
-            format(finished.key, underWay, std::move(*finished.result.facts));
+        } else if (!underWay.script) {
+            takeLayout(finished.key, underWay, LaidOutScriptOf(finished.result.answer));
         } else if (finished.result.answer == PROVEN) {
             finish(finished.key, underWay);
         } else {
@@ -130,30 +197,27 @@ private:
         }
     }
 
-    void format(int index, FileUnderWay& underWay, Facts facts) {
+    void takeLayout(int index, FileUnderWay& underWay, LaidOutScript script) {
         FormattedFile& file = underWay.file;
-        const FormatResult result = FormatScript(file.source, facts, options_.format);
-        if (!facts.isCompiled()) {
-            file.error = facts;
-        }
-        if (!result.text) {
+        file.error = script.error;
+        if (!script.text) {
             end(index, std::move(file));
             return;
         }
-        underWay.facts = std::move(facts);
-        underWay.result = Source(file.source.name(), *result.text);
-        if (*result.text == file.source.text()) {
+        underWay.result = Source(file.source.name(), *script.text);
+        underWay.script = std::move(script);
+        if (underWay.result.text() == file.source.text()) {
             finish(index, underWay);
         } else {
-            pool_.start(index, underWay.result, proofOf(underWay));
+            pool_.start(index, underWay.result, proofOf(underWay), Records::ForLayout);
         }
     }
 
-    // The child that compiles the result has the script and its facts in its memory.
+    // The child that compiles the result has the content of the script in its memory.
     Question proofOf(const FileUnderWay& underWay) const {
         return [this, &underWay](const Facts& facts) {
-            const QString fault = FaultOfFormatted(underWay.file.source, *underWay.facts,
-                                                   underWay.result, facts, options_.format);
+            const QString fault = FaultOfFormatted(underWay.script->content, underWay.result,
+                                                   facts, options_.format);
             return fault.isEmpty() ? QByteArray(PROVEN) : fault.toUtf8();
         };
     }

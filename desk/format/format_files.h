@@ -14,6 +14,13 @@ struct FormatFilesOptions {
     QString stdinName = {};  // what messages call standard input
 };
 
+// What the compiler says of a script that has an error.
+struct ScriptError {
+    Place place;  // as the compiler says it
+    QString text;
+    int constant;  // in the catalogue
+};
+
 // A script that was formatted, or why it was not.
 struct FormattedFile {
     QString path;
@@ -21,7 +28,7 @@ struct FormattedFile {
     QByteArray bytes;                  // of the file
     std::optional<QByteArray> result;  // those that it is to have
     QString text;                      // the same as text
-    std::optional<Facts> error;        // what the compiler tells of a script that has an error
+    std::optional<ScriptError> error;
     QString failure;  // a sentence without its full stop, where a file is not fine
 };
 

@@ -11,8 +11,6 @@ namespace {
 constexpr int MOST_LEVELS = 60;
 constexpr int WIDEST_CONTINUATION = 120;
 
-constexpr int USUAL_LENGTH = 40;  // of the text of a line
-
 bool IsOneOf(Token code, std::initializer_list<Token> codes) {
     return std::find(codes.begin(), codes.end(), code) != codes.end();
 }
@@ -92,7 +90,8 @@ public:
     Writer(const Source& source, const LayoutPieces& pieces, int indent)
         : source_(source), pieces_(pieces), indent_(indent) {}
 
-    LayoutLines lines() {
+    Layout layout() {
+        layout_.text.reserve(source_.size());
         for (at_ = 0; at_ < pieces_.size(); ++at_) {
             if (pieces_[at_].isComment) {
                 takeComment(pieces_[at_]);
@@ -100,7 +99,7 @@ public:
                 takeToken(pieces_[at_]);
             }
         }
-        return std::move(lines_);
+        return std::move(layout_);
     }
 
 private:
@@ -109,10 +108,9 @@ private:
     int indent_;
     std::size_t at_ = 0;
     std::size_t nextToken_ = 0;
-    LayoutLines lines_;
-    int column_ = 0;               // after what is written of the line
+    Layout layout_;
     bool isLed_ = false;           // the line begins with comments that lead to its token
-    LayoutPiece lastToken_;        // that was written
+    LayoutPiece lastToken_ = {};   // that was written
     bool isAfterOwnLine_ = false;  // a comment on a line of its own came after that
     bool hasPending_ = false;      // an expression begins with the next piece
     int expressionColumn_ = 0;     // where the expression began
@@ -134,7 +132,7 @@ private:
     // --- lines ---------------------------------------------------------------------------
 
     bool wantsBlank(const LayoutPiece& piece) const {
-        if (lines_.empty() || at_ == 0) {
+        if (layout_.lines.empty() || at_ == 0) {
             return false;
         }
         if (lastToken_.endsUnit && !isAfterOwnLine_) {
@@ -156,13 +154,13 @@ private:
     // The line of a token that begins one.
     void startTokenLine(const LayoutPiece& token) {
         startLine(token.level, token.kind);
-        LayoutLine& line = lines_.back();
+        LayoutLine& line = last();
         line.isConstant = token.isConstant;
         line.commentColumn = token.kind == LineKind::CaseLabel ? columnOf(token.level + 1) : NONE;
     }
 
     void goOn() {
-        const LineKind kind = lines_.back().kind;
+        const LineKind kind = last().kind;
         LayoutLine line;
         line.indent = continuationColumn();
         line.kind = kind;
@@ -171,10 +169,12 @@ private:
     }
 
     void push(LayoutLine line) {
-        line.text.reserve(USUAL_LENGTH);
-        column_ = line.indent;
-        lines_.push_back(std::move(line));
+        line.text = {layout_.text.size(), layout_.text.size()};
+        line.end = line.indent;
+        layout_.lines.push_back(std::move(line));
     }
+
+    LayoutLine& last() { return layout_.lines.back(); }
 
     int continuationColumn() const {
         return std::min(brackets_.empty() ? expressionColumn_ : brackets_.back(),
@@ -182,20 +182,27 @@ private:
     }
 
     void append(QStringView text) {
-        lines_.back().text.append(text.data(), static_cast<int>(text.size()));
-        column_ += static_cast<int>(text.size());
+        layout_.text.append(text.data(), static_cast<int>(text.size()));
+        noteAppended(static_cast<int>(text.size()));
     }
 
     void appendComment(QStringView text) {
         append(text);
         const auto lastLine = text.lastIndexOf(u'\n') + 1;
-        column_ = lastLine == 0 ? column_ : static_cast<int>(text.size() - lastLine);
+        if (lastLine > 0) {
+            last().hasLineFeed = true;
+            last().end = static_cast<int>(text.size() - lastLine);
+        }
     }
 
     void appendBlanks(int count) {
-        QString& text = lines_.back().text;
-        text.resize(text.size() + count, u' ');
-        column_ += count;
+        layout_.text.resize(layout_.text.size() + count, u' ');
+        noteAppended(count);
+    }
+
+    void noteAppended(int count) {
+        last().text.end += count;
+        last().end += count;
     }
 
     // --- tokens --------------------------------------------------------------------------
@@ -224,11 +231,11 @@ private:
             startTokenLine(token);
         }
         isLed_ = false;
-        expressionColumn_ = std::min(token.level, MOST_LEVELS) * indent_ + indent_;
+        expressionColumn_ = columnOf(token.level) + indent_;
     }
 
     void startLedToken(const LayoutPiece& token) {
-        LayoutLine& line = lines_.back();
+        LayoutLine& line = last();
         line.kind = token.kind;
         line.isComment = false;
         line.isConstant = token.isConstant;
@@ -236,8 +243,8 @@ private:
     }
 
     void joinLabel(const LayoutPiece& token) {
-        appendBlanks(std::max(columnOf(token.level) - column_, 1));
-        lines_.back().kind = LineKind::Statement;
+        appendBlanks(std::max(columnOf(token.level) - last().end, 1));
+        last().kind = LineKind::Statement;
     }
 
     void separate(const LayoutPiece& piece) {
@@ -252,20 +259,20 @@ private:
     // Before the piece is written.
     void notePlace(const LayoutPiece& piece) {
         if (hasPending_) {
-            expressionColumn_ = column_;
+            expressionColumn_ = last().end;
             hasPending_ = false;
         }
-        LayoutLine& line = lines_.back();
+        LayoutLine& line = last();
         if (piece.code == TOKEN_COLON && line.kind == LineKind::Declaration &&
-            !line.isContinuation && !line.text.contains(u'\n')) {
-            line.colon = line.text.size();
+            !line.isContinuation && !line.hasLineFeed) {
+            line.colon = line.text.length();
         }
         hasPending_ = LeadsToExpression(piece);
     }
 
     void noteBracket(const LayoutPiece& token) {
         if (IsBracketBegin(token.code)) {
-            brackets_.push_back(column_);
+            brackets_.push_back(last().end);
         } else if (IsBracketEnd(token.code) && !brackets_.empty()) {
             brackets_.pop_back();
         }
@@ -276,9 +283,9 @@ private:
     void takeComment(const LayoutPiece& comment) {
         if (!nextToken().beginsLine) {
             takeWithin(comment);
-        } else if (lines_.empty() || comment.hasLineBefore) {
+        } else if (layout_.lines.empty() || comment.hasLineBefore) {
             takeOwnLine(comment);
-        } else if (lines_.back().isComment) {
+        } else if (last().isComment) {
             appendBlanks(1);
             appendComment(comment.text);
         } else {
@@ -297,7 +304,7 @@ private:
     }
 
     void addAtEnd(const LayoutPiece& comment) {
-        QString& end = lines_.back().comment;
+        QString& end = last().comment;
         end += QStringLiteral(" ").repeated(end.isEmpty() ? 0 : 1);
         end.append(comment.text.data(), static_cast<int>(comment.text.size()));
     }
@@ -307,7 +314,7 @@ private:
         startLine(comment.leadsToken ? token.level : levelOf(comment, token),
                   isInSection(token) ? LineKind::Declaration : token.kind);
         appendComment(comment.text);
-        lines_.back().isComment = true;
+        last().isComment = true;
         isLed_ = comment.leadsToken;
         isAfterOwnLine_ = !isLed_;
     }
@@ -336,12 +343,13 @@ private:
 // ---------------------------------------------------------------------------------------------
 
 // Whatever it is, the text ends with one line feed.
-QString WithoutBlankEnd(const QString& text) {
+void EndWithLineFeed(QString& text) {
     int end = text.size();
-    while (end > 0 && QStringView(u" \t\n").contains(text[end - 1])) {
+    while (end > 0 && QStringView(u" \t\n").contains(text.at(end - 1))) {
         --end;
     }
-    return text.left(end);
+    text.truncate(end);
+    text.append(u'\n');
 }
 
 // Where the error begins, or the piece of the script that has it.
@@ -377,10 +385,13 @@ int EndOfFormatted(const Facts& facts) {
 QString Formatted(const Source& source, const Facts& facts, int indent) {
     const int end = EndOfFormatted(facts);
     const LayoutPieces pieces = PiecesOf(source, facts, end);
-    LayoutLines lines = Writer(source, pieces, indent).lines();
-    Align(lines);
-    QString text = TextOf(lines);
+    Layout layout = Writer(source, pieces, indent).layout();
+    Align(layout.lines);
+    QString text = TextOf(layout);
     text.chop(text.isEmpty() ? 0 : 1);
-    return facts.isCompiled() ? WithoutBlankEnd(text + source.text().mid(end)) + u'\n'
-                              : text + source.text().mid(end);
+    text.append(source.text().midRef(end));
+    if (facts.isCompiled()) {
+        EndWithLineFeed(text);
+    }
+    return text;
 }

@@ -1,17 +1,20 @@
 #include "format/lines.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
-constexpr int TAB = 4;       // comments stand at multiples of it
-constexpr int GAP = 2;       // the least number of blanks before them
-constexpr int WIDEST = 120;  // what goes beyond stands for itself
+constexpr int TAB = 4;        // comments stand at multiples of it
+constexpr int GAP = 2;        // the least number of blanks before them
+constexpr int WIDE_GAP = 20;  // of those that leave room for a text
+constexpr int WIDEST = 120;   // what goes beyond stands for itself
 
+using LineIterator = std::vector<LayoutLine>::iterator;
 using Group = std::vector<LayoutLine*>;
 
-QString Blanks(int count) {
-    return QString(std::max(count, 0), u' ');
+void AppendBlanks(QString& text, int count) {
+    text.resize(text.size() + std::max(count, 0), u' ');
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -23,7 +26,7 @@ bool HasColumn(const LayoutLine& line) {
 }
 
 // Lines that go on move with the line that they go on from.
-void AlignColons(LayoutLines::iterator first, LayoutLines::iterator last) {
+void AlignColons(LineIterator first, LineIterator last) {
     int width = 0;
     for (auto line = first; line != last; ++line) {
         width = HasColumn(*line) ? std::max(width, line->colon) : width;
@@ -31,13 +34,11 @@ void AlignColons(LayoutLines::iterator first, LayoutLines::iterator last) {
     int shift = 0;
     for (auto line = first; line != last; ++line) {
         if (line->isContinuation) {
-            line->indent += shift;
+            line->move(shift);
             continue;
         }
         shift = HasColumn(*line) ? width - line->colon : 0;
-        if (shift > 0) {
-            line->text.insert(line->colon, Blanks(shift));
-        }
+        line->widenGap(shift);
     }
 }
 
@@ -48,7 +49,7 @@ bool GoesOn(const LayoutLine& line, const LayoutLine& first) {
     return isAmong && line.kind == LineKind::Declaration && !line.isBlankBefore;
 }
 
-void AlignAllColons(LayoutLines& lines) {
+void AlignAllColons(std::vector<LayoutLine>& lines) {
     for (auto first = lines.begin(); first != lines.end();) {
         auto last = std::next(first);
         while (first->colon != NONE && last != lines.end() && GoesOn(*last, *first)) {
@@ -70,8 +71,8 @@ int RoundedUp(int column) {
 void AlignComments(const Group& group, int least) {
     int column = least;
     for (const LayoutLine* line : group) {
-        const int end = line->end();
-        column = end <= WIDEST ? std::max(column, RoundedUp(end + GAP)) : column;
+        const bool isAmong = line->end <= WIDEST;
+        column = isAmong ? std::max(column, RoundedUp(line->end + GAP)) : column;
     }
     for (LayoutLine* line : group) {
         line->commentColumn = column;
@@ -106,22 +107,39 @@ private:
     bool isStatement() const { return kind_ == LineKind::Statement; }
 };
 
-void AppendLine(QString& text, const LayoutLine& line) {
+// The text of a line, with the gap before its ":".
+void AppendText(QString& text, QStringView line, int colon, int gap) {
+    const int before = gap == 0 ? 0 : colon;
+    text.append(line.data(), before);
+    AppendBlanks(text, gap);
+    text.append(line.data() + before, static_cast<int>(line.size()) - before);
+}
+
+void AppendLine(QString& text, const Layout& layout, const LayoutLine& line) {
     if (line.isBlankBefore) {
         text += u'\n';
     }
-    text += Blanks(line.indent);
-    text += line.text;
+    AppendBlanks(text, line.indent);
+    AppendText(text, QStringView(layout.text).mid(line.text.begin, line.text.length()),
+               line.colon, line.gap);
     if (!line.comment.isEmpty()) {
-        text += Blanks(std::max(line.commentColumn - line.end(), GAP));
+        AppendBlanks(text, std::max(line.commentColumn - line.end, GAP));
         text += line.comment;
     }
     text += u'\n';
 }
 
+// About as much as the text of the layout takes.
+int LengthOf(const Layout& layout) {
+    return std::accumulate(layout.lines.begin(), layout.lines.end(), layout.text.size(),
+                           [](int length, const LayoutLine& line) {
+                               return length + line.indent + line.comment.size() + GAP;
+                           });
+}
+
 }  // namespace
 
-void Align(LayoutLines& lines) {
+void Align(std::vector<LayoutLine>& lines) {
     AlignAllColons(lines);
     CommentGroups groups;
     for (LayoutLine& line : lines) {
@@ -130,10 +148,11 @@ void Align(LayoutLines& lines) {
     groups.end();
 }
 
-QString TextOf(const LayoutLines& lines) {
+QString TextOf(const Layout& layout) {
     QString text;
-    for (const LayoutLine& line : lines) {
-        AppendLine(text, line);
+    text.reserve(LengthOf(layout));
+    for (const LayoutLine& line : layout.lines) {
+        AppendLine(text, layout, line);
     }
     return text;
 }

@@ -7,26 +7,37 @@ constexpr int LEAST_COMMENT_COLUMN = 36;  // of comments after declarations
 
 struct LayoutLine {
     int indent = 0;
-    QString text;              // of several lines where a comment within is
+    Span text;                 // of several lines where a comment within is
+    int end = 0;               // the column after the text
     QString comment = {};      // at its end
     int colon = NONE;          // of a declaration: the length of what stands before the ":"
+    int gap = 0;               // the blanks to put there
     int commentColumn = NONE;  // where it begins if the line is shorter, else after two blanks
     LineKind kind = LineKind::Structure;
     bool isBlankBefore = false;
     bool isConstant = false;
     bool isContinuation = false;  // of the line before it
     bool isComment = false;       // it holds nothing else
+    bool hasLineFeed = false;     // within the text
 
-    // The column after the text.
-    int end() const {
-        const int lastLine = text.lastIndexOf(u'\n') + 1;
-        return (lastLine == 0 ? indent : 0) + text.size() - lastLine;
+    // To the right.
+    void move(int columns) {
+        indent += columns;
+        end += hasLineFeed ? 0 : columns;
+    }
+    void widenGap(int columns) {
+        gap += columns;
+        end += hasLineFeed ? 0 : columns;
     }
 };
 
-using LayoutLines = std::vector<LayoutLine>;
+// Lines and the text that theirs are pieces of.
+struct Layout {
+    std::vector<LayoutLine> lines;
+    QString text;
+};
 
 // Brings the ":" of declarations and the comments at the ends of lines below each other.
-void Align(LayoutLines& lines);
+void Align(std::vector<LayoutLine>& lines);
 
-QString TextOf(const LayoutLines& lines);
+QString TextOf(const Layout& layout);

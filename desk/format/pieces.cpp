@@ -120,7 +120,7 @@ private:
     std::vector<Frame> frames_;
     int at_ = 0;                    // the token
     Token before_ = TOKEN_UNKNOWN;  // the code of the one before
-    LayoutPiece piece_;
+    LayoutPiece piece_ = {};
 
     template <typename Record>
     bool begins(const std::vector<Record>& records, std::size_t& next) const {
@@ -133,7 +133,7 @@ private:
     void beginLine(LineKind kind, int level) {
         piece_.beginsLine = true;
         piece_.kind = kind;
-        piece_.level = level;
+        piece_.level = static_cast<short>(level);
     }
 
     void place() {
@@ -293,8 +293,9 @@ void NoteGap(const Source& source, int end, LayoutPiece& piece) {
 }
 
 LayoutPiece CommentPiece(const Source& source, const CommentFact& comment) {
-    LayoutPiece piece;
+    LayoutPiece piece = {};
     piece.span = comment.span;
+    piece.code = TOKEN_UNKNOWN;
     piece.text = source.text(comment.span);
     piece.isComment = true;
     piece.isLineComment = piece.text.startsWith(u'/');

@@ -14,31 +14,33 @@ enum class LineKind : unsigned char {
     CaseLabel
 };
 
+// There are many, so they are small; what is empty (= {}) holds zeros alone.
 struct LayoutPiece {
     Span span;
     QStringView text;  // as it is to be written
-    Token code = TOKEN_UNKNOWN;
-    bool isComment = false;
-    bool isLineComment = false;
-    bool hasLineBefore = false;   // whether the script has a new line before it
-    bool hasBlankBefore = false;  // whether it has an empty line there
-    bool leadsToken = false;      // of a comment: the next token follows on its line
+    Token code;        // of a comment TOKEN_UNKNOWN
+    bool isComment : 1;
+    bool isLineComment : 1;
+    bool hasLineBefore : 1;   // whether the script has a new line before it
+    bool hasBlankBefore : 1;  // whether it has an empty line there
+    bool leadsToken : 1;      // of a comment: the next token follows on its line
 
     // Of a token that begins a line.
-    bool beginsLine = false;
-    bool joinsLabel = false;  // the only statement of its CASE label, on the line of that
-    bool closes = false;      // it ends what the lines above it are within
-    bool outdents = false;    // ELSE, a label and the like: one level outside of those lines
-    bool isConstant = false;  // of the declaration of a constant
-    LineKind kind = LineKind::Structure;
-    int level = 0;
+    bool beginsLine : 1;
+    bool joinsLabel : 1;  // the only statement of its CASE label, on the line of that
+    bool closes : 1;      // it ends what the lines above it are within
+    bool outdents : 1;    // ELSE, a label and the like: one level outside of those lines
+    bool isConstant : 1;  // of the declaration of a constant
 
     // Of any token.
-    bool opens = false;  // nothing follows on its line, not even an empty line
-    bool endsUnit = false;
-    bool isBinary = false;        // an operator with two operands
-    bool isUnary = false;         // a sign
-    bool isInExpression = false;  // of a statement, where "(" after a name begins parameters
+    bool opens : 1;  // nothing follows on its line, not even an empty line
+    bool endsUnit : 1;
+    bool isBinary : 1;        // an operator with two operands
+    bool isUnary : 1;         // a sign
+    bool isInExpression : 1;  // of a statement, where "(" after a name begins parameters
+
+    LineKind kind;  // these two of a token that begins a line
+    short level;
 };
 
 using LayoutPieces = std::vector<LayoutPiece>;

@@ -25,9 +25,9 @@ FormatResult ProvedText(const Source& source, const Facts& facts, int indent) {
     }
     const Source after(source.name(), *result.text);
     const CompileResult compiled = CompileWithin(PATIENCE, after);
-    const QString fault = compiled.facts
-                              ? FaultOfFormatted(source, facts, after, *compiled.facts, options)
-                              : compiled.failure;
+    const QString fault = compiled.facts ? FaultOfFormatted(ContentOf(source, facts), after,
+                                                            *compiled.facts, options)
+                                         : compiled.failure;
     return fault.isEmpty() ? result : FormatResult{std::nullopt, fault};
 }
 

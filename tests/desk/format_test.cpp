@@ -101,7 +101,7 @@ TEST(Layout, AScriptWithAnErrorHasNoneUnlessItIsAskedFor) {
 QString FaultBetween(const QString& before, const QString& after) {
     const Script one = ScriptOf(before);
     const Script other = ScriptOf(after);
-    return FaultOfFormatted(one.source, one.facts, other.source, other.facts, {});
+    return FaultOfFormatted(ContentOf(one.source, one.facts), other.source, other.facts, {});
 }
 
 const QString FINE = Frame("    a := 1;     // c\n");
