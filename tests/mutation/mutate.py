@@ -8,8 +8,9 @@ which some test fails is killed; one that passes them all survives, and shows ei
 the tests lack or a change that nothing can show. A test fails that takes far more than its usual
 processor time, whatever else the machine does, or that waits for long without using any.
 
-The tests are those of CTest but for the ones labelled slow; those that need the desk come last.
-Those that fail without any change are left out, with a notice. The mutants depend on the seed and the sources alone.
+The tests are those of CTest but for the ones labelled slow. Those that need the desk come last, and
+only those that take little: they look at the compiler from further off. Tests that fail without any
+change are left out, with a notice. The mutants depend on the seed and the sources alone.
 """
 
 import argparse
@@ -418,6 +419,7 @@ def choose_mutants(folder, count, seed):
 # Of the processor.
 BUILD_SECONDS = 600
 UNMUTATED_SECONDS = 300  # what a test may take when nothing is changed
+UNMUTATED_DESK_SECONDS = 10  # the same, of one that needs the desk
 
 WAITING_SECONDS = 120  # after which a test without processor time counts as one that hangs
 LOOK_SECONDS = 1  # from one look at the processor time to the next
@@ -588,22 +590,22 @@ class Suite:
     def __init__(self, worker):
         self.kills = Counter()  # by file and test
         self.seconds = {}  # of the processor
-        self.measure(worker, worker.tests)
+        self.measure(worker, worker.tests, UNMUTATED_SECONDS)
         self.of_desk = set(worker.tests) - set(self.seconds)
         if not worker.build(*DESK_TARGETS):
             sys.exit("the desk does not build even without a change")
-        self.measure(worker, self.of_desk)
+        self.measure(worker, self.of_desk, UNMUTATED_DESK_SECONDS)
         for name in sorted(set(worker.tests) - set(self.seconds)):
-            print(f"{name} fails without a change and is left out", flush=True)
+            print(f"{name} fails without a change or takes long and is left out", flush=True)
         if "unit" not in worker.tests:
             print("the unit tests do not build and are left out", flush=True)
         total = sum(self.seconds.values())
         passed = f"{len(self.seconds)} tests pass without a change"
         print(f"{passed}, in {total:.0f} s of the processor", flush=True)
 
-    def measure(self, worker, names):
+    def measure(self, worker, names, limit):
         for name in names:
-            run = worker.run_test(name, UNMUTATED_SECONDS)
+            run = worker.run_test(name, limit)
             if run.status == 0:
                 self.seconds[name] = run.seconds
 
