@@ -133,14 +133,16 @@ Runner DeclareCheck(CLI::App& command) {
     command.add_flag("--werror", arguments->isWarningError, "Warnings are errors");
     command.add_option("--disable", arguments->disabled, "Lints to be left out, by identifier")
         ->option_text("ID,...")
-        ->delimiter(',');
+        ->delimiter(',')
+        ->allow_extra_args(false);
     command.add_flag("--quiet", arguments->report.isQuiet, "No summary");
     AddCountOption(command, "--jobs", arguments->options.jobs,
                    "Scripts checked at the same time; as many as there are processors");
     command
         .add_option("--suffix", arguments->suffixes,
                     "Files in folders that are scripts, st; may be given several times")
-        ->option_text("SUFFIX");
+        ->option_text("SUFFIX")
+        ->allow_extra_args(false);
     AddColorOption(command, arguments->color);
     return [arguments] { return RunCheck(*arguments); };
 }

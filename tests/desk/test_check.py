@@ -236,6 +236,7 @@ class Options(FolderTestCase):
         self.assertEqual(self.files_found("--suffix=iecst", "."), ["./b.iecst"])
         two = self.files_found("--suffix", "txt", "--suffix=st", ".")
         self.assertEqual(two, ["./a.st", "./c.txt"])
+        self.assertEqual(self.files_found("--suffix=txt", "a.st", "."), ["a.st", "./c.txt"])
 
     def test_standard_input(self):
         found = self.found("-", stdin=None, input=WRONG)

@@ -201,6 +201,11 @@ class Options(unittest.TestCase):
             with self.subTest(arguments=arguments):
                 self.assertEqual(self.ids(*arguments), expected)
 
+    def test_scripts_are_no_lints(self):
+        path = ROOT / "examples/mixing_tank.st"
+        run = run_yxst("check", "--quiet", "--disable=unused-label", path, path)
+        self.assertEqual(run, (FINE, b"", b""))
+
     def test_unknown_lints(self):
         for wrong, nearest in (
             ("surprising-conditions", f"; the nearest is {CONDITION}"),
