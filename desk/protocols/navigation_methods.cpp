@@ -87,6 +87,7 @@ QJsonValue DocumentHighlightMethod(const Script& script, const QJsonObject& para
     return highlights;
 }
 
+// The range alone: Qt Creator 9 loses a placeholder and asks for an empty name.
 QJsonValue PrepareRenameMethod(const Script& script, const QJsonObject& params) {
     const RenameTarget target = RenameTargetAt(script.model, OffsetOf(script, params));
     if (target.name == NONE) {
@@ -95,9 +96,7 @@ QJsonValue PrepareRenameMethod(const Script& script, const QJsonObject& params) 
     if (!target.refusal.isEmpty()) {
         throw RequestFailed{target.refusal};
     }
-    return QJsonObject{
-        {QStringLiteral("range"), script.lines.rangeOf(target.span)},
-        {QStringLiteral("placeholder"), script.source().text(target.span).toString()}};
+    return script.lines.rangeOf(target.span);
 }
 
 QJsonValue RenameMethod(const Script& script, const QJsonObject& params) {
