@@ -61,29 +61,30 @@ QString WithoutMarks(QString markdown) {
     return markdown.remove(u'`');
 }
 
-QString BuiltInText(const Model& model, int name) {
-    const BuiltInRow* const row = BuiltInRowOf(TextOfName(model, name));
-    if (row == nullptr) {
-        return TextOfName(model, name);
-    }
-    const bool isFunction = NameOf(model, name).kind == NameKind::Function;
-    const QString result = QStringLiteral(" : ") + WithoutMarks(row->result);
-    return row->name + u'(' + WithoutMarks(row->parameters) + u')' +
-           (isFunction ? result : QString());
+bool IsFunction(const BuiltInRow& row) {
+    return row.result != QLatin1String("none");
+}
+
+QString BuiltInText(const BuiltInRow& row) {
+    const QString result = QStringLiteral(" : ") + WithoutMarks(row.result);
+    return row.name + u'(' + WithoutMarks(row.parameters) + u')' +
+           (IsFunction(row) ? result : QString());
 }
 
 }  // namespace
 
 QString DeclarationText(const Model& model, int name) {
     const NameFact& fact = NameOf(model, name);
+    const QString text = TextOfName(model, name);
     if (fact.isBuiltIn) {
-        return BuiltInText(model, name);
+        const BuiltInRow* const row = BuiltInRowOf(text);
+        return row == nullptr ? text : BuiltInText(*row);
     }
     switch (fact.kind) {
         case NameKind::Variable:
             return VariableText(model, name);
         case NameKind::Label:
-            return TextOfName(model, name) + u':';
+            return text + u':';
         default:
             return DefinitionText(model, name);
     }
@@ -137,10 +138,9 @@ QString KindText(NameKind kind) {
                                              : QStringLiteral("program");
 }
 
-QString BuiltInRole(const Model& model, int name) {
-    const BuiltInRow* const row = BuiltInRowOf(TextOfName(model, name));
-    return QStringLiteral("Built-in %1: %2")
-        .arg(KindText(NameOf(model, name).kind), row == nullptr ? QString() : row->text);
+QString BuiltInRole(const BuiltInRow& row) {
+    const NameKind kind = IsFunction(row) ? NameKind::Function : NameKind::FunctionBlock;
+    return QStringLiteral("Built-in %1: %2").arg(KindText(kind), row.text);
 }
 
 Span PieceOf(const Model& model, int name) {
@@ -165,7 +165,8 @@ QString UnitTitle(const Model& model, int unit) {
 QString RoleText(const Model& model, int name) {
     const NameFact& fact = NameOf(model, name);
     if (fact.isBuiltIn) {
-        return BuiltInRole(model, name);
+        const BuiltInRow* const row = BuiltInRowOf(TextOfName(model, name));
+        return row == nullptr ? QString() : BuiltInRole(*row);
     }
     switch (fact.kind) {
         case NameKind::Variable:
@@ -184,4 +185,8 @@ QString NameText(const Model& model, int name) {
                          isDeclared ? RemarksOn(model, PieceOf(model, name)) : QString()};
     parts.removeAll(QString());
     return parts.join(QStringLiteral("\n\n"));
+}
+
+QString NameText(const BuiltInRow& row) {
+    return QStringLiteral("```st\n%1\n```\n\n%2").arg(BuiltInText(row), BuiltInRole(row));
 }

@@ -1,6 +1,7 @@
 // What the declaration of a name says.
 #pragma once
 
+#include "explain/words.h"
 #include "language/names.h"
 
 // The declaration of a name as it is written, in one line or, for a definition, with its
@@ -12,6 +13,7 @@ QString RoleText(const Model& model, int name);
 
 // Both, and the comments on the declaration, in Markdown.
 QString NameText(const Model& model, int name);
+QString NameText(const BuiltInRow& row);
 
 // A unit by its kind and name: "program `Tank`".
 QString UnitTitle(const Model& model, int unit);

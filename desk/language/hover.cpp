@@ -36,6 +36,10 @@ QString TextOfToken(const Model& model, int token) {
     if (operation != nullptr) {
         return OperationText(model, *operation);
     }
+    // The compiler has not come to each call of a script with an error.
+    if (const BuiltInRow* const row = BuiltInRowOf(tokens.text(token))) {
+        return NameText(*row);
+    }
     return tokens.typeNamed(token) != TYP_NONE ? TypeText(model, token) : CodeText(model, token);
 }
 

@@ -1,6 +1,7 @@
 #include "language/opening.h"
 
 #include "check/file_check.h"
+#include "check/tokens.h"
 #include "facts/pool.h"
 #include "language/names.h"
 
@@ -54,6 +55,53 @@ Source SourceBefore(const Model& model, int offset) {
     return Source(model.source.name(), rest.append(text.midRef(done, offset - done)));
 }
 
+// The index of the first token of the piece of a statement that the place is in.
+int BeginOfPiece(const Tokens& tokens, int offset) {
+    int index = tokens.at(offset);
+    while (index > 0 && !IsBoundary(tokens.code(index - 1)) &&
+           !tokens.isOneOf(index - 1, {TOKEN_SEMICOLON, TOKEN_THEN, TOKEN_DO, TOKEN_OF})) {
+        --index;
+    }
+    return index;
+}
+
+// What stands before the statements of the unit that the place is in, empty outside of them.
+QString TextBeforeStatements(const Model& model, const Tokens& tokens, int offset) {
+    int index = tokens.at(offset) - 1;
+    while (index >= 0 && !IsUnitBegin(tokens.code(index)) && !tokens.is(index, TOKEN_END_VAR)) {
+        --index;
+    }
+    return tokens.is(index, TOKEN_END_VAR) ? model.source.text().left(tokens.span(index).end)
+                                           : QString();
+}
+
+// The text between two places; a statement that begins with a name and is not written to its
+// end is taken for an assignment to it.
+QString PieceAsAssignment(const Tokens& tokens, int offset) {
+    const int first = BeginOfPiece(tokens, offset);
+    const bool isName = tokens.is(first, TOKEN_IDENTIFIER) && tokens.span(first).end < offset;
+    return isName ? tokens.text(first).toString() + QStringLiteral(" := ") : QString();
+}
+
+// What a place is read after where the compiler does not come to it by the whole text: without
+// the statements before it, and with the piece that it is in as an assignment.
+std::vector<QString> OtherTextsBefore(const Model& model, int offset) {
+    const Tokens tokens(model.source, model.facts);
+    const int begin = std::min(tokens.span(BeginOfPiece(tokens, offset)).begin, offset);
+    const QString piece = model.source.text().mid(begin, offset - begin);
+    const QString assignment = PieceAsAssignment(tokens, offset);
+    const QString head = TextBeforeStatements(model, tokens, offset);
+    std::vector<QString> texts;
+    if (!assignment.isEmpty()) {
+        texts.push_back(SourceBefore(model, begin).text() + assignment);
+    }
+    if (!head.isEmpty()) {
+        texts.push_back(head + u'\n' + piece);
+        texts.push_back(head + u'\n' + assignment);
+    }
+    return texts;
+}
+
 // ---------------------------------------------------------------------------------------------
 // What was read
 // ---------------------------------------------------------------------------------------------
@@ -80,6 +128,23 @@ Facts FactsBefore(int end, Facts facts) {
     return facts;
 }
 
+// Whether the error is about the name before the end: one that means nothing is told at what
+// follows it.
+bool IsAboutNameBefore(int end, const Facts& facts) {
+    const auto after =
+        std::find_if(facts.tokens.begin(), facts.tokens.end(),
+                     [end](const TokenFact& token) { return token.span.begin >= end; });
+    if (after == facts.tokens.begin() || !facts.error.expected.empty() ||
+        facts.open.statement == NONE) {
+        return false;
+    }
+    const TokenFact& last = *std::prev(after);
+    return last.code == TOKEN_IDENTIFIER &&
+           std::none_of(facts.uses.begin(), facts.uses.end(), [&last](const UseFact& use) {
+               return use.span.begin == last.span.begin;
+           });
+}
+
 // The errors before the end are passed as in a check of the script.
 std::optional<Opening> OpeningAtEnd(const Source& source) {
     FileCheck check(Source(source.name(), source.text() + NO_TOKEN), MOST_ERRORS);
@@ -89,8 +154,9 @@ std::optional<Opening> OpeningAtEnd(const Source& source) {
         if (!facts || facts->isCompiled() || facts->open.inComment) {
             return std::nullopt;
         }
-        if (check.edits().originalBegin(facts->error.token.begin) >= source.size()) {
-            const QString text = check.next().text().chopped(NO_TOKEN.size());
+        const QString text = check.next().text().chopped(NO_TOKEN.size());
+        if (check.edits().originalBegin(facts->error.token.begin) >= source.size() &&
+            !IsAboutNameBefore(text.size(), *facts)) {
             return Opening{Source(source.name(), text), FactsBefore(text.size(), *facts),
                            NamesPutIn(source, check, *facts)};
         }
@@ -110,6 +176,47 @@ bool IsOnNewLine(const Opening& opening) {
     return last != opening.facts.tokens.rend() && text.midRef(last->span.end).contains(u'\n');
 }
 
+bool EndsPiece(Token code) {
+    return IsBoundary(code) || code == TOKEN_SEMICOLON || code == TOKEN_THEN ||
+           code == TOKEN_DO || code == TOKEN_OF || code == TOKEN_COLON;
+}
+
+bool IsAfterStatement(const Model& model, int offset) {
+    const Tokens tokens(model.source, model.facts);
+    return tokens.is(tokens.at(offset) - 1, TOKEN_SEMICOLON);
+}
+
+// Whether the head of a statement is read where the script has another statement after it.
+bool IsInOtherHead(const Model& model, int offset, const Opening& opening) {
+    const Tokens tokens(opening.before, opening.facts);
+    return IsAfterStatement(model, offset) &&
+           !EndsPiece(tokens.code(tokens.at(opening.before.size()) - 1));
+}
+
+// What ends the statement or the head before the place, if it was forgotten. The lines of a
+// condition may be many: a head has ended where a statement stands between it and the place.
+QString MissingBefore(const Model& model, int offset, const Opening& opening) {
+    if (opening.expects(TOKEN_SEMICOLON)) {
+        return IsOnNewLine(opening) ? QStringLiteral(";") : QString();
+    }
+    for (const Token word : {TOKEN_THEN, TOKEN_DO}) {
+        if (opening.expects(word) && IsAfterStatement(model, offset)) {
+            return u' ' + QString(TokensTable[Lookup(word)].text);
+        }
+    }
+    return {};
+}
+
+std::optional<Opening> OtherOpeningAt(const Model& model, int offset) {
+    for (const QString& text : OtherTextsBefore(model, offset)) {
+        std::optional<Opening> opening = OpeningAtEnd(Source(model.source.name(), text));
+        if (opening) {
+            return opening;
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 bool Opening::expects(Token code) const {
@@ -124,11 +231,13 @@ Token Opening::statement() const {
 }
 
 std::optional<Opening> OpeningAt(const Model& model, int offset) {
-    std::optional<Opening> opening = OpeningAtEnd(SourceBefore(model, offset));
-    if (!opening || !opening->expects(TOKEN_SEMICOLON) || !IsOnNewLine(*opening)) {
-        return opening;
+    const std::optional<Opening> opening = OpeningAtEnd(SourceBefore(model, offset));
+    const QString missing = opening ? MissingBefore(model, offset, *opening) : QString();
+    if (!missing.isEmpty()) {
+        return OpeningAtEnd(Source(model.source.name(), opening->before.text() + missing));
     }
-    return OpeningAtEnd(Source(model.source.name(), opening->before.text() + u';'));
+    return opening && !IsInOtherHead(model, offset, *opening) ? opening
+                                                              : OtherOpeningAt(model, offset);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -27,6 +27,16 @@ bool IsDefinedBefore(const Source& source, const Callee& callee, int offset) {
            source.text(callee.span).compare(callee.name, Qt::CaseInsensitive) == 0;
 }
 
+// The nearest call; parentheses that only group are passed.
+std::optional<CallPlace> InnermostCall(const Context& context, int index) {
+    std::optional<CallPlace> call = CallAround(context, index);
+    while (!call && index != NONE) {
+        index = OpeningBefore(context, index);
+        call = index == NONE ? std::nullopt : CallAround(context, index);
+    }
+    return call;
+}
+
 }  // namespace
 
 QStringList NamesOfFormals(const Callee& callee) {
@@ -62,7 +72,7 @@ std::optional<Signature> SignatureAt(const Model& model, int offset) {
         return std::nullopt;
     }
     const Context context = ContextOf(model.source, model.facts);
-    const std::optional<CallPlace> place = CallAround(context, IndexOf(context, offset));
+    const std::optional<CallPlace> place = InnermostCall(context, IndexOf(context, offset));
     if (!place) {
         return std::nullopt;
     }

@@ -182,7 +182,7 @@ void LanguageServer::initialized(const QJsonObject&) {
     askForSettings();
 }
 
-// Settings are those of the section, whether the client sends that or all.
+// A client sends its settings by section, or none where it is to be asked for them.
 void LanguageServer::changeSettings(const QJsonObject& params) {
     const QJsonObject all = params[QStringLiteral("settings")].toObject();
     if (all[SETTINGS_SECTION].isObject()) {

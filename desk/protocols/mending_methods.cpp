@@ -1,12 +1,15 @@
 #include "protocols/mending_methods.h"
 
+#include "format/layout.h"
 #include "language/fixes.h"
+#include "language/formatting.h"
 #include "protocols/workspace_edit.h"
 
 namespace {
 
 const QString QUICK_FIX = QStringLiteral("quickfix");
 const QString FIX_ALL = QStringLiteral("source.fixAll");
+const QString FORMAT = QStringLiteral("source.format");
 
 QJsonArray AskedKinds(const QJsonObject& params) {
     return params[QStringLiteral("context")].toObject()[QStringLiteral("only")].toArray();
@@ -67,6 +70,16 @@ void AddFixAll(const Script& script, QJsonArray& actions) {
     }
 }
 
+void AddFormat(const Script& script, QJsonArray& actions) {
+    const Formatting formatting = FormattingOf(script.source(), DEFAULT_INDENT);
+    if (!formatting.edits.empty()) {
+        actions.append(QJsonObject{{QStringLiteral("title"), QStringLiteral("Format")},
+                                   {QStringLiteral("kind"), FORMAT},
+                                   {QStringLiteral("edit"),
+                                    WorkspaceEdit(script, TextEdits(script, formatting.edits))}});
+    }
+}
+
 }  // namespace
 
 QJsonValue CodeActionMethod(const Script& script, const QJsonObject& params) {
@@ -78,9 +91,13 @@ QJsonValue CodeActionMethod(const Script& script, const QJsonObject& params) {
     if (IsNamed(FIX_ALL, asked)) {
         AddFixAll(script, actions);
     }
+    if (IsNamed(FORMAT, asked)) {
+        AddFormat(script, actions);
+    }
     return actions;
 }
 
 QJsonValue CodeActionOptions() {
-    return QJsonObject{{QStringLiteral("codeActionKinds"), QJsonArray{QUICK_FIX, FIX_ALL}}};
+    return QJsonObject{
+        {QStringLiteral("codeActionKinds"), QJsonArray{QUICK_FIX, FIX_ALL, FORMAT}}};
 }

@@ -6,12 +6,19 @@
 #include "language/selection.h"
 #include "language/semantics.h"
 #include "language/signature.h"
+#include "protocols/markup.h"
 
 #include <QJsonArray>
 
 #include <algorithm>
 
 namespace {
+
+// Where a client tells what it takes.
+const QStringList COMPLETION_ITEM = {QStringLiteral("textDocument"), QStringLiteral("completion"),
+                                     QStringLiteral("completionItem")};
+const QStringList SIGNATURE = {QStringLiteral("textDocument"), QStringLiteral("signatureHelp"),
+                               QStringLiteral("signatureInformation")};
 
 int OffsetOf(const Script& script, const QJsonObject& params) {
     return script.lines.offsetOf(params[QStringLiteral("position")].toObject());
@@ -83,25 +90,23 @@ QJsonObject ItemOf(const Script& script, const Proposal& proposal, Span word, bo
     return item;
 }
 
-// What the manual says of a built-in.
-void AddDocumentation(const QString& name, QJsonObject& object) {
+// What the manual says of a built-in, in a format that the client names at the end of the path.
+void AddDocumentation(const Script& script, const QStringList& path, const QString& name,
+                      QJsonObject& object) {
     if (const BuiltInRow* const row = BuiltInRowOf(name)) {
-        object[QStringLiteral("documentation")] =
-            QJsonObject{{QStringLiteral("kind"), QStringLiteral("markdown")},
-                        {QStringLiteral("value"), row->text}};
+        object[QStringLiteral("documentation")] = MarkupOf(
+            script, path + QStringList{QStringLiteral("documentationFormat")}, row->text);
     }
 }
 
 // A call has its parentheses already where one comes next.
 bool IsBeforeParenthesis(const Script& script, Span word) {
-    return script.source().text().midRef(word.end).startsWith(u'(');
+    return script.source().text().midRef(word.end).trimmed().startsWith(u'(');
 }
 
-// {"textDocument": {"completion": {"completionItem": {"snippetSupport": true}}}}
 bool TakesSnippets(const Script& script) {
     QJsonValue value = script.client;
-    for (const QLatin1String member : {QLatin1String("textDocument"), QLatin1String("completion"),
-                                       QLatin1String("completionItem")}) {
+    for (const QString& member : COMPLETION_ITEM) {
         value = value[member];
     }
     return value[QLatin1String("snippetSupport")].toBool();
@@ -121,7 +126,7 @@ QJsonValue CompletionMethod(const Script& script, const QJsonObject& params) {
         }
         const bool hasGaps = !proposal.snippet.isEmpty() && takesSnippets;
         QJsonObject item = ItemOf(script, proposal, found.word, hasGaps && !isCalled);
-        AddDocumentation(proposal.name, item);
+        AddDocumentation(script, COMPLETION_ITEM, proposal.name, item);
         items.append(item);
     }
     return items;
@@ -142,7 +147,7 @@ QJsonObject ParameterOf(Span span) {
     return {{QStringLiteral("label"), QJsonArray{span.begin, span.end}}};
 }
 
-QJsonObject InformationOf(const Callee& callee) {
+QJsonObject InformationOf(const Script& script, const Callee& callee) {
     const SignatureText text = SignatureOf(callee);
     QJsonArray parameters;
     for (const Span& span : text.parameters) {
@@ -150,7 +155,7 @@ QJsonObject InformationOf(const Callee& callee) {
     }
     QJsonObject information = {{QStringLiteral("label"), text.label},
                                {QStringLiteral("parameters"), parameters}};
-    AddDocumentation(callee.name, information);
+    AddDocumentation(script, SIGNATURE, callee.name, information);
     return information;
 }
 
@@ -163,7 +168,7 @@ QJsonValue SignatureHelpMethod(const Script& script, const QJsonObject& params) 
         return QJsonValue::Null;
     }
     return QJsonObject{
-        {QStringLiteral("signatures"), QJsonArray{InformationOf(signature->callee)}},
+        {QStringLiteral("signatures"), QJsonArray{InformationOf(script, signature->callee)}},
         {QStringLiteral("activeSignature"), 0},
         {QStringLiteral("activeParameter"), signature->parameter}};
 }

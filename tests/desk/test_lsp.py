@@ -475,6 +475,112 @@ class Compiles(unittest.TestCase):
             self.assert_lives(client)
 
 
+class WhileItIsWritten(unittest.TestCase):
+    """Answers in the midst of a statement that is not whole yet; "|" is where the cursor stands."""
+
+    HEAD = """\
+FUNCTION Mean : REAL
+VAR_ARG
+    one : REAL;
+    other : REAL;
+END_VAR
+    RESULT := (one + other) / 2;
+END_FUNCTION
+PROGRAM P
+VAR
+    level : REAL := 0.0;
+    n : INT := 0;
+    b : BOOL := FALSE;
+END_VAR
+"""
+
+    def ask(self, method, text, capabilities=None):
+        before, _, after = (self.HEAD + text).partition("|")
+        place = before.count("\n"), len(before) - before.rfind("\n") - 1
+        with Client(capabilities=capabilities or {}) as client:
+            client.open(before + after)
+            return client.request(f"textDocument/{method}", client.at(*place))
+
+    def proposed(self, text):
+        return {item["label"] for item in self.ask("completion", text)}
+
+    def test_names_are_proposed_in_values(self):
+        for text in ("level = le|", "level = le|;", "level == le|;", "level + le|;", "Mean(le|",
+                     "IF b THEN level = le|", "FOR n :=\nlevel := 1.0;\nlevel := le|",
+                     "FOR\nlevel := 1.0;\nlevel := le|;"):  # fmt: skip
+            for end in ("", "\nEND_PROGRAM\n"):
+                with self.subTest(text=text, end=end):
+                    proposed = self.proposed(text + end)
+                    self.assertTrue({"level", "sin", "Mean"} <= proposed, proposed)
+                    self.assertNotIn("IF", proposed)
+
+    def test_statements_are_proposed_after_heads_without_an_end(self):
+        for head in ("IF b", "IF unknown", "WHILE b", "WHILE unknown", "FOR n :=", "FOR i :="):
+            with self.subTest(head=head):
+                proposed = self.proposed(f"{head}\nn := 1;\nle|")
+                self.assertTrue({"level", "IF", "FOR"} <= proposed, proposed)
+
+    def test_a_condition_of_several_lines_goes_on(self):
+        proposed = self.proposed("IF b\nAN|")
+        self.assertIn("AND", proposed)
+        self.assertNotIn("level", proposed)
+
+    def test_parentheses_are_not_doubled(self):
+        (item,) = (item for item in self.ask("completion", "level := si|n (1.0);",
+                                             {"textDocument": {"completion": {"completionItem": {
+                                                 "snippetSupport": True}}}})
+                   if item["label"] == "sin")  # fmt: skip
+        self.assertEqual(item["textEdit"]["newText"], "sin")
+
+    def test_calls_around_parentheses_show_their_parameters(self):
+        for text, parameter in (("level := Mean((1 + |", 0), ("level := Mean(-(|", 0),
+                                ("level := Mean(1, (2 * |3));", 1)):  # fmt: skip
+            with self.subTest(text=text):
+                shown = self.ask("signatureHelp", text)
+                self.assertEqual(shown["signatures"][0]["label"],
+                                 "Mean(one : REAL, other : REAL) : REAL")  # fmt: skip
+                self.assertEqual(shown["activeParameter"], parameter)
+        self.assertIsNone(self.ask("signatureHelp", "level := (1 + |2);"))
+
+    def test_built_ins_are_explained_in_calls_that_are_not_right(self):
+        right = self.ask("hover", "level := s|in(1.0);")["contents"]
+        for text in ("level := s|in();", "level := s|in(", "level := s|in(TRUE);", "s|in;"):
+            with self.subTest(text=text):
+                self.assertEqual(self.ask("hover", text)["contents"], right)
+
+    def test_documentation_has_the_format_that_is_taken(self):
+        plain = {"documentationFormat": ["plaintext"]}
+        capabilities = {"textDocument": {"completion": {"completionItem": plain},
+                                         "signatureHelp": {"signatureInformation": plain}}}  # fmt: skip
+        items = self.ask("completion", "level := si|", capabilities)
+        signature = self.ask("signatureHelp", "level := sin(|", capabilities)["signatures"][0]
+        kinds = {each["documentation"]["kind"] for each in [*items, signature]
+                 if "documentation" in each}  # fmt: skip
+        self.assertEqual(kinds, {"plaintext"})
+
+
+class FormatAction(unittest.TestCase):
+    def actions(self, text, *only):
+        with Client(capabilities={}) as client:
+            client.open(text)
+            start = client.at(0, 0)
+            nowhere = {"start": start["position"], "end": start["position"]}
+            context = {"diagnostics": [], **({"only": list(only)} if only else {})}
+            return client.request("textDocument/codeAction",
+                                  {"textDocument": start["textDocument"], "range": nowhere,
+                                   "context": context})  # fmt: skip
+
+    def test_it_is_there_for_who_asks(self):
+        ugly = SCRIPT.replace("    ", "")
+        for only in ("source", "source.format"):
+            (action,) = (each for each in self.actions(ugly, only)
+                         if each["kind"] == "source.format")  # fmt: skip
+            self.assertEqual(action["title"], "Format")
+            self.assertTrue(action["edit"])
+        self.assertEqual(self.actions(ugly), [])
+        self.assertEqual(self.actions(ugly, "quickfix"), [])
+
+
 class Fuzzed(unittest.TestCase):
     SEEDS = range(150)
 
