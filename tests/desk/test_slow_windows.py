@@ -46,7 +46,7 @@ def are_installed(*programs):
 
 
 class WindowTestCase(unittest.TestCase):
-    """A home of its own, an editor in it, and the server with a log of what it says."""
+    """A home of its own, an editor in it, and the server with a log of what both say."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
@@ -57,7 +57,7 @@ class WindowTestCase(unittest.TestCase):
         self.log = self.home / "log"
         server = self.home / "bin" / "yxst"
         server.parent.mkdir()
-        server.write_text(f'#!/bin/sh\n"{DESK}" "$@" | tee -a "{self.log}"\n')
+        server.write_text(f'#!/bin/sh\ntee -a "{self.log}" | "{DESK}" "$@" | tee -a "{self.log}"\n')
         server.chmod(0o755)
         (self.home / "run").mkdir(mode=0o700)
 
@@ -189,9 +189,13 @@ class QtCreator(WindowTestCase):
     def test_it_jumps_to_the_declaration(self):
         self.start("qtcreator", "-noload", "Welcome", "-noload", "UpdateInfo", str(self.script))
         self.focus()
-        self.press("ctrl+Home", "Down", "Down", "Down", "Down", "F2")
-        wait_for(lambda: self.said('"uri":"file'))
-        time.sleep(2)
+
+        def is_asked():
+            self.press("ctrl+Home", "Down", "Down", "Down", "Down", "F2")
+            return self.said("textDocument/definition")
+
+        wait_for(is_asked)
+        time.sleep(2)  # for the jump
         self.xdotool("type", "new_")
         self.press_until("ctrl+s", expected=MARKED_AT_DECLARATION)
 
