@@ -7,6 +7,7 @@ import socket
 import unittest
 
 import stops
+from limits import IS_SANITIZED
 from preloads import needs_c_compiler, preload_for
 from support import VALID_SOURCE
 from workplace import (
@@ -245,6 +246,12 @@ class HaltedInTheMiddle(unittest.TestCase):
                 self.assertIn(status, stops.Stop(LARGE_SOURCE, 1, number).statuses())
                 strays = 1 if number == signal.SIGKILL else 0
                 self.assertEqual(place.faults(set(), strays), [])
+
+    @unittest.skipIf(IS_SANITIZED, "a sanitizer handles the signal itself")
+    def test_a_fault_elsewhere_is_no_want_of_stack(self):
+        with Workplace(LARGE_SOURCE) as place:
+            self.assertEqual(self.end(self.halted(place), signal.SIGSEGV), -signal.SIGSEGV)
+            self.assertEqual(place.faults(set()), [])
 
     def neighbour_ends_first(self, place, with_signal=signal.SIGCONT):
         """The status of a halted run, and the code of another that began and ended meanwhile."""
