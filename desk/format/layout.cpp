@@ -116,7 +116,7 @@ private:
     int expressionColumn_ = 0;     // where the expression began
     std::vector<int> brackets_;    // the columns after those that are open
 
-    // The token that the piece is or that follows it; comments are all followed by one.
+    // The token that the piece is or that follows it: the last piece is one.
     const LayoutPiece& nextToken() {
         nextToken_ = std::max(nextToken_, at_);
         while (pieces_[nextToken_].isComment) {
@@ -369,6 +369,17 @@ int BeginOfError(const Facts& facts) {
     return begin;
 }
 
+// Where the text goes on as it is. Comments that no token follows before the end stay as they
+// are, and with them the semicolons that end nothing.
+int BeginOfRest(const Facts& facts, const LayoutPieces& pieces, int end) {
+    const int last = pieces.empty() ? 0 : pieces.back().span.end;
+    const bool hasComments = std::any_of(
+        facts.comments.begin(), facts.comments.end(), [last, end](const CommentFact& comment) {
+            return comment.span.begin >= last && comment.span.begin < end;
+        });
+    return hasComments ? last : end;
+}
+
 }  // namespace
 
 int EndOfFormatted(const Facts& facts) {
@@ -389,7 +400,7 @@ QString Formatted(const Source& source, const Facts& facts, int indent) {
     Align(layout.lines);
     QString text = TextOf(layout);
     text.chop(text.isEmpty() ? 0 : 1);
-    text.append(source.text().midRef(end));
+    text.append(source.text().midRef(BeginOfRest(facts, pieces, end)));
     if (facts.isCompiled()) {
         EndWithLineFeed(text);
     }

@@ -312,6 +312,13 @@ void NoteLeaders(LayoutPieces& pieces) {
     }
 }
 
+// Those before a semicolon that is left out, where nothing follows.
+void DropLastComments(LayoutPieces& pieces) {
+    while (!pieces.empty() && pieces.back().isComment) {
+        pieces.pop_back();
+    }
+}
+
 }  // namespace
 
 LayoutPieces PiecesOf(const Source& source, const Facts& facts, int end) {
@@ -336,6 +343,7 @@ LayoutPieces PiecesOf(const Source& source, const Facts& facts, int end) {
             add(*piece);
         }
     }
+    DropLastComments(pieces);
     NoteLeaders(pieces);
     return pieces;
 }

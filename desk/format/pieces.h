@@ -45,6 +45,6 @@ struct LayoutPiece {
 
 using LayoutPieces = std::vector<LayoutPiece>;
 
-// The pieces up to an offset of the script. Semicolons that end nothing are left out. Texts are
-// pieces of the source and the facts, which must outlive them.
+// The pieces up to an offset of the script, of which the last is a token. Semicolons that end
+// nothing are left out. Texts are pieces of the source and the facts, which must outlive them.
 LayoutPieces PiecesOf(const Source& source, const Facts& facts, int end);

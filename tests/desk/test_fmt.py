@@ -294,6 +294,15 @@ class Errors(FolderTestCase):
             told = self.fmt(*arguments, input=WRONG, stdin=None)
             self.assertEqual(told, (FINE, HALF.decode(), f"tank.st:{WRONG_MESSAGE}"))
 
+    def test_a_comment_before_a_semicolon_that_ends_nothing(self):
+        rests = [" // one\n ;\n a = 2;", "\n // own\n ; (* two *) ;\n\n a = 2;"]
+        for rest in rests:
+            with self.subTest(rest):
+                wrong = UGLY.replace(b"a:=1;", b"a:=1;" + rest.encode())
+                half = SCRIPT.replace(b"    a := 1;", b"    a := 1;" + rest.encode())
+                status, shown, _ = self.fmt("--stdin-name=x", input=wrong, stdin=None)
+                self.assertEqual((status, shown), (FINE, half.decode()))
+
     def test_all_golden_errors_keep_their_rest(self):
         """Each script with an error, as an editor has it: what it says stays the same."""
         for case in [case for case in all_cases() if not case.should_succeed()][::12]:
