@@ -1,6 +1,10 @@
 #include "format/layout.h"
 
+#include "check/tokens.h"
+#include "facts/catalogue.h"
 #include "format/lines.h"
+
+#include "qyx_messages.h"
 
 #include <algorithm>
 
@@ -352,12 +356,40 @@ void EndWithLineFeed(QString& text) {
     text.append(u'\n');
 }
 
+// Whether another part of a statement that holds others may begin after the token.
+bool EndsPart(Token code) {
+    return IsOneOf(code, {TOKEN_SEMICOLON, TOKEN_COLON, TOKEN_THEN, TOKEN_ELSE, TOKEN_DO,
+                          TOKEN_REPEAT, TOKEN_OF});
+}
+
+// Where the part of the open statement begins that has the error. What is whole of one that holds
+// others stands before it.
+int BeginOfPart(const Facts& facts, int error) {
+    const StatementFact& open = facts.statements[static_cast<std::size_t>(facts.open.statement)];
+    int begin = open.span.begin;
+    if (!IsCompoundBegin(open.kind)) {
+        return begin;
+    }
+    for (const TokenFact& token : facts.tokens) {
+        const bool isWithin = token.span.begin >= begin && token.span.end <= error;
+        begin = isWithin && EndsPart(token.code) ? token.span.end : begin;
+    }
+    return begin;
+}
+
+// Where the script ends too early the compiler marks its last token, which is fine.
+int PlaceOfError(const Facts& facts) {
+    const MessageFact& error = facts.messages.back();
+    return error.constant == ConstantOf(TXT_UNEXPECTED_END_OF_INPUT_FILE)
+               ? facts.error.token.end
+               : std::min(facts.error.token.begin, error.place);
+}
+
 // Where the error begins, or the piece of the script that has it.
 int BeginOfError(const Facts& facts) {
-    int begin = std::min(facts.error.token.begin, facts.messages.back().place);
+    int begin = PlaceOfError(facts);
     if (facts.open.statement != NONE) {
-        begin = std::min(
-            begin, facts.statements[static_cast<std::size_t>(facts.open.statement)].span.begin);
+        begin = std::min(begin, BeginOfPart(facts, begin));
     }
     if (facts.open.declaration != NONE) {
         const auto index = static_cast<std::size_t>(facts.open.declaration);

@@ -88,6 +88,14 @@ TEST(Formatting, IsOfTheStatementThatEnds) {
     EXPECT_EQ(AfterTyping("a:=2;|\na := ;\n"), Program("    a := 2;\na := ;\n"));
 }
 
+TEST(Formatting, IsOfTheStatementThatEndsInAnOpenBlock) {
+    EXPECT_EQ(AfterTyping("IF a=1 THEN\na:=2;|"), Program("IF a=1 THEN\n        a := 2;"));
+    EXPECT_EQ(AfterTyping("FOR a:=1 TO 2 DO\na:=2;|\n"),
+              Program("FOR a:=1 TO 2 DO\n        a := 2;\n"));
+    EXPECT_EQ(AfterTyping("CASE a OF\n1:REPEAT\na:=2;|\nEND_PROGRAM\n"),
+              Program("CASE a OF\n1:REPEAT\n            a := 2;\nEND_PROGRAM\n"));
+}
+
 TEST(Formatting, IsOfTheDeclarationThatEnds) {
     const MarkedScript script =
         Marked(QStringLiteral("PROGRAM p\nVAR\na:INT;|\nEND_VAR\na:=1;\nEND_PROGRAM\n"));

@@ -303,6 +303,21 @@ class Errors(FolderTestCase):
                 status, shown, _ = self.fmt("--stdin-name=x", input=wrong, stdin=None)
                 self.assertEqual((status, shown), (FINE, half.decode()))
 
+    def test_a_block_that_is_not_ended_is_formatted_as_far_as_it_goes(self):
+        blocks = {
+            "if a=1 then\na:=2;": "    IF a = 1 THEN\n        a := 2;",
+            "if a=1 then\na:=2;elsif a:": "    IF a = 1 THEN\n        a := 2;elsif a:",
+            "case a of\n1 : a:=2;2": "    CASE a OF\n    1:  a := 2;2",
+            "repeat while a=1 do": "    REPEAT\n        WHILE a = 1 DO",
+            "if a=1 then\na=2;": "    IF a = 1 THEN\na=2;",
+        }
+        for block, expected in blocks.items():
+            with self.subTest(block):
+                begin, _, _ = UGLY.partition(b"a:=1;")
+                half = SCRIPT.partition(b"    a := 1;")[0].decode() + expected
+                told = self.fmt("--stdin-name=x", input=begin + block.encode(), stdin=None)
+                self.assertEqual(told[:2], (FINE, half))
+
     def test_all_golden_errors_keep_their_rest(self):
         """Each script with an error, as an editor has it: what it says stays the same."""
         for case in [case for case in all_cases() if not case.should_succeed()][::12]:
