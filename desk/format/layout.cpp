@@ -401,15 +401,16 @@ int BeginOfError(const Facts& facts) {
     return begin;
 }
 
-// Where the text goes on as it is. Comments that no token follows before the end stay as they
-// are, and with them the semicolons that end nothing.
-int BeginOfRest(const Facts& facts, const LayoutPieces& pieces, int end) {
+// Where the text goes on as it is. Semicolons that end nothing are the last that is left out, but
+// for those among which comments stand or which keep two words apart.
+int BeginOfRest(const Source& source, const LayoutPieces& pieces, int end) {
     const int last = pieces.empty() ? 0 : pieces.back().span.end;
-    const bool hasComments = std::any_of(
-        facts.comments.begin(), facts.comments.end(), [last, end](const CommentFact& comment) {
-            return comment.span.begin >= last && comment.span.begin < end;
-        });
-    return hasComments ? last : end;
+    const QStringView between = source.text({last, end});
+    const bool isPlain = std::all_of(between.begin(), between.end(), [](QChar each) {
+        return each == u';' || each.isSpace();
+    });
+    const bool isApart = end == source.size() || source.text().at(end).isSpace();
+    return isPlain && isApart ? end : last;
 }
 
 }  // namespace
@@ -432,7 +433,7 @@ QString Formatted(const Source& source, const Facts& facts, int indent) {
     Align(layout.lines);
     QString text = TextOf(layout);
     text.chop(text.isEmpty() ? 0 : 1);
-    text.append(source.text().midRef(BeginOfRest(facts, pieces, end)));
+    text.append(source.text().midRef(BeginOfRest(source, pieces, end)));
     if (facts.isCompiled()) {
         EndWithLineFeed(text);
     }

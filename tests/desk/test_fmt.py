@@ -295,13 +295,19 @@ class Errors(FolderTestCase):
             self.assertEqual(told, (FINE, HALF.decode(), f"tank.st:{WRONG_MESSAGE}"))
 
     def test_a_comment_before_a_semicolon_that_ends_nothing(self):
-        rests = [" // one\n ;\n a = 2;", "\n // own\n ; (* two *) ;\n\n a = 2;"]
-        for rest in rests:
+        for rest in (" // one\n ;\n a = 2;", "\n // own\n ; (* two *) ;\n\n a = 2;"):
             with self.subTest(rest):
-                wrong = UGLY.replace(b"a:=1;", b"a:=1;" + rest.encode())
-                half = SCRIPT.replace(b"    a := 1;", b"    a := 1;" + rest.encode())
-                status, shown, _ = self.fmt("--stdin-name=x", input=wrong, stdin=None)
-                self.assertEqual((status, shown), (FINE, half.decode()))
+                self.check_rest("a:=1;", "    a := 1;", rest)
+
+    def test_a_semicolon_between_words(self):
+        self.check_rest("END_VAR", "END_VAR", ";END_IF")
+
+    def check_rest(self, text, layout, rest):
+        """What stands before the rest is formatted, and the rest is as it was."""
+        begin, _, after = UGLY.decode().partition(text)
+        half = SCRIPT.decode().partition(layout)[0] + layout + rest + after
+        told = self.fmt("--stdin-name=x", input=(begin + text + rest + after).encode(), stdin=None)
+        self.assertEqual(told[:2], (FINE, half))
 
     def test_a_block_that_is_not_ended_is_formatted_as_far_as_it_goes(self):
         blocks = {
