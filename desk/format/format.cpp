@@ -59,7 +59,8 @@ ScriptContent ContentOf(const Source& source, const Facts& facts) {
     content.error = ErrorOf(facts);
     content.code = facts.codes;
     AddMarks(source, facts, content);
-    content.unread = QStringView(source.text()).mid(EndOfFormatted(facts)).trimmed().toString();
+    const int end = EndOfFormatted(source, facts);
+    content.unread = QStringView(source.text()).mid(end).trimmed().toString();
     return content;
 }
 

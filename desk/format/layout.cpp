@@ -377,6 +377,10 @@ int BeginOfPart(const Facts& facts, int error) {
     return begin;
 }
 
+bool IsBlankOrSemicolon(QChar character) {
+    return character == u';' || character.isSpace();
+}
+
 // Where the script ends too early the compiler marks its last token, which is fine.
 int PlaceOfError(const Facts& facts) {
     const MessageFact& error = facts.messages.back();
@@ -401,21 +405,31 @@ int BeginOfError(const Facts& facts) {
     return begin;
 }
 
+// Between statements the compiler takes semicolons that follow each other for one, the first.
+int EndOf(const Source& source, const TokenFact& token, int limit) {
+    int end = token.span.end;
+    int place = end;
+    while (token.code == TOKEN_SEMICOLON && place < limit &&
+           IsBlankOrSemicolon(source.text().at(place))) {
+        ++place;
+        end = source.text().at(place - 1) == u';' ? place : end;
+    }
+    return end;
+}
+
 // Where the text goes on as it is. Semicolons that end nothing are the last that is left out, but
 // for those among which comments stand or which keep two words apart.
 int BeginOfRest(const Source& source, const LayoutPieces& pieces, int end) {
     const int last = pieces.empty() ? 0 : pieces.back().span.end;
     const QStringView between = source.text({last, end});
-    const bool isPlain = std::all_of(between.begin(), between.end(), [](QChar each) {
-        return each == u';' || each.isSpace();
-    });
+    const bool isPlain = std::all_of(between.begin(), between.end(), IsBlankOrSemicolon);
     const bool isApart = end == source.size() || source.text().at(end).isSpace();
     return isPlain && isApart ? end : last;
 }
 
 }  // namespace
 
-int EndOfFormatted(const Facts& facts) {
+int EndOfFormatted(const Source& source, const Facts& facts) {
     if (facts.isCompiled()) {
         return facts.units.empty() ? 0 : facts.units.back().span.end;
     }
@@ -423,11 +437,11 @@ int EndOfFormatted(const Facts& facts) {
     const auto after =
         std::partition_point(facts.tokens.begin(), facts.tokens.end(),
                              [begin](const TokenFact& token) { return token.span.end <= begin; });
-    return after == facts.tokens.begin() ? 0 : std::prev(after)->span.end;
+    return after == facts.tokens.begin() ? 0 : EndOf(source, *std::prev(after), begin);
 }
 
 QString Formatted(const Source& source, const Facts& facts, int indent) {
-    const int end = EndOfFormatted(facts);
+    const int end = EndOfFormatted(source, facts);
     const LayoutPieces pieces = PiecesOf(source, facts, end);
     Layout layout = Writer(source, pieces, indent).layout();
     Align(layout.lines);

@@ -11,4 +11,4 @@ constexpr int DEFAULT_INDENT = 4;
 QString Formatted(const Source& source, const Facts& facts, int indent = DEFAULT_INDENT);
 
 // The offset up to which a script is formatted.
-int EndOfFormatted(const Facts& facts);
+int EndOfFormatted(const Source& source, const Facts& facts);

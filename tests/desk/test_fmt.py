@@ -302,6 +302,16 @@ class Errors(FolderTestCase):
     def test_a_semicolon_between_words(self):
         self.check_rest("END_VAR", "END_VAR", ";END_IF")
 
+    def test_semicolons_before_an_error_are_taken_out(self):
+        for rest in (" ;", "\n;", ";\n ; ;"):
+            with self.subTest(rest):
+                wrong = WRONG.replace(b"a:=1;", b"a:=1;" + rest.encode())
+                told = self.fmt("--stdin-name=x", input=wrong, stdin=None)
+                self.assertEqual(told[:2], (FINE, HALF.decode()))
+
+    def test_a_semicolon_that_is_the_error(self):
+        self.check_rest("a:INT;", "    a : INT;", ";")
+
     def check_rest(self, text, layout, rest):
         """What stands before the rest is formatted, and the rest is as it was."""
         begin, _, after = UGLY.decode().partition(text)
