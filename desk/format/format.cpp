@@ -44,6 +44,11 @@ void AddMarks(const Source& source, const Facts& facts, ScriptContent& content) 
     addCommentsBefore(source.text().size());
 }
 
+// An error may name a word, whose letters formatting makes capitals.
+bool IsSameError(const QString& one, const QString& other) {
+    return one.compare(other, Qt::CaseInsensitive) == 0;
+}
+
 // Names may have other capitals; the code tells whether they may.
 bool HaveSameMarks(const ScriptContent& one, const ScriptContent& other) {
     return one.comments == other.comments && one.unread == other.unread &&
@@ -67,7 +72,7 @@ ScriptContent ContentOf(const Source& source, const Facts& facts) {
 QString FaultOfFormatted(const ScriptContent& before, const Source& after,
                          const Facts& factsAfter, const FormatOptions& options) {
     const ScriptContent content = ContentOf(after, factsAfter);
-    if (before.error != content.error || before.code != content.code) {
+    if (!IsSameError(before.error, content.error) || before.code != content.code) {
         return QStringLiteral("formatting would change the code");
     }
     if (!HaveSameMarks(before, content)) {

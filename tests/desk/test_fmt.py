@@ -334,6 +334,13 @@ class Errors(FolderTestCase):
                 told = self.fmt("--stdin-name=x", input=begin + block.encode(), stdin=None)
                 self.assertEqual(told[:2], (FINE, half))
 
+    def test_an_error_that_names_a_word_with_small_letters(self):
+        wrong = UGLY.replace(b"\nVAR\na", b"\nvar\nCONSTANT 1")
+        told = self.fmt("--stdin-name=x", input=wrong, stdin=None)
+        half = wrong.replace(b"var", b"VAR").decode()
+        message = 'x:3:10: error: Identifier expected but "var" found [expected-but]\n'
+        self.assertEqual(told, (FINE, half, message))
+
     def test_all_golden_errors_keep_their_rest(self):
         """Each script with an error, as an editor has it: what it says stays the same."""
         for case in [case for case in all_cases() if not case.should_succeed()][::12]:
