@@ -2,6 +2,7 @@
 
 #include "facts/input.h"
 #include "facts/pool.h"
+#include "format/line_ends.h"
 
 #include "qyx_files.h"
 
@@ -18,35 +19,26 @@ namespace {
 // ---------------------------------------------------------------------------------------------
 
 constexpr const char* BYTE_ORDER_MARK = "\xEF\xBB\xBF";
-constexpr const char* CRLF = "\r\n";
-
 InputBytes BytesOf(const QString& path) {
     const bool isReadable = path == QLatin1String(STANDARD_INPUT) || !QFileInfo(path).exists() ||
                             QFileInfo(path).isFile();
     return isReadable ? ReadInputBytes(path) : InputBytes{std::nullopt, ReadInput(path).failure};
 }
 
-bool EndsLinesWithCr(const QByteArray& bytes) {
-    const int feed = bytes.indexOf('\n');
-    return feed > 0 && bytes[feed - 1] == '\r';
-}
-
 // The text in the form of the file: its byte order mark, the end of its first line.
 QByteArray BytesLike(const QByteArray& bytes, const QString& text) {
-    QByteArray result = text.toUtf8();
-    if (EndsLinesWithCr(bytes)) {
-        result.replace('\n', CRLF);
-    }
+    const QByteArray result = LineEndsOf(bytes).applied(text).toUtf8();
     return bytes.startsWith(BYTE_ORDER_MARK) ? BYTE_ORDER_MARK + result : result;
 }
 
-// Why these bytes would not be the same again. Carriage returns are dropped where they are read.
+// Why these bytes would not be the same again.
 QString FaultOfBytes(const QByteArray& bytes, const QString& text) {
-    QByteArray plain = bytes;
-    plain.replace(CRLF, "\n");
-    if (plain.contains('\r')) {
-        return QStringLiteral("a carriage return stands within a line");
+    const QString fault = LineEndsOf(bytes).fault();
+    if (!fault.isEmpty()) {
+        return fault;
     }
+    QByteArray plain = bytes;
+    plain.replace("\r\n", "\n");
     const QByteArray again = text.toUtf8();
     return plain == again || plain == BYTE_ORDER_MARK + again ? QString()
                                                               : QStringLiteral("is not in UTF-8");

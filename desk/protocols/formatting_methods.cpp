@@ -15,9 +15,18 @@ int IndentOf(const QJsonObject& params) {
     return std::clamp(options[QStringLiteral("tabSize")].toInt(DEFAULT_INDENT), 1, most);
 }
 
+// Line ends that the compiler does not see would get lost.
+void RefuseLoneReturns(const Script& script) {
+    const QString fault = script.lines.ends().fault();
+    if (!fault.isEmpty()) {
+        throw RequestFailed{fault};
+    }
+}
+
 }  // namespace
 
 QJsonValue FormattingMethod(const Script& script, const QJsonObject& params) {
+    RefuseLoneReturns(script);
     const Formatting formatting = FormattingOf(script.source(), IndentOf(params));
     if (!formatting.reason.isEmpty()) {
         throw RequestFailed{formatting.reason};
@@ -26,11 +35,15 @@ QJsonValue FormattingMethod(const Script& script, const QJsonObject& params) {
 }
 
 QJsonValue RangeFormattingMethod(const Script& script, const QJsonObject& params) {
+    RefuseLoneReturns(script);
     const Span range = script.lines.spanOf(params[QStringLiteral("range")].toObject());
     return TextEdits(script, FormattingIn(script.source(), range, IndentOf(params)));
 }
 
 QJsonValue OnTypeFormattingMethod(const Script& script, const QJsonObject& params) {
+    if (!script.lines.ends().fault().isEmpty()) {
+        return QJsonArray();
+    }
     const int offset = script.lines.offsetOf(params[QStringLiteral("position")].toObject());
     return TextEdits(script, FormattingOfEnded(script.source(), offset, IndentOf(params)));
 }

@@ -5,11 +5,11 @@
 
 #include <QJsonValue>
 
-// It throws RequestFailed where the script cannot be formatted.
+// They throw RequestFailed where the script cannot be formatted.
 QJsonValue FormattingMethod(const Script& script, const QJsonObject& params);
 QJsonValue RangeFormattingMethod(const Script& script, const QJsonObject& params);
 
-// After a `;` was typed.
+// After a `;` was typed; without edits where the script cannot be formatted.
 QJsonValue OnTypeFormattingMethod(const Script& script, const QJsonObject& params);
 
 QJsonValue OnTypeFormattingOptions();

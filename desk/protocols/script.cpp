@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-LspLines::LspLines(const QString& text) {
+LspLines::LspLines(const QString& text) : ends_(LineEndsOf(text)) {
     int begin = 0;
     int returns = 0;  // before the place
     for (int place = 0; place < text.size(); ++place) {

@@ -3,6 +3,7 @@
 // alone, and drops every CR before it reads.
 #pragma once
 
+#include "format/line_ends.h"
 #include "language/model.h"
 
 #include <QJsonObject>
@@ -13,6 +14,8 @@ class LspLines {
 public:
     // The text may have CRs.
     explicit LspLines(const QString& text);
+
+    const LineEnds& ends() const { return ends_; }
 
     // The position of an offset from 0 to the size of the text.
     QJsonObject positionOf(int offset) const;
@@ -29,6 +32,7 @@ private:
         int end;  // without the characters that end it
     };
     std::vector<Line> lines_;
+    LineEnds ends_;
 };
 
 // The text without any CR, as the compiler reads it.

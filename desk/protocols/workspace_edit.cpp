@@ -1,10 +1,11 @@
 #include "protocols/workspace_edit.h"
 
 QJsonArray TextEdits(const Script& script, const std::vector<Edit>& edits) {
+    const LineEnds& ends = script.lines.ends();
     QJsonArray array;
     for (const Edit& edit : edits) {
         array.append(QJsonObject{{QStringLiteral("range"), script.lines.rangeOf(edit.span)},
-                                 {QStringLiteral("newText"), edit.text}});
+                                 {QStringLiteral("newText"), ends.applied(edit.text)}});
     }
     return array;
 }

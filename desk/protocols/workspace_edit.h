@@ -5,7 +5,8 @@
 
 #include <QJsonArray>
 
-// "TextEdit[]" of edits in the order of the script, none within another.
+// "TextEdit[]" of edits in the order of the script, none within another. Their lines end as those
+// of the script.
 QJsonArray TextEdits(const Script& script, const std::vector<Edit>& edits);
 
 // "WorkspaceEdit" of the same, with the version of the script for clients that look at it.

@@ -2,6 +2,7 @@
 
 #include "marked_script.h"
 #include "print_text.h"
+#include "protocols/editor_text.h"
 #include "protocols/formatting_methods.h"
 #include "protocols/methods.h"
 
@@ -21,6 +22,19 @@ QString Applied(const Script& script, const QJsonValue& answer) {
                      edits[index][QStringLiteral("newText")].toString());
     }
     return text;
+}
+
+// The text after the edits that are made for it, as an editor makes them.
+QString InEditor(const QString& text, QJsonValue method(const Script&, const QJsonObject&),
+                 const QJsonObject& params = {}) {
+    EditorText edited(text);
+    const QJsonArray edits = method(OpenScript(text), params).toArray();
+    for (int index = edits.size() - 1; index >= 0; --index) {
+        const QJsonObject edit = edits[index].toObject();
+        edited.change({{QStringLiteral("range"), edit[QStringLiteral("range")]},
+                       {QStringLiteral("text"), edit[QStringLiteral("newText")]}});
+    }
+    return edited.text();
 }
 
 QJsonObject RangeOf(const Script& script, const QString& piece) {
@@ -73,6 +87,41 @@ TEST(Formatting, LeavesEmptyLinesOutsideOfTheRange) {
     EXPECT_EQ(
         Applied(script, RangeFormattingMethod(script, RangeOf(script, QStringLiteral("a:=2;")))),
         Program("a:=1;\n\n\n    a := 2;\nEND_PROGRAM\n"));
+}
+
+// ---------------------------------------------------------------------------------------------
+// The ends of lines
+// ---------------------------------------------------------------------------------------------
+
+const char* const SHORT = "PROGRAM p\nVAR\na:INT;\nEND_VAR\na:=1;a:=2;\nEND_PROGRAM\n";
+
+QString WithEnds(const char* text, const char* end) {
+    return QString::fromLatin1(text).replace(QLatin1Char('\n'), QLatin1String(end));
+}
+
+TEST(FormattingOfLineEnds, AreThoseOfTheFirstLine) {
+    const char* const formatted = "PROGRAM p\nVAR\n    a : INT;\nEND_VAR\n    a := 1;\n    a := 2;"
+                                  "\nEND_PROGRAM\n";
+    EXPECT_EQ(InEditor(WithEnds(SHORT, "\r\n"), FormattingMethod), WithEnds(formatted, "\r\n"));
+    const QString mixed = WithEnds(SHORT, "\r\n").replace(QStringLiteral("p\r"), QStringLiteral("p"));
+    EXPECT_EQ(InEditor(mixed, FormattingMethod),
+              "PROGRAM p\nVAR\r\n    a : INT;\nEND_VAR\r\n    a := 1;\n    a := 2;\nEND_PROGRAM\r\n");
+}
+
+TEST(FormattingOfLineEnds, OfCrAloneAreRefused) {
+    const char* const reason = "a carriage return stands within a line";
+    const Script script = OpenScript(WithEnds(SHORT, "\r"));
+    const QJsonObject range = RangeOf(script, script.source().text());
+    for (const auto method : {FormattingMethod, RangeFormattingMethod}) {
+        try {
+            method(script, range);
+            ADD_FAILURE();
+        } catch (const RequestFailed& failed) {
+            EXPECT_EQ(failed.why, reason);
+        }
+    }
+    const MarkedScript typed = Marked(QStringLiteral("PROGRAM p\rVAR\ra:INT;|\rEND_VAR\r"));
+    EXPECT_EQ(OnTypeFormattingMethod(typed.script, typed.params()), QJsonArray());
 }
 
 QString AfterTyping(const char* statements) {
