@@ -91,10 +91,12 @@ private:
     }
 };
 
-// From the begin of the first line to the end of the last.
+// From the begin of the first line to the end of the last, of which some lies in the range: one
+// that ends at the begin of a line has nothing of that.
 Span LinesOf(const Source& source, Span range) {
+    const int last = std::max(range.begin, range.end - 1);
     return {source.lineAt(source.placeOf(range.begin).line).begin,
-            source.lineAt(source.placeOf(range.end).line).end};
+            source.lineAt(source.placeOf(last).line).end};
 }
 
 std::vector<Edit> FormattingIn(const Source& source, const Facts& facts, Span range, int indent) {

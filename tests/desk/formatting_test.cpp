@@ -82,6 +82,26 @@ TEST(Formatting, IsOfARange) {
         Program("a:=1;\n    a := 2;\na:=3;\nEND_PROGRAM\n"));
 }
 
+TEST(Formatting, EndsBeforeALineOfWhichNothingIsSelected) {
+    const QString text = Program("a:=1;\na:=2;\na:=3;\nEND_PROGRAM\n");
+    const auto formatted = [&text](const QString& piece) {
+        return InEditor(text, RangeFormattingMethod, RangeOf(OpenScript(text), piece));
+    };
+    EXPECT_EQ(formatted(QStringLiteral("a:=2;\n")),
+              Program("a:=1;\n    a := 2;\na:=3;\nEND_PROGRAM\n"));
+    EXPECT_EQ(formatted(QStringLiteral("p\nVAR\n")), text);
+}
+
+TEST(Formatting, OfAnEmptyRangeIsOfItsLine) {
+    const QString text = Program("a:=1;\na:=2;\nEND_PROGRAM\n");
+    const Script script = OpenScript(text);
+    const int begin = text.indexOf(QStringLiteral("a:=2"));
+    const QJsonObject params = {
+        {QStringLiteral("range"), script.lines.rangeOf({begin, begin})}};
+    EXPECT_EQ(InEditor(text, RangeFormattingMethod, params),
+              Program("a:=1;\n    a := 2;\nEND_PROGRAM\n"));
+}
+
 TEST(Formatting, LeavesEmptyLinesOutsideOfTheRange) {
     const Script script = OpenScript(Program("a:=1;\n\n\na:=2;\nEND_PROGRAM\n"));
     EXPECT_EQ(
