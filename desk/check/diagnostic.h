@@ -14,9 +14,12 @@ struct Help {
     QString id;    // of the rule that gives it
     QString text;  // what to do, no full stop at its end
     Span span;     // the place that it is about where that is another than the diagnostic's
-    // What does it to the text that was compiled, in a diagnostic to the script, where that is
-    // certain; none otherwise.
+    // What makes of the text that was compiled one that goes on compiling, where that is certain;
+    // none otherwise. It may leave out what the author has to write in another way.
     std::vector<Edit> mend = {};
+    // What does to that text, in a diagnostic to the script, just what the help says; none if
+    // somebody has to choose. It is certain where there is a mend.
+    std::vector<Edit> offer = {};
     // Whether it is true whatever the names around it mean.
     bool isAboutText = false;
 };

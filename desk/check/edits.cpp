@@ -1,5 +1,7 @@
 #include "check/edits.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 QString NeutralText(QStringView piece, const QString& neutral) {
@@ -13,6 +15,59 @@ QString NeutralText(QStringView piece, const QString& neutral) {
 
 Edit BlankOut(const Source& source, Span span) {
     return {span, NeutralText(source.text(span), QString())};
+}
+
+namespace {
+
+bool IsBlank(const QString& text, int offset) {
+    return offset >= 0 && offset < text.size() &&
+           (text.at(offset) == u' ' || text.at(offset) == u'\t');
+}
+
+bool IsAnyOf(const QString& text, int offset, const QString& chars) {
+    return offset < 0 || offset >= text.size() || chars.contains(text.at(offset));
+}
+
+}  // namespace
+
+Edit TakeOut(const Source& source, Span span) {
+    const QString& text = source.text();
+    const QString lineEnds = QStringLiteral("\r\n");
+    int begin = span.begin;
+    while (IsBlank(text, begin - 1)) {
+        --begin;
+    }
+    int end = span.end;
+    while (IsBlank(text, end)) {
+        ++end;
+    }
+    const bool isBeginOfLine = IsAnyOf(text, begin - 1, lineEnds);
+    const bool isEndOfLine = IsAnyOf(text, end, lineEnds);
+    if (isBeginOfLine && isEndOfLine) {
+        return {{begin, end < text.size() ? text.indexOf(u'\n', end) + 1 : end}, QString()};
+    }
+    const bool isBefore = isEndOfLine || IsAnyOf(text, end, QStringLiteral(";,)"));
+    const bool isAfter = begin < span.begin || isBeginOfLine || text.at(begin - 1) == u'(';
+    return {{isBefore && !isBeginOfLine ? begin : span.begin, isAfter ? end : span.end},
+            QString()};
+}
+
+bool KeepComments(const Source& source, const std::vector<Edit>& edits) {
+    static const QRegularExpression comment(QStringLiteral(R"(\(\*.*?\*\)|//[^\n]*)"),
+                                            QRegularExpression::DotMatchesEverythingOption);
+    QString replaced;
+    QString written;
+    for (const Edit& edit : edits) {
+        replaced += source.text(edit.span).toString() + u'\n';
+        written += edit.text + u'\n';
+    }
+    auto matches = comment.globalMatch(replaced);
+    while (matches.hasNext()) {
+        if (!written.contains(matches.next().captured())) {
+            return false;
+        }
+    }
+    return true;
 }
 
 namespace {

@@ -22,6 +22,12 @@ QString NeutralText(QStringView piece, const QString& neutral);
 // The same for the piece of a script: one that blanks it out, line feeds apart.
 Edit BlankOut(const Source& source, Span span);
 
+// One that takes out a piece, with the blanks that are one too many then, or with its whole line.
+Edit TakeOut(const Source& source, Span span);
+
+// Whether all comments in what the edits replace are in what they write.
+bool KeepComments(const Source& source, const std::vector<Edit>& edits);
+
 // What is proposed to get past an error: edits, none if there is no way past.
 struct Repair {
     std::vector<Edit> edits;  // in the text that was compiled

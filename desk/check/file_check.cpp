@@ -102,6 +102,8 @@ void FileCheck::reportError(const Facts& facts, std::vector<Help> helps) {
     for (Help& help : error.helps) {
         help.span = edits_.original(help.span);
         help.mend = mendOfScript(help.mend);
+        help.offer =
+            KeepComments(edited_, help.offer) ? mendOfScript(help.offer) : std::vector<Edit>();
     }
     found_.push_back(std::move(error));
     ++errors_;

@@ -98,7 +98,7 @@ Maybe RangeOfType(const Context& context) {
     }
     return SayAndMend(QStringLiteral("a type has neither a range nor a size: leave out `%1`")
                           .arg(context.source.text(span).toString()),
-                      span, {BlankOut(context.source, span)});
+                      span, {BlankOut(context.source, span)}, {TakeOut(context.source, span)});
 }
 
 Maybe MissingType(const Context& context) {

@@ -117,7 +117,8 @@ Maybe Dereference(const Context& context) {
     return SayOfText(QStringLiteral("there are no pointers: write %1 alone, and pass a variable "
                                     "by reference, in `VAR_REF`")
                          .arg(Code(name)),
-                     {name.span.begin, sign.span.end}, {BlankOut(context.source, sign.span)});
+                     {name.span.begin, sign.span.end}, {BlankOut(context.source, sign.span)},
+                     {TakeOut(context.source, sign.span)});
 }
 
 Maybe ConditionalOperator(const Context& context) {
@@ -163,10 +164,11 @@ Maybe Index(const Context& context) {
         return std::nullopt;
     }
     const Span indices = IndicesFrom(context, context.here);
-    return SayAndMend(QStringLiteral("there are no arrays, so %1 has no elements: use a variable "
-                                     "for each value")
-                          .arg(Code(name)),
-                      {}, indices.isEmpty() ? Mend() : Mend{BlankOut(context.source, indices)});
+    return SayAndLeaveOut(
+        QStringLiteral("there are no arrays, so %1 has no elements: use a variable "
+                       "for each value")
+            .arg(Code(name)),
+        {}, indices.isEmpty() ? Mend() : Mend{BlankOut(context.source, indices)});
 }
 
 Maybe Member(const Context& context) {

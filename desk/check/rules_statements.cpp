@@ -280,7 +280,8 @@ Maybe ColonAfterElse(const Context& context) {
         return std::nullopt;
     }
     return SayAndMend(QStringLiteral("no `:` follows `ELSE`"), {},
-                      {BlankOut(context.source, Near(context, 0).span)});
+                      {BlankOut(context.source, Near(context, 0).span)},
+                      {TakeOut(context.source, Near(context, 0).span)});
 }
 
 Maybe NoColonAfterLabel(const Context& context) {

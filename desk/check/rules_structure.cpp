@@ -513,7 +513,8 @@ Maybe SemicolonAfterUnit(const Context& context) {
         return std::nullopt;
     }
     return SayAndMend(QStringLiteral("no `;` follows %1").arg(Code(Near(context, -1))), {},
-                      {BlankOut(context.source, Near(context, 0).span)});
+                      {BlankOut(context.source, Near(context, 0).span)},
+                      {TakeOut(context.source, Near(context, 0).span)});
 }
 
 Maybe SectionOutside(const Context& context) {

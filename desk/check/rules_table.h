@@ -34,12 +34,39 @@ inline Help Say(const QString& text, Span span = {}) {
     return {QString(), text, span};
 }
 
-// A help with what mends the slip.
-inline Help SayAndMend(const QString& text, Span span, Mend mend) {
-    return {QString(), text, span, std::move(mend)};
+// A help with what does what it says.
+inline Help SayAndOffer(const QString& text, Span span, Mend offer) {
+    return {QString(), text, span, {}, std::move(offer)};
+}
+
+// A help with what mends the slip, and what does what it says where that is another text.
+inline Help SayAndMend(const QString& text, Span span, Mend mend, Mend offer) {
+    return {QString(), text, span, std::move(mend), std::move(offer)};
+}
+inline Help SayAndMend(const QString& text, Span span, const Mend& mend) {
+    return SayAndMend(text, span, mend, mend);
 }
 
 // The same for a slip of writing, which is one whatever the names around it mean.
-inline Help SayOfText(const QString& text, Span span, Mend mend) {
-    return {QString(), text, span, std::move(mend), true};
+inline Help SayOfText(const QString& text, Span span, Mend mend, Mend offer) {
+    return {QString(), text, span, std::move(mend), std::move(offer), true};
+}
+inline Help SayOfText(const QString& text, Span span, const Mend& mend) {
+    return SayOfText(text, span, mend, mend);
+}
+
+// A help with what leaves out the slip so that the rest compiles: not what the author wants.
+inline Help SayAndLeaveOut(const QString& text, Span span, Mend mend) {
+    return SayAndMend(text, span, std::move(mend), {});
+}
+
+// Single edits.
+inline Edit InPlaceOf(const Piece& piece, const QString& text) {
+    return {piece.span, text};
+}
+inline Edit PutInBefore(const Piece& piece, const QString& text) {
+    return {{piece.span.begin, piece.span.begin}, text};
+}
+inline Edit PutInAfter(const Piece& piece, const QString& text) {
+    return {{piece.span.end, piece.span.end}, text};
 }

@@ -92,6 +92,18 @@ Mend Without(const Context& context, Span span) {
     return span.isEmpty() ? Mend() : Mend{BlankOut(context.source, span)};
 }
 
+// Makes a comment of what stands between two signs of that size; nothing if it ends one itself.
+Mend Commented(const Context& context, Span span, int size) {
+    const Span within = {span.begin + size, span.end - size};
+    const QStringView text =
+        within.begin < within.end ? context.source.text(within) : QStringView();
+    const bool canStand =
+        !text.isEmpty() && !text.contains(QLatin1String("*)")) && !text.startsWith(u')');
+    return canStand ? Mend{{{span.begin, within.begin}, QStringLiteral("(*")},
+                           {{within.end, span.end}, QStringLiteral("*)")}}
+                    : Mend();
+}
+
 bool IsDirective(const Piece& piece) {
     return piece.isSpelledOneOf({"include"_L1, "define"_L1, "undef"_L1, "pragma"_L1, "if"_L1,
                                  "ifdef"_L1, "ifndef"_L1, "endif"_L1, "region"_L1,
@@ -104,7 +116,7 @@ Maybe Directive(const Context& context) {
         !IsDirective(word)) {
         return std::nullopt;
     }
-    return SayAndMend(
+    return SayAndLeaveOut(
         QStringLiteral("there is no `#%1`: a script stands in one file, as it is compiled")
             .arg(word.text),
         {}, {BlankOut(context.source, RestOfLine(context))});
@@ -121,11 +133,12 @@ Maybe ForeignComment(const Context& context) {
     if (!isC && !isOther) {
         return std::nullopt;
     }
+    const Span span = isOther ? RestOfLine(context) : UpTo(context, QStringLiteral("*/"));
     return SayAndMend(
         QStringLiteral("a comment is written `(* ... *)`, or `// ...` up to the end of "
                        "the line"),
-        {},
-        Without(context, isOther ? RestOfLine(context) : UpTo(context, QStringLiteral("*/"))));
+        {}, Without(context, span),
+        isOther ? Mend{InPlaceOf(begin, QStringLiteral("//"))} : Commented(context, span, 2));
 }
 
 Maybe Braces(const Context& context) {
@@ -141,10 +154,11 @@ Maybe Braces(const Context& context) {
     if (!IsAtBegin(context)) {
         return std::nullopt;
     }
+    const Span span = UpTo(context, QStringLiteral("}"));
     return SayAndMend(
         QStringLiteral("there are no pragmas, and a comment is written `(* ... *)`: leave "
                        "out what stands in braces"),
-        {}, Without(context, UpTo(context, QStringLiteral("}"))));
+        {}, Without(context, span), Commented(context, span, 1));
 }
 
 Maybe DoubleQuotes(const Context& context) {

@@ -28,7 +28,7 @@ QString TitleOf(const Help& help) {
     return help.text.left(1).toUpper() + help.text.mid(1);
 }
 
-// A mend sets its text apart by blanks; one is enough.
+// An edit sets its text apart by blanks; one is enough.
 Edit WithoutDoubleBlanks(const Source& source, Edit edit) {
     const QString& text = source.text();
     const auto isBlank = [&text](int offset) {
@@ -45,7 +45,7 @@ Edit WithoutDoubleBlanks(const Source& source, Edit edit) {
 
 std::vector<Edit> EditsOf(const Source& source, const Help& help) {
     std::vector<Edit> edits;
-    for (const Edit& edit : help.mend) {
+    for (const Edit& edit : help.offer) {
         edits.push_back(WithoutDoubleBlanks(source, edit));
     }
     return edits;
@@ -61,8 +61,9 @@ std::vector<Fix> MendsIn(const Model& model, Span range) {
     std::vector<Fix> fixes;
     for (const Diagnostic* diagnostic : DiagnosticsIn(model, range)) {
         for (const Help& help : diagnostic->helps) {
-            if (!help.mend.empty()) {
-                fixes.push_back({TitleOf(help), diagnostic, EditsOf(model.source, help)});
+            if (!help.offer.empty()) {
+                fixes.push_back(
+                    {TitleOf(help), diagnostic, EditsOf(model.source, help), !help.mend.empty()});
             }
         }
     }
@@ -84,7 +85,7 @@ bool MayBeDoneWith(const std::vector<Edit>& mend, const std::vector<Edit>& other
 std::vector<Edit> AllMends(const Model& model) {
     std::vector<Edit> edits;
     for (const Fix& fix : MendsIn(model, {0, model.source.size()})) {
-        if (MayBeDoneWith(fix.edits, edits)) {
+        if (fix.isCertain && MayBeDoneWith(fix.edits, edits)) {
             edits.insert(edits.end(), fix.edits.begin(), fix.edits.end());
         }
     }

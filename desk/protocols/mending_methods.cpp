@@ -52,7 +52,9 @@ void AddQuickFixes(const Script& script, const QJsonObject& params, QJsonArray& 
     const Span range = script.lines.spanOf(params[QStringLiteral("range")].toObject());
     for (const Fix& fix : MendsIn(script.model, range)) {
         QJsonObject action = ActionOf(script, fix, params);
-        action[QStringLiteral("isPreferred")] = true;
+        if (fix.isCertain) {
+            action[QStringLiteral("isPreferred")] = true;
+        }
         actions.append(action);
     }
     for (const Fix& fix : AllowancesIn(script.model, range)) {

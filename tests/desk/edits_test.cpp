@@ -134,4 +134,45 @@ TEST(Edits, PiecesAroundWhatIsTakenOutAreNotExact) {
     EXPECT_EQ(ExactOf(edits, {1, 3}), "-");
 }
 
+// A text without the piece in brackets.
+QString TakenOut(const QString& marked) {
+    const int begin = marked.indexOf(u'[');
+    const int end = marked.indexOf(u']') - 1;
+    QString text = marked;
+    text.remove(begin, 1).remove(end, 1);
+    const Source source(QStringLiteral("script.st"), text);
+    return EditsOf({TakeOut(source, {begin, end})}).applyTo(text);
+}
+
+TEST(TakenOutPieces, LeaveNoBlanksThatAreTooMany) {
+    EXPECT_EQ(TakenOut("a [b] c"), "a c");
+    EXPECT_EQ(TakenOut("a [b];"), "a;");
+    EXPECT_EQ(TakenOut("a[b] c"), "a c");
+    EXPECT_EQ(TakenOut("a [b]c"), "a c");
+    EXPECT_EQ(TakenOut("f([b] c)"), "f(c)");
+    EXPECT_EQ(TakenOut("a [b]"), "a");
+    EXPECT_EQ(TakenOut("  [b] c"), "  c");
+    EXPECT_EQ(TakenOut("  [b];"), "  ;");
+    EXPECT_EQ(TakenOut("a [b]\r\nc"), "a\r\nc");
+}
+
+TEST(TakenOutPieces, GoWithTheLineThatIsTheirs) {
+    EXPECT_EQ(TakenOut("a\n  [b] \nc"), "a\nc");
+    EXPECT_EQ(TakenOut("a\r\n[b]\r\nc"), "a\r\nc");
+    EXPECT_EQ(TakenOut("[b]"), "");
+}
+
+bool AreCommentsKept(const QString& text, const std::vector<Edit>& edits) {
+    return KeepComments(Source(QStringLiteral("script.st"), text), edits);
+}
+
+TEST(Comments, AreKeptIfTheyAreWrittenAgain) {
+    const QString text = QStringLiteral("a (* b\nc *) d // e");
+    EXPECT_TRUE(AreCommentsKept(text, {{{0, 1}, QString()}, {{12, 14}, QString()}}));
+    EXPECT_FALSE(AreCommentsKept(text, {{{1, 12}, QStringLiteral("(* b *)")}}));
+    EXPECT_FALSE(AreCommentsKept(text, {{{13, 18}, QString()}}));
+    EXPECT_TRUE(
+        AreCommentsKept(text, {{{1, 13}, QString()}, {{18, 18}, QStringLiteral(" (* b\nc *)")}}));
+}
+
 }  // namespace

@@ -104,9 +104,35 @@ TEST(Mends, AreThoseOfTheRange) {
     EXPECT_THAT(MendsIn(ModelOfText(QString()), {0, 0}), IsEmpty());
 }
 
-Diagnostic MendedBy(std::vector<Edit> mend) {
+// The script of some statements after its only fix; empty if there is none.
+QString Fixed(const char* statements) {
+    const Model model = ModelOfText(Statements(statements));
+    const std::vector<Fix> fixes = MendsIn(model, WholeOf(model));
+    return fixes.size() == 1 ? Applied(model.source.text(), fixes.front().edits) : QString();
+}
+
+TEST(Mends, KeepComments) {
+    EXPECT_EQ(Fixed("\n/* keep\nthis */ count := 1;\n"),
+              Statements("\n(* keep\nthis *) count := 1;\n"));
+    EXPECT_EQ(Fixed("\n/** keep **/\n"), Statements("\n(** keep **)\n"));
+    EXPECT_EQ(Fixed("\n# the pump *) runs\n"), Statements("\n// the pump *) runs\n"));
+    EXPECT_EQ(Fixed("\n-- the pump runs\n"), Statements("\n// the pump runs\n"));
+    EXPECT_EQ(Fixed("\n{pragma x}\n"), Statements("\n(*pragma x*)\n"));
+    EXPECT_EQ(Fixed("\n/* keep *) this */\n"), "");
+    EXPECT_EQ(Fixed("\n/*) keep */\n"), "");
+    EXPECT_EQ(Fixed("\n/* no end\n"), "");
+}
+
+// What is left out to go on compiling is no mend.
+TEST(Mends, LeaveNoProgramOut) {
+    EXPECT_EQ(Fixed("\ncount[1] := 5;\n"), "");
+    EXPECT_EQ(Fixed("\n#include <pump>\n"), "");
+    EXPECT_THAT(AllMends(ModelOfText(Statements("\ncount[1] := 5;\n"))), IsEmpty());
+}
+
+Diagnostic MendedBy(const std::vector<Edit>& mend) {
     Diagnostic diagnostic;
-    diagnostic.helps = {{QString(), QString(), {}, std::move(mend)}};
+    diagnostic.helps = {{QString(), QString(), {}, mend, mend}};
     return diagnostic;
 }
 
