@@ -68,7 +68,8 @@ int BeginOfPiece(const Tokens& tokens, int offset) {
 // What stands before the statements of the unit that the place is in, empty outside of them.
 QString TextBeforeStatements(const Model& model, const Tokens& tokens, int offset) {
     int index = tokens.at(offset) - 1;
-    while (index >= 0 && !IsUnitBegin(tokens.code(index)) && !tokens.is(index, TOKEN_END_VAR)) {
+    while (index >= 0 && !IsUnitBegin(tokens.code(index)) && !IsUnitEnd(tokens.code(index)) &&
+           !tokens.is(index, TOKEN_END_VAR)) {
         --index;
     }
     return tokens.is(index, TOKEN_END_VAR) ? model.source.text().left(tokens.span(index).end)

@@ -223,7 +223,8 @@ TEST(CodeActionMethod, AnswersWhatIsAskedFor) {
     };
     EXPECT_THAT(kindsFor("{}"), ElementsAre("quickfix"));
     EXPECT_THAT(kindsFor("{'only': ['quickfix']}"), ElementsAre("quickfix"));
-    EXPECT_THAT(kindsFor("{'only': ['source']}"), ElementsAre("source.fixAll"));
+    EXPECT_THAT(kindsFor("{'only': ['source']}"), ElementsAre("source.fixAll", "source.format"));
+    EXPECT_THAT(kindsFor("{'only': ['source.format']}"), ElementsAre("source.format"));
     EXPECT_THAT(kindsFor("{'only': ['source.fixAll']}"), ElementsAre("source.fixAll"));
     EXPECT_THAT(kindsFor("{'only': ['refactor']}"), IsEmpty());
 }
