@@ -37,6 +37,16 @@ constexpr int MOST_INDENT = 8;
 // Writing
 // ---------------------------------------------------------------------------------------------
 
+// Gives the file the owner and the mode of another. Where it cannot have the owner, nobody gets
+// the rights of that by running it.
+void GiveBack(const QByteArray& name, const struct stat& before) {
+    struct stat after = {};
+    const bool isOwned = stat(name.constData(), &after) == 0 && after.st_uid == before.st_uid &&
+                         after.st_gid == before.st_gid;
+    const bool isGiven = isOwned || chown(name.constData(), before.st_uid, before.st_gid) == 0;
+    chmod(name.constData(), before.st_mode & (isGiven ? ALLPERMS : ACCESSPERMS));
+}
+
 // Puts the bytes in the place of the file, whose mode, owner and symbolic links stay.
 bool Replace(const QString& path, const QByteArray& bytes) {
     const QString own = QFileInfo(path).canonicalFilePath();
@@ -46,11 +56,8 @@ bool Replace(const QString& path, const QByteArray& bytes) {
     WholeFile file(own);
     file.write({bytes.constData(), static_cast<std::size_t>(bytes.size())});
     const bool isWritten = isKnown && file.finish();
-    struct stat after = {};
-    if (isWritten && stat(name.constData(), &after) == 0 &&
-        (after.st_uid != before.st_uid || after.st_gid != before.st_gid) &&
-        chown(name.constData(), before.st_uid, before.st_gid) == 0) {
-        chmod(name.constData(), before.st_mode & 07777U);
+    if (isWritten) {
+        GiveBack(name, before);
     }
     return isWritten;
 }

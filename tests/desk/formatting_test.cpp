@@ -105,6 +105,9 @@ TEST(Formatting, OfAnEmptyRangeIsOfItsLine) {
 TEST(Formatting, LeavesEmptyLinesOutsideOfTheRange) {
     const Script script = OpenScript(Program("a:=1;\n\n\na:=2;\nEND_PROGRAM\n"));
     EXPECT_EQ(
+        Applied(script, RangeFormattingMethod(script, RangeOf(script, QStringLiteral("a:=1;\n")))),
+        Program("    a := 1;\n\n\na:=2;\nEND_PROGRAM\n"));
+    EXPECT_EQ(
         Applied(script, RangeFormattingMethod(script, RangeOf(script, QStringLiteral("a:=2;")))),
         Program("a:=1;\n\n\n    a := 2;\nEND_PROGRAM\n"));
 }

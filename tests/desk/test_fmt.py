@@ -223,6 +223,19 @@ class Files(FolderTestCase):
         self.assertEqual(os.readlink(self.folder / "two.st"), "one.st")
         self.assertEqual(path.read_bytes(), SCRIPT)
 
+    @unittest.skipIf(os.geteuid() != 0, "others do not write what they may not")
+    def test_any_mode_stays(self):
+        for mode in (0o400, 0o444, 0o555, 0o600, 0o2755, 0o4755):
+            for owner in (0, 12345):
+                with self.subTest(oct(mode), owner=owner):
+                    path = self.write("a.st", UGLY)
+                    os.chown(path, owner, owner)
+                    path.chmod(mode)
+                    self.assertEqual(self.fmt("a.st"), (FINE, "", ""))
+                    after = path.stat()
+                    self.assertEqual((stat.S_IMODE(after.st_mode), after.st_uid), (mode, owner))
+                    self.assertEqual(path.read_bytes(), SCRIPT)
+
     @unittest.skipIf(os.geteuid() != 0, "the owner can be another for root alone")
     def test_the_owner_stays(self):
         path = self.write("a.st", UGLY)
