@@ -66,6 +66,12 @@ bool Replace(const QString& path, const QByteArray& bytes) {
 // Files as they are done
 // ---------------------------------------------------------------------------------------------
 
+// With its byte order mark, which the conversion drops.
+QString TextAsItIs(const QByteArray& bytes) {
+    const QString text = QString::fromUtf8(bytes);
+    return bytes.startsWith("\xEF\xBB\xBF") ? QChar(QChar::ByteOrderMark) + text : text;
+}
+
 class Formatter {
 public:
     Formatter(const FmtArguments& arguments, int files)
@@ -137,9 +143,8 @@ private:
     }
 
     void showDiff(const FormattedFile& file) const {
-        const QString lineEnd = file.result->contains('\r') ? "\r\n" : "\n";
-        Print(
-            UnifiedDiff(file.source.name(), file.source.text(), file.text, lineEnd, hasColors_));
+        Print(UnifiedDiff(file.source.name(), TextAsItIs(file.bytes), TextAsItIs(*file.result),
+                          hasColors_));
     }
 };
 

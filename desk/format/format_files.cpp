@@ -215,8 +215,7 @@ private:
     }
 
     void finish(int index, FileUnderWay& underWay) {
-        underWay.file.text = underWay.result.text();
-        underWay.file.result = BytesLike(underWay.file.bytes, underWay.file.text);
+        underWay.file.result = BytesLike(underWay.file.bytes, underWay.result.text());
         end(index, std::move(underWay.file));
     }
 

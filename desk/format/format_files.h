@@ -27,7 +27,6 @@ struct FormattedFile {
     Source source;                     // as the compiler reads it
     QByteArray bytes;                  // of the file
     std::optional<QByteArray> result;  // those that it is to have
-    QString text;                      // the same as text
     std::optional<ScriptError> error;
     QString failure;  // a sentence without its full stop, where a file is not fine
 };

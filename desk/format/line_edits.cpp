@@ -5,7 +5,7 @@
 namespace {
 
 bool IsInk(QChar character) {
-    return !QStringView(u" \t\n;").contains(character);
+    return !QStringView(u" \t\r\n;").contains(character);
 }
 
 bool IsBlank(QStringView line) {

@@ -18,8 +18,8 @@ constexpr const char* GREEN = "32";
 
 class Diff {
 public:
-    Diff(const QString& before, const QString& after, QString lineEnd, bool hasColors)
-        : before_(before), after_(after), lineEnd_(std::move(lineEnd)), hasColors_(hasColors) {}
+    Diff(const QString& before, const QString& after, bool hasColors)
+        : before_(before), after_(after), hasColors_(hasColors) {}
 
     QString text(const QString& name) {
         const std::vector<LineChange> changes = ChangesBetween(before_, after_);
@@ -43,7 +43,6 @@ private:
 
     TextLines before_;
     TextLines after_;
-    QString lineEnd_;
     bool hasColors_;
     QString text_;
 
@@ -93,10 +92,14 @@ private:
     }
 
     void line(QChar sign, const char* color, QStringView line) {
-        const bool isEnded = line.endsWith(u'\n');
-        const QString shown = sign + shownText(isEnded ? line.chopped(1) : line);
-        paint(color, shown, color != nullptr);
-        text_ += isEnded ? lineEnd_ : QStringLiteral("\n\\ No newline at end of file\n");
+        const int end = lengthOfEnd(line);
+        paint(color, sign + shownText(line.chopped(end)), color != nullptr);
+        text_ += end == 0 ? QStringLiteral("\n\\ No newline at end of file\n")
+                          : line.right(end).toString();
+    }
+
+    static int lengthOfEnd(QStringView line) {
+        return line.endsWith(QLatin1String("\r\n")) ? 2 : line.endsWith(u'\n') ? 1 : 0;
     }
 
     void paint(const char* color, const QString& text, bool isPainted) {
@@ -123,6 +126,6 @@ private:
 }  // namespace
 
 QString UnifiedDiff(const QString& name, const QString& before, const QString& after,
-                    const QString& lineEnd, bool hasColors) {
-    return Diff(before, after, lineEnd, hasColors).text(name);
+                    bool hasColors) {
+    return Diff(before, after, hasColors).text(name);
 }

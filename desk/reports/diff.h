@@ -3,7 +3,7 @@
 
 #include <QString>
 
-// The text of the diff, empty if nothing differs. `lineEnd` is that of the file; with colours,
-// nothing in the texts commands the terminal.
+// The text of the diff, empty if nothing differs. Lines are shown with the ends that they have;
+// with colours, nothing in the texts commands the terminal.
 QString UnifiedDiff(const QString& name, const QString& before, const QString& after,
-                    const QString& lineEnd, bool hasColors);
+                    bool hasColors);

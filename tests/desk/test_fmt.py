@@ -439,6 +439,25 @@ class Options(FolderTestCase):
         run = run_yxst("fmt", "--diff", "a.st", cwd=self.folder)
         self.assertIn(b"-a:=1;\r\n+    a := 1;\r\n", run.stdout)
 
+    def test_a_diff_shows_lines_whose_ends_alone_change(self):
+        self.write("a.st", SCRIPT.replace(b"VAR\n", b"VAR\r\n", 1))
+        run = run_yxst("fmt", "--diff", "a.st", cwd=self.folder)
+        self.assertIn(b" PROGRAM P\n-VAR\r\n+VAR\n     a : INT;\n", run.stdout)
+
+    def test_a_diff_leads_to_the_bytes_of_the_result(self):
+        others = {
+            "LF first": SCRIPT.replace(b"VAR\n", b"VAR\r\n"),
+            "CRLF first": UGLY.replace(b"\n", b"\r\n", 3),
+            "mark": MARK + UGLY.replace(b"PROGRAM P", b"PROGRAM  P"),
+            "all": MARK + b" " + UGLY.replace(b"\n", b"\r\n", 4),
+        }
+        for name, data in others.items():
+            with self.subTest(name):
+                self.write("a.st", data)
+                diff = run_yxst("fmt", "--diff", "a.st", cwd=self.folder).stdout.decode()
+                self.assertNotEqual(diff, "")
+                self.assertEqual(applied(diff, data.decode()).encode(), formatted(data))
+
     def test_colors(self):
         self.write("a.st", UGLY.replace(b"a:=1;", b"a:=1; // \x1b[2J"))
         shown = self.fmt("--diff", "--color=always", "a.st")[1]
