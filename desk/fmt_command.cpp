@@ -62,6 +62,15 @@ bool Replace(const QString& path, const QByteArray& bytes) {
     return isWritten;
 }
 
+// Why it could not be: the new file is made in the folder of the old one.
+QString WhyNotReplaced(const QString& path) {
+    const QString folder = QFileInfo(QFileInfo(path).canonicalFilePath()).path();
+    const QString reason = QStringLiteral("cannot be written");
+    return QFileInfo(folder).isWritable()
+               ? reason
+               : reason + QStringLiteral(", because its folder %1 cannot be").arg(folder);
+}
+
 // ---------------------------------------------------------------------------------------------
 // Files as they are done
 // ---------------------------------------------------------------------------------------------
@@ -138,7 +147,7 @@ private:
         } else if (file.path == QLatin1String(STANDARD_INPUT)) {
             Print({file.result->constData(), static_cast<std::size_t>(file.result->size())});
         } else if (isChanged && !Replace(file.path, *file.result)) {
-            fail(file.path, QStringLiteral("cannot be written"));
+            fail(file.path, WhyNotReplaced(file.path));
         }
     }
 

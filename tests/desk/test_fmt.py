@@ -23,6 +23,7 @@ from support_desk import DESK, FAILED, FINE, NOT_FINE, ROOT, SCRIPT, TIMEOUT_SEC
 
 from cases import all_cases  # isort: skip: found by support_desk
 from corpus import accepted_sources  # isort: skip
+from test_files import drop_privileges  # isort: skip
 from test_relations import add_blanks, add_comments, change_letter_case  # isort: skip
 
 HERE = Path(__file__).parent
@@ -280,6 +281,16 @@ class Files(FolderTestCase):
         self.assertEqual(run, (FAILED, b"", b"yxst: a.st: cannot be written.\n"))
         self.assertEqual(path.read_bytes(), UGLY)
         self.assertEqual(os.listdir(self.folder), ["a.st"])
+
+    @unittest.skipIf(os.geteuid() != 0, "needs root, to become another user")
+    def test_one_in_a_folder_that_cannot_be_written(self):
+        path = self.write("a.st", UGLY)
+        path.chmod(0o666)
+        self.folder.chmod(0o755)
+        status, shown, complaint = self.fmt("a.st", preexec_fn=drop_privileges)
+        why = f"cannot be written, because its folder {self.folder.resolve()} cannot be"
+        self.assertEqual((status, shown, complaint), (FAILED, "", f"yxst: a.st: {why}.\n"))
+        self.assertEqual(path.read_bytes(), UGLY)
 
 
 def forbid_writing():
