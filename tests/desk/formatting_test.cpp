@@ -96,17 +96,16 @@ TEST(Formatting, OfAnEmptyRangeIsOfItsLine) {
     const QString text = Program("a:=1;\na:=2;\nEND_PROGRAM\n");
     const Script script = OpenScript(text);
     const int begin = text.indexOf(QStringLiteral("a:=2"));
-    const QJsonObject params = {
-        {QStringLiteral("range"), script.lines.rangeOf({begin, begin})}};
+    const QJsonObject params = {{QStringLiteral("range"), script.lines.rangeOf({begin, begin})}};
     EXPECT_EQ(InEditor(text, RangeFormattingMethod, params),
               Program("a:=1;\n    a := 2;\nEND_PROGRAM\n"));
 }
 
 TEST(Formatting, LeavesEmptyLinesOutsideOfTheRange) {
     const Script script = OpenScript(Program("a:=1;\n\n\na:=2;\nEND_PROGRAM\n"));
-    EXPECT_EQ(
-        Applied(script, RangeFormattingMethod(script, RangeOf(script, QStringLiteral("a:=1;\n")))),
-        Program("    a := 1;\n\n\na:=2;\nEND_PROGRAM\n"));
+    EXPECT_EQ(Applied(script,
+                      RangeFormattingMethod(script, RangeOf(script, QStringLiteral("a:=1;\n")))),
+              Program("    a := 1;\n\n\na:=2;\nEND_PROGRAM\n"));
     EXPECT_EQ(
         Applied(script, RangeFormattingMethod(script, RangeOf(script, QStringLiteral("a:=2;")))),
         Program("a:=1;\n\n\n    a := 2;\nEND_PROGRAM\n"));
@@ -123,12 +122,15 @@ QString WithEnds(const char* text, const char* end) {
 }
 
 TEST(FormattingOfLineEnds, AreThoseOfTheFirstLine) {
-    const char* const formatted = "PROGRAM p\nVAR\n    a : INT;\nEND_VAR\n    a := 1;\n    a := 2;"
-                                  "\nEND_PROGRAM\n";
+    const char* const formatted =
+        "PROGRAM p\nVAR\n    a : INT;\nEND_VAR\n    a := 1;\n    a := 2;"
+        "\nEND_PROGRAM\n";
     EXPECT_EQ(InEditor(WithEnds(SHORT, "\r\n"), FormattingMethod), WithEnds(formatted, "\r\n"));
-    const QString mixed = WithEnds(SHORT, "\r\n").replace(QStringLiteral("p\r"), QStringLiteral("p"));
-    EXPECT_EQ(InEditor(mixed, FormattingMethod),
-              "PROGRAM p\nVAR\r\n    a : INT;\nEND_VAR\r\n    a := 1;\n    a := 2;\nEND_PROGRAM\r\n");
+    const QString mixed =
+        WithEnds(SHORT, "\r\n").replace(QStringLiteral("p\r"), QStringLiteral("p"));
+    EXPECT_EQ(
+        InEditor(mixed, FormattingMethod),
+        "PROGRAM p\nVAR\r\n    a : INT;\nEND_VAR\r\n    a := 1;\n    a := 2;\nEND_PROGRAM\r\n");
 }
 
 TEST(FormattingOfLineEnds, OfCrAloneAreRefused) {
