@@ -175,7 +175,7 @@ private:
             Records::ForLayout);
     }
 
-    void goOn(CompilePool::Finished finished) {
+    void goOn(const CompilePool::Finished& finished) {
         FileUnderWay& underWay = running_.at(finished.key);
         if (!finished.result.failure.isEmpty()) {
             fail(finished.key, std::move(underWay.file), finished.result.failure);
