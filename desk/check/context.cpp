@@ -178,8 +178,12 @@ QString Code(const Piece& piece) {
     return Code(piece.text);
 }
 
+QString TextOf(Token code) {
+    return TokensTable[Lookup(code)].text;
+}
+
 QString Code(Token code) {
-    return Code(QString(TokensTable[Lookup(code)].text));
+    return Code(TextOf(code));
 }
 
 QString ConstantsOfEnumeration(const Context& context, int index) {

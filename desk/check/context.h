@@ -88,6 +88,7 @@ int LineOf(const Context& context, Span span);
 // A text in backticks.
 QString Code(QStringView text);
 QString Code(const Piece& piece);
+QString TextOf(Token code);
 QString Code(Token code);  // its text as a reserved word or punctuation
 
 // A constant for each name of an enumeration, from the piece after its "("; for the first alone

@@ -49,9 +49,11 @@ Maybe TypeBeforeName(const Context& context) {
         !name.is(TOKEN_IDENTIFIER)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("the name stands before its type: write `%1 : %2`")
-                   .arg(name.text, type.text),
-               {type.span.begin, name.span.end});
+    const Span both = {type.span.begin, name.span.end};
+    const QString declared = QStringLiteral("%1 : %2").arg(name.text, type.text);
+    return SayAndOffer(
+        QStringLiteral("the name stands before its type: write `%1`").arg(declared), both,
+        {{both, declared}});
 }
 
 Maybe MissingColon(const Context& context) {
@@ -60,9 +62,10 @@ Maybe MissingColon(const Context& context) {
         !Near(context, -1).is(TOKEN_IDENTIFIER)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a `:` stands between a name and its type: write `%1 : %2`")
-                   .arg(Near(context, -1).text, type.text),
-               After(Near(context, -1)));
+    return SayAndOffer(QStringLiteral("a `:` stands between a name and its type: write `%1 : %2`")
+                           .arg(Near(context, -1).text, type.text),
+                       After(Near(context, -1)),
+                       {PutInAfter(Near(context, -1), QStringLiteral(" :"))});
 }
 
 // The name before the ":" that stands so many pieces before the error.
@@ -117,7 +120,9 @@ Maybe MissingName(const Context& context) {
     if (!IsError(context, TXT_USING_RESERVED_WORD) || !Near(context, 0).is(TOKEN_SEMICOLON)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("this `;` is one too many: a declaration has one, at its end"));
+    return SayAndOffer(
+        QStringLiteral("this `;` is one too many: a declaration has one, at its end"), {},
+        {TakeOut(context.source, Near(context, 0).span)});
 }
 
 Maybe CommentBeforeName(const Context& context) {
@@ -158,8 +163,14 @@ Maybe ArgumentWithValue(const Context& context) {
     if (!IsError(context, TXT_THIS_VAIABLE_CANNOT_BE_INITIALIZED)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("every call gives %1 its value: leave out the one here")
-                   .arg(Code(Near(context, -3))));
+    int end = context.here;
+    while (!PieceAt(context, end).span.isEmpty() && !PieceAt(context, end).is(TOKEN_SEMICOLON)) {
+        ++end;
+    }
+    const Span value = {Near(context, 0).span.begin, PieceAt(context, end - 1).span.end};
+    return SayAndOffer(QStringLiteral("every call gives %1 its value: leave out the one here")
+                           .arg(Code(Near(context, -3))),
+                       {}, {TakeOut(context.source, value)});
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -234,9 +245,10 @@ Maybe HyphenInName(const Context& context) {
         !Near(context, 0).is(TOKEN_MINUS) || !Near(context, 1).is(TOKEN_IDENTIFIER)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a name has no `-` in it: write `%1_%2`")
-                   .arg(Near(context, -1).text, Near(context, 1).text),
-               {Near(context, -1).span.begin, Near(context, 1).span.end});
+    return SayAndOffer(QStringLiteral("a name has no `-` in it: write `%1_%2`")
+                           .arg(Near(context, -1).text, Near(context, 1).text),
+                       {Near(context, -1).span.begin, Near(context, 1).span.end},
+                       {InPlaceOf(Near(context, 0), QStringLiteral("_"))});
 }
 
 Maybe DigitBeforeName(const Context& context) {
@@ -250,9 +262,10 @@ Maybe DigitBeforeName(const Context& context) {
     if ((!isUnit && !isVariable) || !isTouched) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a name begins with a letter or `_`: write `_%1%2`")
-                   .arg(number.text, Near(context, 1).text),
-               {number.span.begin, Near(context, 1).span.end});
+    return SayAndOffer(QStringLiteral("a name begins with a letter or `_`: write `_%1%2`")
+                           .arg(number.text, Near(context, 1).text),
+                       {number.span.begin, Near(context, 1).span.end},
+                       {PutInBefore(number, QStringLiteral("_"))});
 }
 
 Maybe LetterOfNoName(const Context& context) {
@@ -286,6 +299,7 @@ struct Replacement {
     QLatin1String type;
     QLatin1String text;
     QLatin1String certain = QLatin1String();  // a type that does for it, if one does
+    QLatin1String offered = certain;          // the type that the text names, if that is one
 };
 
 constexpr QLatin1String NO_TIMES =
@@ -308,13 +322,13 @@ constexpr Replacement REPLACEMENTS[] = {
     {"DWORD"_L1, "there is no `DWORD`: use `UDINT`, which has 32 bits"_L1, "UDINT"_L1},
     {"LWORD"_L1, "there is no type of 64 bits: use two `UDINT`"_L1},
     {"LINT"_L1, "there is no integer of 64 bits: use `DINT`, or `LREAL` for larger values"_L1,
-     "LREAL"_L1},
+     "LREAL"_L1, ""_L1},
     {"ULINT"_L1, "there is no integer of 64 bits: use `UDINT`, or `LREAL` for larger values"_L1,
-     "LREAL"_L1},
+     "LREAL"_L1, ""_L1},
     {"BOOLEAN"_L1, "a truth value has the type `BOOL`"_L1, "BOOL"_L1},
     {"BIT"_L1, "a truth value has the type `BOOL`"_L1, "BOOL"_L1},
     {"INTEGER"_L1, "an integer of 16 bits has the type `INT`, one of 32 bits `DINT`"_L1,
-     "DINT"_L1},
+     "DINT"_L1, ""_L1},
     {"LONG"_L1, "an integer of 32 bits has the type `DINT`"_L1, "DINT"_L1},
     {"SHORT"_L1, "an integer of 16 bits has the type `INT`"_L1, "INT"_L1},
     {"FLOAT"_L1, "a real number has the type `REAL`"_L1, "REAL"_L1},
@@ -338,8 +352,8 @@ constexpr Replacement TYPES_OF_TIME[] = {
 constexpr Replacement TYPES_OF_TEXT[] = {
     {"STRING"_L1, NO_TEXTS},
     {"WSTRING"_L1, NO_TEXTS},
-    {"CHAR"_L1, "a character is a number: use `USINT`"_L1},
-    {"WCHAR"_L1, "a character is a number: use `UINT`"_L1},
+    {"CHAR"_L1, "a character is a number: use `USINT`"_L1, ""_L1, "USINT"_L1},
+    {"WCHAR"_L1, "a character is a number: use `UINT`"_L1, ""_L1, "UINT"_L1},
 };
 
 constexpr Replacement TYPES_OF_PARTS[] = {
@@ -366,14 +380,17 @@ constexpr Replacement STANDARD_BLOCKS[] = {
     {"RS"_L1, "there are no latches: write `q := (set OR q) AND NOT reset;`"_L1},
 };
 
+Mend InPlaceOfType(const Piece& type, QLatin1String other) {
+    return other.isEmpty() ? Mend() : Mend{InPlaceOf(type, other)};
+}
+
 template <std::size_t COUNT>
 Maybe ReplacementIn(const Context& context, const Replacement (&rows)[COUNT]) {
     const Piece type = RefusedType(context);
     for (const Replacement& row : rows) {
         if (type.isSpelled(row.type)) {
-            return SayAndMend(
-                row.text, {},
-                row.certain.isEmpty() ? Mend() : Mend{{type.span, QString(row.certain)}});
+            return SayAndMend(row.text, {}, InPlaceOfType(type, row.certain),
+                              InPlaceOfType(type, row.offered));
         }
     }
     return std::nullopt;
@@ -414,13 +431,31 @@ Maybe InstanceOfBlock(const Context& context) {
                    .arg(callee->name, formals.join(QStringLiteral(", "))));
 }
 
+// Makes a function block of a function up to its END_FUNCTION; nothing if that does not come.
+Mend BlockOfFunction(const Context& context, const UnitFact& unit, const Piece& type) {
+    int end = context.here;
+    while (!PieceAt(context, end).span.isEmpty() && !IsUnitBegin(PieceAt(context, end).code) &&
+           !PieceAt(context, end).is(TOKEN_END_FUNCTION)) {
+        ++end;
+    }
+    const Span head = {unit.span.begin, type.span.end};
+    return PieceAt(context, end).is(TOKEN_END_FUNCTION)
+               ? Mend{{head,
+                       QStringLiteral("FUNCTION_BLOCK ") + NameOf(context, unit).toString()},
+                      InPlaceOf(PieceAt(context, end), TextOf(TOKEN_END_FUNCTION_BLOCK))}
+               : Mend();
+}
+
 Maybe FunctionWithoutResult(const Context& context) {
     const Piece type = RefusedType(context);
     if (!type.isSpelled("VOID"_L1) || IsDeclaring(context)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("what has no result is a function block: write `FUNCTION_BLOCK %1`")
-                   .arg(NameOf(context, *OpenUnit(context))));
+    const UnitFact& unit = *OpenUnit(context);
+    return SayAndOffer(
+        QStringLiteral("what has no result is a function block: write `FUNCTION_BLOCK %1`")
+            .arg(NameOf(context, unit)),
+        {}, BlockOfFunction(context, unit, type));
 }
 
 Maybe MisspeltType(const Context& context) {
@@ -435,7 +470,8 @@ Maybe MisspeltType(const Context& context) {
     if (type.span.isEmpty() || name.isEmpty()) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("did you mean `%1`?").arg(name));
+    return SayAndOffer(QStringLiteral("did you mean `%1`?").arg(name), {},
+                       {InPlaceOf(type, name)});
 }
 
 template <std::size_t COUNT>
@@ -471,10 +507,15 @@ Maybe SeveralNames(const Context& context) {
         each.append(DeclarationOf(Near(context, comma + 1), type));
     }
     const QLatin1String advice = AdviceOnForeignType(type);
-    return Say(
-        advice.isEmpty()
-            ? QStringLiteral("each declaration has one name: write `%1`").arg(each.join(u' '))
-            : QStringLiteral("each declaration has one name, and %1").arg(advice));
+    if (!advice.isEmpty()) {
+        return Say(QStringLiteral("each declaration has one name, and %1").arg(advice));
+    }
+    const QString all = each.join(u' ');
+    const Piece end = PieceAt(context, IndexOf(context, type.span.end));
+    return SayAndOffer(QStringLiteral("each declaration has one name: write `%1`").arg(all), {},
+                       end.is(TOKEN_SEMICOLON)
+                           ? Mend{{{Near(context, -1).span.begin, end.span.end}, all}}
+                           : Mend());
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -497,7 +538,8 @@ Maybe NumberForTruth(const Context& context) {
         return std::nullopt;
     }
     const Token literal = value.text == QLatin1String("1") ? TOKEN_TRUE : TOKEN_FALSE;
-    return Say(QStringLiteral("a `BOOL` is no number: write %1").arg(Code(literal)));
+    return SayAndOffer(QStringLiteral("a `BOOL` is no number: write %1").arg(Code(literal)), {},
+                       {InPlaceOf(value, TextOf(literal))});
 }
 
 Maybe TruthForNumber(const Context& context) {

@@ -30,6 +30,19 @@ Maybe ElsifOfOtherLanguages(const Context& context) {
                       {{word.span, QStringLiteral("ELSIF")}});
 }
 
+// The word that ends a construct in place of another one, which may have two words or no ";".
+Mend EndFor(const Context& context, const StatementFact& construct, const Piece& word) {
+    const QString end = TextOf(EndOf(construct.kind));
+    const Piece next = Near(context, 0);
+    if (next.is(construct.kind) && Near(context, 1).is(TOKEN_SEMICOLON)) {
+        return {{{word.span.begin, next.span.end}, end}};
+    }
+    const bool isAlone = IsFirstOnLine(context, context.here);
+    return next.is(TOKEN_SEMICOLON) ? Mend{InPlaceOf(word, end)}
+           : isAlone                ? Mend{InPlaceOf(word, end + u';')}
+                                    : Mend();
+}
+
 Maybe EndOfOtherLanguages(const Context& context) {
     const Piece word = UnknownWord(context);
     const StatementFact* const construct = OpenConstruct(context);
@@ -45,7 +58,8 @@ Maybe EndOfOtherLanguages(const Context& context) {
                           .arg(LineOf(context, construct->span))
                           .arg(end),
                       word.span,
-                      Near(context, 0).is(TOKEN_SEMICOLON) ? Mend{{word.span, end}} : Mend());
+                      Near(context, 0).is(TOKEN_SEMICOLON) ? Mend{InPlaceOf(word, end)} : Mend(),
+                      EndFor(context, *construct, word));
 }
 
 Maybe WordOfOtherLanguages(const Context& context) {
@@ -54,8 +68,9 @@ Maybe WordOfOtherLanguages(const Context& context) {
         return std::nullopt;
     }
     if (word.isSpelled("BEGIN"_L1)) {
-        return Say(QStringLiteral("there is no `BEGIN`: statements follow `END_VAR` directly"),
-                   word.span);
+        return SayAndOffer(
+            QStringLiteral("there is no `BEGIN`: statements follow `END_VAR` directly"),
+            word.span, {TakeOut(context.source, word.span)});
     }
     if (word.isSpelledOneOf({"SWITCH"_L1, "SELECT"_L1})) {
         return Say(QStringLiteral("branches by number are written `CASE ... OF ... END_CASE;`"),
@@ -71,6 +86,7 @@ Maybe WordOfOtherLanguages(const Context& context) {
 struct Substitute {
     QLatin1String name;
     QLatin1String text;
+    QLatin1String offered = QLatin1String();  // the function that does the same, if one does
 };
 
 constexpr QLatin1String WITH_IF =
@@ -78,13 +94,13 @@ constexpr QLatin1String WITH_IF =
 constexpr QLatin1String NO_TEXTS = "it is not built in, as no variable holds a text"_L1;
 
 constexpr Substitute SUBSTITUTES[] = {
-    {"ABS"_L1, "the absolute value is `fabs`"_L1},
+    {"ABS"_L1, "the absolute value is `fabs`"_L1, "fabs"_L1},
     {"LOG"_L1, "the logarithm to the base 10 is `log10`, the natural one `ln`"_L1},
-    {"EXPT"_L1, "a power is written `a ** b` or `pow(a, b)`"_L1},
-    {"POWER"_L1, "a power is written `a ** b` or `pow(a, b)`"_L1},
+    {"EXPT"_L1, "a power is written `a ** b` or `pow(a, b)`"_L1, "pow"_L1},
+    {"POWER"_L1, "a power is written `a ** b` or `pow(a, b)`"_L1, "pow"_L1},
     {"TRUNC"_L1, "the part before the point is `floor`, of negative numbers `ceil`"_L1},
     {"SQR"_L1, "a square is written `a * a`, a square root `sqrt(a)`"_L1},
-    {"ARCTAN"_L1, "the arc tangent is `atan`"_L1},
+    {"ARCTAN"_L1, "the arc tangent is `atan`"_L1, "atan"_L1},
     {"MOVE"_L1, "a value is copied with `:=` alone"_L1},
     {"MIN"_L1, WITH_IF},
     {"MAX"_L1, WITH_IF},
@@ -141,7 +157,9 @@ Maybe StandardFunction(const Context& context) {
     const Piece word = UnknownWord(context);
     for (const Substitute& row : SUBSTITUTES) {
         if (IsCalled(context, word) && word.isSpelled(row.name)) {
-            return Say(row.text, word.span);
+            return SayAndOffer(
+                row.text, word.span,
+                row.offered.isEmpty() ? Mend() : Mend{InPlaceOf(word, row.offered)});
         }
     }
     return std::nullopt;
@@ -165,10 +183,11 @@ Maybe ConversionFunction(const Context& context) {
     }
     const bool isText = conversion.from == TYP_STRING || conversion.to == TYP_STRING;
     return isText ? std::nullopt
-                  : Maybe(Say(QStringLiteral("a variable of any type of number takes any number: "
-                                             "leave out %1")
-                                  .arg(Code(word)),
-                              word.span));
+                  : Maybe(SayAndOffer(
+                        QStringLiteral("a variable of any type of number takes any number: "
+                                       "leave out %1")
+                            .arg(Code(word)),
+                        word.span, {InPlaceOf(word, QString())}));
 }
 
 // A variable of another unit.
@@ -286,8 +305,9 @@ Maybe Misspelt(const Context& context) {
     if (best.isEmpty()) {
         return std::nullopt;
     }
+    const Mend renamed = {InPlaceOf(name, best)};
     return SayAndMend(QStringLiteral("did you mean `%1`?").arg(best), name.span,
-                      IsWordOfLanguage(best) ? Mend{{name.span, best}} : Mend());
+                      IsWordOfLanguage(best) ? renamed : Mend(), renamed);
 }
 
 // Words that may stand where the compiler expected others: an operator goes on with a value.
@@ -317,7 +337,8 @@ Maybe MisspeltWord(const Context& context) {
         VariableNamed(context, found.text) != nullptr) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("did you mean `%1`?").arg(word));
+    return SayAndOffer(QStringLiteral("did you mean `%1`?").arg(word), {},
+                       {InPlaceOf(found, word)});
 }
 
 Maybe MisspeltEndOfSection(const Context& context) {
@@ -328,7 +349,8 @@ Maybe MisspeltEndOfSection(const Context& context) {
         !isLike) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("every section ends with `END_VAR`"), word.span);
+    return SayAndOffer(QStringLiteral("every section ends with `END_VAR`"), word.span,
+                       {InPlaceOf(word, QStringLiteral("END_VAR"))});
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -361,10 +383,12 @@ Maybe MissingLabel(const Context& context) {
     }
     const QStringView name = context.source.text(use->span);
     const QString like = MostLike(name, DefinedLabels(facts));
-    return Say(like.isEmpty()
-                   ? QStringLiteral("no label `%1:` stands anywhere for this `GOTO`").arg(name)
-                   : QStringLiteral("did you mean `%1`?").arg(like),
-               use->span);
+    if (like.isEmpty()) {
+        return Say(QStringLiteral("no label `%1:` stands anywhere for this `GOTO`").arg(name),
+                   use->span);
+    }
+    return SayAndOffer(QStringLiteral("did you mean `%1`?").arg(like), use->span,
+                       {{use->span, like}});
 }
 
 Maybe Undeclared(const Context& context) {

@@ -28,9 +28,10 @@ Maybe SignPair(const Context& context) {
         OpenStatement(context) == nullptr || Expects(context, TOKEN_ASSIGN)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("two signs that touch are one token: write `%1 %2`")
-                   .arg(pair.text.front())
-                   .arg(pair.text.back()));
+    const QString apart = QStringLiteral("%1 %2").arg(pair.text.front()).arg(pair.text.back());
+    return SayAndOffer(
+        QStringLiteral("two signs that touch are one token: write `%1`").arg(apart), {},
+        {InPlaceOf(pair, apart)});
 }
 
 // What a comparison of other languages is called here; empty for any other piece.
@@ -91,18 +92,20 @@ Maybe ForeignArithmetic(const Context& context) {
         return std::nullopt;
     }
     if (sign.text == QLatin1String("%")) {
-        return Say(QStringLiteral("the remainder of a division is written `MOD`"));
+        return SayAndOffer(QStringLiteral("the remainder of a division is written `MOD`"), {},
+                           {InPlaceOf(sign, QStringLiteral(" MOD "))});
     }
     if (sign.text == QLatin1String("^")) {
         return Say(QStringLiteral("a power is written `**`, an exclusive or `XOR`"));
     }
     if (sign.text == QLatin1String("<<") || sign.text == QLatin1String(">>")) {
-        const bool isLeft = sign.text == QLatin1String("<<");
-        return Say(QStringLiteral("a shift is written `%1`")
-                       .arg(isLeft ? QStringLiteral("SHL") : QStringLiteral("SHR")));
+        const QString word = TextOf(sign.text == QLatin1String("<<") ? TOKEN_SHL : TOKEN_SHR);
+        return SayAndOffer(QStringLiteral("a shift is written `%1`").arg(word), {},
+                           {InPlaceOf(sign, u' ' + word + u' ')});
     }
     if (sign.isSpelled("DIV"_L1)) {
-        return Say(QStringLiteral("`/` divides integers as well: write `/`"));
+        return SayAndOffer(QStringLiteral("`/` divides integers as well: write `/`"), {},
+                           {InPlaceOf(sign, QStringLiteral("/"))});
     }
     return std::nullopt;
 }
@@ -138,8 +141,14 @@ Maybe ShiftAsFunction(const Context& context) {
         !Near(context, 1).is(TOKEN_LEFT_PARENTHESIS)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("%1 stands between its operands, as in `a %2 b`")
-                   .arg(Code(word), word.text.toString()));
+    const bool isPlain =
+        Near(context, 3).is(TOKEN_COMMA) && Near(context, 5).is(TOKEN_RIGHT_PARENTHESIS);
+    return SayAndOffer(QStringLiteral("%1 stands between its operands, as in `a %2 b`")
+                           .arg(Code(word), word.text.toString()),
+                       {},
+                       isPlain ? Mend{InPlaceOf(word, QString()),
+                                      InPlaceOf(Near(context, 3), u' ' + word.text.toString())}
+                               : Mend());
 }
 
 // From the "[" of an index to its "]", empty if the statement ends before.
@@ -202,6 +211,10 @@ Maybe BitAsTarget(const Piece& name, const Piece& bit, Span span) {
         span, {});
 }
 
+bool IsEndOfExpression(const Piece& piece) {
+    return piece.isOneOf({TOKEN_SEMICOLON, TOKEN_THEN, TOKEN_DO, TOKEN_OF, TOKEN_END_REPEAT});
+}
+
 Maybe BitOfVariable(const Context& context) {
     const Piece name = Near(context, -1);
     const Piece bit = Near(context, 0);
@@ -217,9 +230,14 @@ Maybe BitOfVariable(const Context& context) {
         const bool isInteger = variable != nullptr && IsTypOrdinal(variable->type);
         return isInteger ? BitAsTarget(name, bit, span) : std::nullopt;
     }
-    return Say(QStringLiteral("a bit has no name of its own: write `((%1 SHR %2) AND 1) = 1`")
-                   .arg(name.text, bit.text.mid(1)),
-               span);
+    const QString value =
+        QStringLiteral("((%1 SHR %2) AND 1) = 1").arg(name.text, bit.text.mid(1));
+    const bool isAlone =
+        Near(context, -2)
+            .isOneOf({TOKEN_ASSIGN, TOKEN_IF, TOKEN_ELSIF, TOKEN_WHILE, TOKEN_UNTIL}) &&
+        IsEndOfExpression(Near(context, 1));
+    return SayAndOffer(QStringLiteral("a bit has no name of its own: write `%1`").arg(value),
+                       span, {{span, isAlone ? value : u'(' + value + u')'}});
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -351,6 +369,21 @@ Maybe ComparisonBeforeLogic(const Context& context) {
         left, EachInParentheses(context, begin));
 }
 
+// Joins two comparisons of sizes that share the piece before the error, from a piece on.
+Mend JoinedByAnd(const Context& context, int begin) {
+    const auto isOfSize = [](const Piece& sign) {
+        return !sign.isOneOf({TOKEN_EQUAL, TOKEN_NOT_EQUAL});
+    };
+    const Piece middle = Near(context, -1);
+    const int end = EndOfOperand(context, context.here + 1);
+    const bool canJoin =
+        isOfSize(Near(context, 0)) && isOfSize(Near(context, -2)) && end > context.here + 1;
+    return canJoin ? Mend{PutInBefore(PieceAt(context, begin), QStringLiteral("(")),
+                          PutInAfter(middle, QStringLiteral(") AND (%1").arg(middle.text)),
+                          PutInAfter(PieceAt(context, end - 1), QStringLiteral(")"))}
+                   : Mend();
+}
+
 Maybe TwoComparisons(const Context& context) {
     const bool isSecond = IsComparison(Near(context, 0)) && !Expects(context, TOKEN_ASSIGN) &&
                           !context.facts.error.expected.empty();
@@ -360,10 +393,11 @@ Maybe TwoComparisons(const Context& context) {
     const int first = LastInExpression(context, context.here, IsComparison);
     const int begin = BeginOfOperand(context, first);
     const Span left = {PieceAt(context, begin).span.begin, Near(context, -1).span.end};
-    return Say(QStringLiteral("a comparison has one sign: join two with `AND`, as in "
-                              "`(%1) AND (%2 %3 ...)`")
-                   .arg(context.source.text(left), Near(context, -1).text, Near(context, 0).text),
-               left);
+    const Piece middle = Near(context, -1);
+    return SayAndOffer(QStringLiteral("a comparison has one sign: join two with `AND`, as in "
+                                      "`(%1) AND (%2 %3 ...)`")
+                           .arg(context.source.text(left), middle.text, Near(context, 0).text),
+                       left, first == context.here - 2 ? JoinedByAnd(context, begin) : Mend());
 }
 
 Maybe LiteralOnTheLeft(const Context& context) {
@@ -374,9 +408,17 @@ Maybe LiteralOnTheLeft(const Context& context) {
     }
     const QString other = Near(context, 1).is(TOKEN_IDENTIFIER) ? Near(context, 1).text.toString()
                                                                 : QStringLiteral("...");
-    return Say(QStringLiteral("%1 stands on the right of a comparison: write `%2 %3 %4`")
-                   .arg(Code(literal), other, Near(context, 0).text.toString(),
-                        literal.text.toString()));
+    const bool isPlain =
+        Near(context, 0).isOneOf({TOKEN_EQUAL, TOKEN_NOT_EQUAL}) &&
+        Near(context, 1).is(TOKEN_IDENTIFIER) &&
+        (IsEndOfExpression(Near(context, 2)) || Near(context, 2).is(TOKEN_RIGHT_PARENTHESIS));
+    return SayAndOffer(
+        QStringLiteral("%1 stands on the right of a comparison: write `%2 %3 %4`")
+            .arg(Code(literal), other, Near(context, 0).text.toString(), literal.text.toString()),
+        {},
+        isPlain ? Mend{InPlaceOf(literal, other),
+                       InPlaceOf(Near(context, 1), literal.text.toString())}
+                : Mend());
 }
 
 Maybe NotAfterOperator(const Context& context) {
@@ -386,8 +428,13 @@ Maybe NotAfterOperator(const Context& context) {
     }
     const bool isPlain =
         Near(context, 1).is(TOKEN_IDENTIFIER) && !Near(context, 2).is(TOKEN_LEFT_PARENTHESIS);
-    return Say(QStringLiteral("`NOT` needs parentheses after an operator: write `(NOT %1)`")
-                   .arg(isPlain ? Near(context, 1).text.toString() : QStringLiteral("...")));
+    return SayAndOffer(
+        QStringLiteral("`NOT` needs parentheses after an operator: write `(NOT %1)`")
+            .arg(isPlain ? Near(context, 1).text.toString() : QStringLiteral("...")),
+        {},
+        isPlain ? Mend{PutInBefore(Near(context, 0), QStringLiteral("(")),
+                       PutInAfter(Near(context, 1), QStringLiteral(")"))}
+                : Mend());
 }
 
 // Whether a ")" closes, within the statement, what is open at the error.
@@ -414,7 +461,8 @@ Maybe OpenParenthesis(const Context& context) {
         IsClosedLater(context)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("this `(` has no `)`"), PieceAt(context, opening).span);
+    return SayAndOffer(QStringLiteral("this `(` has no `)`"), PieceAt(context, opening).span,
+                       {PutInAfter(Near(context, -1), QStringLiteral(")"))});
 }
 
 Maybe StrayParenthesis(const Context& context) {
@@ -423,7 +471,8 @@ Maybe StrayParenthesis(const Context& context) {
         OpenStatement(context) == nullptr) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("this `)` has no `(`"));
+    return SayAndOffer(QStringLiteral("this `)` has no `(`"), {},
+                       {InPlaceOf(Near(context, 0), QString())});
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -452,10 +501,9 @@ Maybe NumberAsTruth(const Context& context) {
         return std::nullopt;
     }
     if (value.text == QLatin1String("1") || value.text == QLatin1String("0")) {
-        const bool isTrue = value.text == QLatin1String("1");
-        return Say(QStringLiteral("a `BOOL` is no number: write %1")
-                       .arg(Code(isTrue ? TOKEN_TRUE : TOKEN_FALSE)),
-                   value.span);
+        const Token literal = value.text == QLatin1String("1") ? TOKEN_TRUE : TOKEN_FALSE;
+        return SayAndOffer(QStringLiteral("a `BOOL` is no number: write %1").arg(Code(literal)),
+                           value.span, {InPlaceOf(value, TextOf(literal))});
     }
     if (value.is(TOKEN_NUMBER)) {
         return Say(QStringLiteral("a `BOOL` is `TRUE` or `FALSE`, and no number"), value.span);
@@ -463,9 +511,10 @@ Maybe NumberAsTruth(const Context& context) {
     if (variable == nullptr || !IsNumberType(variable->type)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("%1 is a number: compare it, as in `(%2 <> 0)`")
-                   .arg(Code(value), value.text.toString()),
-               value.span);
+    const QString compared = QStringLiteral("(%1 <> 0)").arg(value.text);
+    return SayAndOffer(
+        QStringLiteral("%1 is a number: compare it, as in `%2`").arg(Code(value), compared),
+        value.span, {InPlaceOf(value, compared)});
 }
 
 Maybe TruthAsNumber(const Context& context) {
@@ -483,11 +532,11 @@ Maybe TruthAsNumber(const Context& context) {
             QStringLiteral("a `BOOL` does not count as a number: choose the number with "
                            "`IF`"));
     }
-    return Say(
-        QStringLiteral("a `BOOL` is not converted: write `IF %1 THEN %2 := 1; ELSE %2 := 0; "
-                       "END_IF;`")
-            .arg(value.text, Near(context, -3).text),
-        value.span);
+    const Piece target = Near(context, -3);
+    const QString choice =
+        QStringLiteral("IF %1 THEN %2 := 1; ELSE %2 := 0; END_IF;").arg(value.text, target.text);
+    return SayAndOffer(QStringLiteral("a `BOOL` is not converted: write `%1`").arg(choice),
+                       value.span, {{{target.span.begin, Near(context, 0).span.end}, choice}});
 }
 
 Maybe TruthInArithmetic(const Context& context) {
@@ -534,9 +583,11 @@ Maybe NumberAsCondition(const Context& context) {
         !Near(context, 0).isOneOf({TOKEN_THEN, TOKEN_DO, TOKEN_END_REPEAT})) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a condition is a `BOOL`: compare the value, as in `%1 <> 0`")
-                   .arg(isPlain ? value.text.toString() : QStringLiteral("...")),
-               isPlain ? value.span : Span());
+    return SayAndOffer(
+        QStringLiteral("a condition is a `BOOL`: compare the value, as in `%1 <> 0`")
+            .arg(isPlain ? value.text.toString() : QStringLiteral("...")),
+        isPlain ? value.span : Span(),
+        isPlain ? Mend{PutInAfter(value, QStringLiteral(" <> 0"))} : Mend());
 }
 
 Maybe RealForOperator(const Context& context) {

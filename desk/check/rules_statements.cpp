@@ -14,15 +14,25 @@ using Maybe = std::optional<Help>;
 // "=" and ":="
 // ---------------------------------------------------------------------------------------------
 
-// Whether the simple statement of the error goes on to its ";".
-bool EndsWithSemicolon(const Context& context) {
-    int index = context.here;
+// The index of the ";" to which a simple statement goes on from a piece, NONE if it does not.
+int SemicolonFrom(const Context& context, int index) {
     while (!PieceAt(context, index).span.isEmpty() && !IsBoundary(PieceAt(context, index).code) &&
            !PieceAt(context, index)
                 .isOneOf({TOKEN_SEMICOLON, TOKEN_THEN, TOKEN_DO, TOKEN_OF, TOKEN_ASSIGN})) {
         ++index;
     }
-    return PieceAt(context, index).is(TOKEN_SEMICOLON);
+    return PieceAt(context, index).is(TOKEN_SEMICOLON) ? index : NONE;
+}
+
+bool EndsWithSemicolon(const Context& context) {
+    return SemicolonFrom(context, context.here) != NONE;
+}
+
+// The text from a piece to the one before another.
+QString TextBetween(const Context& context, int begin, int end) {
+    return context.source
+        .text({PieceAt(context, begin).span.begin, PieceAt(context, end - 1).span.end})
+        .toString();
 }
 
 Maybe EqualsForAssign(const Context& context) {
@@ -30,15 +40,15 @@ Maybe EqualsForAssign(const Context& context) {
         return std::nullopt;
     }
     if (IsDeclaring(context) && Expects(context, TOKEN_SEMICOLON)) {
-        return Say(QStringLiteral("an initial value follows `:=`, not `=`"));
+        return SayAndOffer(QStringLiteral("an initial value follows `:=`, not `=`"), {},
+                           {InPlaceOf(Near(context, 0), QStringLiteral(":="))});
     }
     if (!Expects(context, TOKEN_ASSIGN)) {
         return std::nullopt;
     }
+    const Mend assign = {InPlaceOf(Near(context, 0), QStringLiteral(":="))};
     return SayAndMend(QStringLiteral("`=` compares; a value is assigned with `:=`"), {},
-                      EndsWithSemicolon(context)
-                          ? Mend{{Near(context, 0).span, QStringLiteral(":=")}}
-                          : Mend());
+                      EndsWithSemicolon(context) ? assign : Mend(), assign);
 }
 
 bool IsInCondition(const Context& context) {
@@ -55,7 +65,8 @@ Maybe AssignForEquals(const Context& context) {
     if (!Near(context, 0).is(TOKEN_ASSIGN) || (!IsInCondition(context) && !isWithin)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("`:=` assigns; values are compared with `=`"));
+    return SayAndOffer(QStringLiteral("`:=` assigns; values are compared with `=`"), {},
+                       {InPlaceOf(Near(context, 0), QStringLiteral("="))});
 }
 
 Maybe ChainedAssignment(const Context& context) {
@@ -66,13 +77,41 @@ Maybe ChainedAssignment(const Context& context) {
         !second.is(TOKEN_IDENTIFIER)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("each assignment is a statement: write `%2 := ...; %1 := %2;`")
-                   .arg(target.text, second.text));
+    const int end = SemicolonFrom(context, context.here + 1);
+    Mend split;
+    if (end > context.here + 1) {
+        const QString value = TextBetween(context, context.here + 1, end);
+        split = {{{target.span.begin, PieceAt(context, end).span.end},
+                  QStringLiteral("%2 := %3; %1 := %2;").arg(target.text, second.text, value)}};
+    }
+    return SayAndOffer(
+        QStringLiteral("each assignment is a statement: write `%2 := ...; %1 := %2;`")
+            .arg(target.text, second.text),
+        {}, split);
 }
 
 // ---------------------------------------------------------------------------------------------
 // Loops and jumps
 // ---------------------------------------------------------------------------------------------
+
+// Takes out the step, which has that many pieces after its word; nothing unless DO follows.
+Mend WithoutStep(const Context& context, int count) {
+    const Span step = {Near(context, 0).span.begin, Near(context, count).span.end};
+    return Near(context, count + 1).is(TOKEN_DO) ? Mend{TakeOut(context.source, step)} : Mend();
+}
+
+Mend DownwardsWithoutStep(const Context& context) {
+    Mend mend = WithoutStep(context, 2);
+    int index = context.here;
+    while (!PieceAt(context, index).span.isEmpty() &&
+           !PieceAt(context, index).isOneOf({TOKEN_TO, TOKEN_DOWNTO, TOKEN_FOR})) {
+        --index;
+    }
+    if (!mend.empty() && PieceAt(context, index).is(TOKEN_TO)) {
+        mend.push_back(InPlaceOf(PieceAt(context, index), TextOf(TOKEN_DOWNTO)));
+    }
+    return mend;
+}
 
 Maybe StepOfFor(const Context& context) {
     const Piece word = Near(context, 0);
@@ -82,13 +121,17 @@ Maybe StepOfFor(const Context& context) {
     const bool isOne = Near(context, 1).text == QLatin1String("1");
     const bool isBack =
         Near(context, 1).is(TOKEN_MINUS) && Near(context, 2).text == QLatin1String("1");
-    return Say((isOne ? QStringLiteral("the step is always 1: leave out `%1 1`")
-                : isBack
-                    ? QStringLiteral("there is no `%1`: count down with `DOWNTO` in place of "
-                                     "`TO`")
-                    : QStringLiteral("there is no `%1`, the step is always 1: use a `WHILE` "
-                                     "loop for any other"))
-                   .arg(word.text));
+    const Mend offer = isOne    ? WithoutStep(context, 1)
+                       : isBack ? DownwardsWithoutStep(context)
+                                : Mend();
+    return SayAndOffer(
+        (isOne    ? QStringLiteral("the step is always 1: leave out `%1 1`")
+         : isBack ? QStringLiteral("there is no `%1`: count down with `DOWNTO` in place of "
+                                   "`TO`")
+                  : QStringLiteral("there is no `%1`, the step is always 1: use a `WHILE` "
+                                   "loop for any other"))
+            .arg(word.text),
+        {}, offer);
 }
 
 Maybe BoundsOfFor(const Context& context) {
@@ -162,15 +205,27 @@ Maybe JumpOutOfCase(const Context& context) {
                WordOf(*hidden.branch));
 }
 
+// Takes out the word before the error and the ";" that ends its statement; a branch that has no
+// other statement keeps the ";".
+Mend WithoutStatement(const Context& context) {
+    const bool isAlone = Near(context, -2).is(TOKEN_COLON);
+    const Piece last = Near(context, isAlone ? -1 : 0);
+    const bool isEnded = Near(context, 0).is(TOKEN_SEMICOLON);
+    const Span statement = {Near(context, -1).span.begin, last.span.end};
+    return isEnded ? Mend{TakeOut(context.source, statement)} : Mend();
+}
+
 Maybe BreakInBranch(const Context& context) {
     const Hidden hidden =
         IsError(context, TXT_BREAK_OUTSIDE_OF_LOOP) ? HiddenLoop(context) : Hidden();
     if (hidden.branch == nullptr) {
         return std::nullopt;
     }
-    return Say(
+    const bool isOfBranch = OpenConstruct(context) == hidden.branch;
+    return SayAndOffer(
         QStringLiteral("a branch of `CASE` ends before the next label by itself: leave out "
-                       "the `BREAK`"));
+                       "the `BREAK`"),
+        {}, isOfBranch ? WithoutStatement(context) : Mend());
 }
 
 Maybe BreakWithoutLoop(const Context& context) {
@@ -182,20 +237,31 @@ Maybe BreakWithoutLoop(const Context& context) {
         QStringLiteral("no loop is open here; `EXIT` leaves the whole %1").arg(Code(kind)));
 }
 
+// What stands for RETURN with a value, which goes on to its ";".
+Mend ResultAndExit(const Context& context, const Piece& word) {
+    const int end = SemicolonFrom(context, context.here);
+    return end == NONE ? Mend()
+                       : Mend{InPlaceOf(word, QStringLiteral("RESULT :=")),
+                              PutInAfter(PieceAt(context, end), QStringLiteral(" EXIT;"))};
+}
+
 Maybe Return(const Context& context) {
     const Piece word = UnknownWord(context);
     if (!word.isSpelled("RETURN"_L1)) {
         return std::nullopt;
     }
     if (IsIn(context, TOKEN_FUNCTION) && !Near(context, 0).is(TOKEN_SEMICOLON)) {
-        return Say(
+        return SayAndOffer(
             QStringLiteral("there is no `RETURN`: assign the value to `RESULT`, then write "
                            "`EXIT;` to leave the function"),
-            word.span);
+            word.span, ResultAndExit(context, word));
     }
-    return Say(QStringLiteral("there is no `RETURN`: `EXIT` leaves the %1")
-                   .arg(Code(OpenUnit(context)->kind)),
-               word.span);
+    return SayAndOffer(QStringLiteral("there is no `RETURN`: `EXIT` leaves the %1")
+                           .arg(Code(OpenUnit(context)->kind)),
+                       word.span,
+                       Near(context, 0).is(TOKEN_SEMICOLON)
+                           ? Mend{InPlaceOf(word, QStringLiteral("EXIT"))}
+                           : Mend());
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -220,6 +286,14 @@ QString ValueOfConstant(const Context& context, const Piece& name) {
     return assign < 0 ? QString() : declared.mid(assign + 2).trimmed();
 }
 
+// ELSE in place of a name and its ":".
+Mend ElseForLabel(const Context& context, const Piece& name) {
+    const Piece colon = PieceAt(context, IndexOf(context, name.span.end));
+    return colon.is(TOKEN_COLON)
+               ? Mend{{{name.span.begin, colon.span.end}, QStringLiteral("ELSE")}}
+               : Mend();
+}
+
 Maybe NameAsLabel(const Context& context) {
     const bool isLabel =
         IsError(context, TXT_ORDINAL_TYPE_REQUIRED) && !Near(context, 0).is(TOKEN_OF);
@@ -231,21 +305,23 @@ Maybe NameAsLabel(const Context& context) {
         return std::nullopt;
     }
     if (VariableNamed(context, name.text) == nullptr) {
-        return Say(
-            IsWordForElse(name.text)
-                ? QStringLiteral("the branch for all other values is `ELSE`, without a `:`")
-                : QStringLiteral("a label of `CASE` is a number: write one for %1")
-                      .arg(Code(name)),
-            name.span);
+        return IsWordForElse(name.text)
+                   ? SayAndOffer(QStringLiteral(
+                                     "the branch for all other values is `ELSE`, without a `:`"),
+                                 name.span, ElseForLabel(context, name))
+                   : Say(QStringLiteral("a label of `CASE` is a number: write one for %1")
+                             .arg(Code(name)),
+                         name.span);
     }
     const QString value = ValueOfConstant(context, name);
-    return Say(value.isEmpty()
-                   ? QStringLiteral("a label of `CASE` is a number; compare with %1 "
-                                    "in an `IF`")
-                         .arg(Code(name))
-                   : QStringLiteral("a label of `CASE` is a number: write `%1` for %2")
-                         .arg(value, Code(name)),
-               name.span);
+    if (value.isEmpty()) {
+        return Say(QStringLiteral("a label of `CASE` is a number; compare with %1 in an `IF`")
+                       .arg(Code(name)),
+                   name.span);
+    }
+    return SayAndOffer(
+        QStringLiteral("a label of `CASE` is a number: write `%1` for %2").arg(value, Code(name)),
+        name.span, {InPlaceOf(name, value)});
 }
 
 Maybe NoLabel(const Context& context) {
@@ -291,8 +367,12 @@ Maybe NoColonAfterLabel(const Context& context) {
     if (!IsInCase(context) || !Expects(context, TOKEN_COLON) || !isOther) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a `:` follows a label of `CASE`, as in `%1: ...;`")
-                   .arg(Near(context, -1).text));
+    const bool isForeign = found.is(TOKEN_ASSIGN) || found.text == QLatin1String("=>");
+    return SayAndOffer(QStringLiteral("a `:` follows a label of `CASE`, as in `%1: ...;`")
+                           .arg(Near(context, -1).text),
+                       {},
+                       {isForeign ? InPlaceOf(found, QStringLiteral(":"))
+                                  : PutInAfter(Near(context, -1), QStringLiteral(":"))});
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -318,11 +398,14 @@ Maybe LabelLikeVariable(const Context& context) {
         !Near(context, 0).is(TOKEN_COLON) || variable == nullptr) {
         return std::nullopt;
     }
-    return Say(
+    return SayAndOffer(
         QStringLiteral("%1 and `:` make a label, and a variable of that name is declared on "
                        "line %2; a value is assigned with `:=`")
             .arg(Code(name))
-            .arg(LineOf(context, variable->span)));
+            .arg(LineOf(context, variable->span)),
+        {},
+        EndsWithSemicolon(context) ? Mend{InPlaceOf(Near(context, 0), QStringLiteral(":="))}
+                                   : Mend());
 }
 
 Maybe AssignedConstant(const Context& context) {
@@ -332,11 +415,12 @@ Maybe AssignedConstant(const Context& context) {
         return std::nullopt;
     }
     const Piece word = PieceAt(context, IndexOf(context, variable->span.begin) - 1);
-    return Say(QStringLiteral("%1 is a constant: leave out the `CONSTANT` of line %2 if it is to "
-                              "change")
-                   .arg(Code(name))
-                   .arg(LineOf(context, word.span)),
-               word.span);
+    return SayAndOffer(
+        QStringLiteral("%1 is a constant: leave out the `CONSTANT` of line %2 if it is to "
+                       "change")
+            .arg(Code(name))
+            .arg(LineOf(context, word.span)),
+        word.span, word.is(TOKEN_CONSTANT) ? Mend{TakeOut(context.source, word.span)} : Mend());
 }
 
 // The operator of "++", "+=" and the like; empty for any other piece.
@@ -347,6 +431,22 @@ QString OperatorOfUpdate(const Piece& piece) {
         }
     }
     return QString();
+}
+
+// The assignment for "+=" and the like, the value in parentheses if it has operators.
+Mend UpdateByValue(const Context& context, const QString& sign) {
+    const int end = SemicolonFrom(context, context.here + 1);
+    const int count = end - context.here - 1;
+    if (count < 1) {
+        return {};
+    }
+    Mend mend = {InPlaceOf(Near(context, 0),
+                           QStringLiteral(":= %1 %2").arg(Near(context, -1).text, sign))};
+    if (count > 1) {
+        mend.push_back(PutInBefore(Near(context, 1), QStringLiteral("(")));
+        mend.push_back(PutInAfter(PieceAt(context, end - 1), QStringLiteral(")")));
+    }
+    return mend;
 }
 
 Maybe Update(const Context& context) {
@@ -360,9 +460,14 @@ Maybe Update(const Context& context) {
     }
     const Piece name = Near(context, isBefore ? 1 : -1);
     const bool isStep = Near(context, 0).text.endsWith(sign);
-    return Say(QStringLiteral("write `%1 := %1 %2 %3;`")
-                   .arg(name.text.toString(), sign,
-                        isStep ? QStringLiteral("1") : QStringLiteral("...")));
+    const Mend offer = !isStep ? UpdateByValue(context, sign)
+                               : Mend{{{std::min(name.span.begin, Near(context, 0).span.begin),
+                                        std::max(name.span.end, Near(context, 0).span.end)},
+                                       QStringLiteral("%1 := %1 %2 1").arg(name.text, sign)}};
+    return SayAndOffer(QStringLiteral("write `%1 := %1 %2 %3;`")
+                           .arg(name.text.toString(), sign,
+                                isStep ? QStringLiteral("1") : QStringLiteral("...")),
+                       {}, offer);
 }
 
 Maybe ValueWithoutTarget(const Context& context) {
@@ -473,6 +578,24 @@ QString CallByPosition(const Callee& callee, const std::vector<NamedValue>& valu
     return QStringLiteral("%1(%2)").arg(callee.name, actuals.join(QStringLiteral(", ")));
 }
 
+bool AreAllGiven(const Callee& callee, const std::vector<NamedValue>& values) {
+    return values.size() == callee.formals.size() &&
+           std::all_of(callee.formals.begin(), callee.formals.end(), [&](const Formal& formal) {
+               return std::any_of(values.begin(), values.end(), [&](const NamedValue& each) {
+                   return each.name.compare(formal.name, Qt::CaseInsensitive) == 0;
+               });
+           });
+}
+
+// The index of the ")" of a call whose parameters all have their ends.
+int EndOfCall(const Context& context, int name) {
+    int index = name + 1;
+    do {
+        index = EndOfParameter(context, index + 1);
+    } while (PieceAt(context, index).is(TOKEN_COMMA));
+    return index;
+}
+
 // Leaves out the names; nothing unless all parameters are there in their order.
 Mend MendOfNames(const Context& context, const Callee& callee,
                  const std::vector<NamedValue>& values) {
@@ -503,13 +626,16 @@ Maybe NamedParameter(const Context& context) {
     const std::optional<Callee> callee = CalleeNamed(context, PieceAt(context, name).text);
     const Span span = {Near(context, -1).span.begin, Near(context, 0).span.end};
     if (!callee || callee->span.isEmpty() || values.empty()) {
-        return Say(QStringLiteral("parameters go by position: leave out `%1 %2`")
-                       .arg(Near(context, -1).text, Near(context, 0).text),
-                   span);
+        return SayAndOffer(QStringLiteral("parameters go by position: leave out `%1 %2`")
+                               .arg(Near(context, -1).text, Near(context, 0).text),
+                           span, {TakeOut(context.source, span)});
     }
-    return SayAndMend(QStringLiteral("parameters go by position: write `%1`")
-                          .arg(CallByPosition(*callee, values)),
-                      span, MendOfNames(context, *callee, values));
+    const QString call = CallByPosition(*callee, values);
+    const Span whole = {PieceAt(context, name).span.begin,
+                        PieceAt(context, EndOfCall(context, name)).span.end};
+    return SayAndMend(QStringLiteral("parameters go by position: write `%1`").arg(call), span,
+                      MendOfNames(context, *callee, values),
+                      AreAllGiven(*callee, values) ? Mend{{whole, call}} : Mend());
 }
 
 Maybe CallOfInstance(const Context& context) {

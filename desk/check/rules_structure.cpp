@@ -73,10 +73,11 @@ Maybe ElseIf(const Context& context) {
         return std::nullopt;
     }
     const int ifIndex = IndexOf(context, word.span.begin) + 1;
-    return Say(
+    const Span both = {word.span.begin, PieceAt(context, ifIndex).span.end};
+    return SayAndOffer(
         QStringLiteral("`ELSE IF` begins one more `IF`, which needs an `END_IF` of its own: "
                        "write `ELSIF`"),
-        {word.span.begin, PieceAt(context, ifIndex).span.end});
+        both, {{both, QStringLiteral("ELSIF")}});
 }
 
 Maybe ElseAfterElse(const Context& context) {
@@ -107,7 +108,8 @@ Maybe SemicolonBeforeEndRepeat(const Context& context) {
         !Near(context, 1).is(TOKEN_END_REPEAT)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("no `;` stands between the condition and `END_REPEAT`"));
+    return SayAndOffer(QStringLiteral("no `;` stands between the condition and `END_REPEAT`"), {},
+                       {InPlaceOf(Near(context, 0), QString())});
 }
 
 Help WithoutEnd(const Context& context, const StatementFact& construct) {
@@ -116,6 +118,13 @@ Help WithoutEnd(const Context& context, const StatementFact& construct) {
                    .arg(LineOf(context, construct.span))
                    .arg(Code(EndOf(construct.kind))),
                WordOf(construct));
+}
+
+// The word that the condition of a REPEAT lacks, before the ";" that may be there.
+Mend EndOfRepeat(const Context& context) {
+    const bool isEnded = Near(context, 0).is(TOKEN_SEMICOLON);
+    return {PutInAfter(Near(context, -1),
+                       isEnded ? QStringLiteral(" END_REPEAT") : QStringLiteral(" END_REPEAT;"))};
 }
 
 // An END_ word that ends something further out tells that the inner one is not ended.
@@ -137,7 +146,9 @@ Maybe MissingEnd(const Context& context) {
     if (!isRepeat && !IsEndOfScript(context) && !EndsMore(context, *construct)) {
         return std::nullopt;
     }
-    return WithoutEnd(context, *construct);
+    Help help = WithoutEnd(context, *construct);
+    help.offer = isRepeat ? EndOfRepeat(context) : Mend();
+    return help;
 }
 
 Maybe WrongEnd(const Context& context) {
@@ -147,10 +158,11 @@ Maybe WrongEnd(const Context& context) {
         word.isOneOf({TOKEN_ELSE, TOKEN_ELSIF, TOKEN_UNTIL})) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("the %1 of line %2 ends with %3, not with %4")
-                   .arg(Code(construct->kind))
-                   .arg(LineOf(context, construct->span))
-                   .arg(Code(EndOf(construct->kind)), Code(word)));
+    return SayAndOffer(QStringLiteral("the %1 of line %2 ends with %3, not with %4")
+                           .arg(Code(construct->kind))
+                           .arg(LineOf(context, construct->span))
+                           .arg(Code(EndOf(construct->kind)), Code(word)),
+                       {}, {InPlaceOf(word, TextOf(EndOf(construct->kind)))});
 }
 
 Maybe StrayEnd(const Context& context) {
@@ -181,17 +193,19 @@ Maybe MissingWord(const Context& context, Token word) {
         return std::nullopt;
     }
     if (found.isOneOf({TOKEN_THEN, TOKEN_DO, TOKEN_OF})) {
-        return Say(QStringLiteral("the head of %1 ends with %2, not with %3")
-                       .arg(Code(construct->kind), Code(word), Code(found)));
+        return SayAndOffer(QStringLiteral("the head of %1 ends with %2, not with %3")
+                               .arg(Code(construct->kind), Code(word), Code(found)),
+                           {}, {InPlaceOf(found, TextOf(word))});
     }
     const bool canFollow = CanBeginStatement(found) || found.is(TOKEN_NUMBER);
     if (!canFollow || !IsFirstOnLine(context, context.here) || !CanEndValue(Near(context, -1)) ||
         IsInStatement(context, word)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("%1 is missing at the end of the head of %2")
-                   .arg(Code(word), Code(construct->kind)),
-               After(Near(context, -1)));
+    return SayAndOffer(QStringLiteral("%1 is missing at the end of the head of %2")
+                           .arg(Code(word), Code(construct->kind)),
+                       After(Near(context, -1)),
+                       {PutInAfter(Near(context, -1), u' ' + TextOf(word))});
 }
 
 Maybe MissingThen(const Context& context) {
@@ -247,8 +261,9 @@ Maybe MissingSemicolon(const Context& context) {
     if (!Expects(context, TOKEN_SEMICOLON) || !isNext || !CanEndStatement(Near(context, -1))) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a `;` is missing after %1").arg(Code(Near(context, -1))),
-               After(Near(context, -1)));
+    return SayAndOffer(QStringLiteral("a `;` is missing after %1").arg(Code(Near(context, -1))),
+                       After(Near(context, -1)),
+                       {PutInAfter(Near(context, -1), QStringLiteral(";"))});
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -261,6 +276,15 @@ int SectionBefore(const Context& context, int index) {
         --index;
     } while (index >= 0 && !IsSectionBegin(PieceAt(context, index).code));
     return index;
+}
+
+// A line of its own before a piece: after the one before it, if no comment follows that there.
+Mend LineBefore(const Context& context, int index, const QString& text) {
+    const Piece previous = PieceAt(context, index - 1);
+    const int end = context.source.lineAt(LineOf(context, previous.span)).end;
+    const QStringView rest = context.source.text({previous.span.end, end});
+    return rest.trimmed().isEmpty() ? Mend{PutInAfter(previous, u'\n' + text)}
+                                    : Mend{PutInBefore(PieceAt(context, index), text + u'\n')};
 }
 
 // Whether END_VAR comes, after a piece, before the next section or the end of the unit.
@@ -296,10 +320,11 @@ Maybe SectionWithoutEnd(const Context& context) {
         return std::nullopt;
     }
     const Piece word = PieceAt(context, section);
-    return Say(QStringLiteral("the %1 of line %2 has no `END_VAR`")
-                   .arg(Code(word))
-                   .arg(LineOf(context, word.span)),
-               word.span);
+    const int first = context.here - (Expects(context, TOKEN_COLON) ? 1 : 0);
+    return SayAndOffer(QStringLiteral("the %1 of line %2 has no `END_VAR`")
+                           .arg(Code(word))
+                           .arg(LineOf(context, word.span)),
+                       word.span, LineBefore(context, first, QStringLiteral("END_VAR")));
 }
 
 // What stands for a section of other dialects, in a program and in a definition.
@@ -320,6 +345,13 @@ constexpr ForeignSection FOREIGN_SECTIONS[] = {
     {"VAR_CONFIG"_L1, "`VAR_YXREGISTER`"_L1, "`VAR_REF`"_L1},
 };
 
+// The code of an advice for a word, if it has one alone.
+Mend InPlaceOfOnly(const Piece& word, QLatin1String advice) {
+    const QStringList parts = QString(advice).split(u'`');
+    constexpr int ofOneCode = 3;
+    return parts.size() == ofOneCode ? Mend{InPlaceOf(word, parts.at(1))} : Mend();
+}
+
 // The word where a section could stand: after the head of a unit, or as its first statement.
 Piece WordInPlaceOfSection(const Context& context) {
     const std::optional<UnknownName> unknown = Unknown(context);
@@ -332,10 +364,10 @@ Maybe SectionOfOtherDialects(const Context& context) {
     for (const ForeignSection& section : FOREIGN_SECTIONS) {
         if (word.isSpelled(section.word)) {
             const bool isProgram = IsIn(context, TOKEN_PROGRAM);
-            return Say(QStringLiteral("there is no %1: use %2")
-                           .arg(Code(word))
-                           .arg(isProgram ? section.inProgram : section.inDefinition),
-                       word.span);
+            const QLatin1String advice = isProgram ? section.inProgram : section.inDefinition;
+            return SayAndOffer(
+                QStringLiteral("there is no %1: use %2").arg(Code(word)).arg(advice), word.span,
+                InPlaceOfOnly(word, advice));
         }
     }
     return std::nullopt;
@@ -347,11 +379,14 @@ Maybe SectionOfOtherUnit(const Context& context) {
     }
     const Piece word = Near(context, 0);
     if (IsIn(context, TOKEN_PROGRAM)) {
-        return Say(QStringLiteral("a program is called by nobody: use `VAR_INPUT` in place of %1")
-                       .arg(Code(word)));
+        return SayAndOffer(
+            QStringLiteral("a program is called by nobody: use `VAR_INPUT` in place of %1")
+                .arg(Code(word)),
+            {}, {InPlaceOf(word, QStringLiteral("VAR_INPUT"))});
     }
     if (word.is(TOKEN_VAR_INPUT)) {
-        return Say(QStringLiteral("parameters by value are declared in `VAR_ARG`"));
+        return SayAndOffer(QStringLiteral("parameters by value are declared in `VAR_ARG`"), {},
+                           {InPlaceOf(word, QStringLiteral("VAR_ARG"))});
     }
     if (word.is(TOKEN_VAR_OUTPUT)) {
         return Say(
@@ -389,20 +424,31 @@ Maybe QualifierOfSection(const Context& context) {
                               "PRIVATE"_L1, "PROTECTED"_L1, "INTERNAL"_L1})) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("there is no %1: a section is its keyword alone").arg(Code(word)),
-               word.span);
+    return SayAndOffer(
+        QStringLiteral("there is no %1: a section is its keyword alone").arg(Code(word)),
+        word.span, {TakeOut(context.source, word.span)});
 }
 
 // ---------------------------------------------------------------------------------------------
 // Units
 // ---------------------------------------------------------------------------------------------
 
+// A last line of the script.
+Mend LineAtEnd(const Context& context, const QString& text) {
+    const int end = context.source.size();
+    const bool isNewLine = context.source.text().endsWith(u'\n');
+    return {{{end, end}, (isNewLine ? QString() : QStringLiteral("\n")) + text + u'\n'}};
+}
+
 Help UnitWithoutEnd(const Context& context, const UnitFact& unit) {
-    return Say(QStringLiteral("the %1 %2 of line %3 has no %4")
-                   .arg(Code(unit.kind), Code(NameOf(context, unit)))
-                   .arg(LineOf(context, unit.span))
-                   .arg(Code(EndOf(unit.kind))),
-               PieceAt(context, IndexOf(context, unit.span.begin)).span);
+    const bool isAtEnd = IsEndOfScript(context);
+    return SayAndOffer(QStringLiteral("the %1 %2 of line %3 has no %4")
+                           .arg(Code(unit.kind), Code(NameOf(context, unit)))
+                           .arg(LineOf(context, unit.span))
+                           .arg(Code(EndOf(unit.kind))),
+                       PieceAt(context, IndexOf(context, unit.span.begin)).span,
+                       isAtEnd ? LineAtEnd(context, TextOf(EndOf(unit.kind)))
+                               : LineBefore(context, context.here, TextOf(EndOf(unit.kind))));
 }
 
 // Whether a unit begins where a statement could.
@@ -447,8 +493,9 @@ Maybe EndOfOtherUnit(const Context& context) {
     if (unit == nullptr || !IsEndAtStatement(context) || !IsUnitEnd(word.code)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a %1 ends with %2, not with %3")
-                   .arg(Code(unit->kind), Code(EndOf(unit->kind)), Code(word)));
+    return SayAndOffer(QStringLiteral("a %1 ends with %2, not with %3")
+                           .arg(Code(unit->kind), Code(EndOf(unit->kind)), Code(word)),
+                       {}, {InPlaceOf(word, TextOf(EndOf(unit->kind)))});
 }
 
 Maybe NoProgram(const Context& context) {
@@ -465,11 +512,13 @@ Maybe ProgramWithoutSection(const Context& context) {
         return std::nullopt;
     }
     if (Near(context, 0).is(TOKEN_SEMICOLON)) {
-        return Say(QStringLiteral("no `;` follows the name of the program"));
+        return SayAndOffer(QStringLiteral("no `;` follows the name of the program"), {},
+                           {TakeOut(context.source, Near(context, 0).span)});
     }
-    return Say(
+    return SayAndOffer(
         QStringLiteral("a program has a section before its statements, if only an empty "
-                       "one: write `VAR END_VAR`"));
+                       "one: write `VAR END_VAR`"),
+        {}, LineBefore(context, context.here, QStringLiteral("VAR END_VAR")));
 }
 
 Maybe BodyWithoutSection(const Context& context) {
@@ -478,9 +527,11 @@ Maybe BodyWithoutSection(const Context& context) {
         !CanBeginStatement(Near(context, 0))) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a section stands before the statements of %1, if only an empty "
-                              "one: write `VAR END_VAR`")
-                   .arg(Code(NameOf(context, *OpenUnit(context)))));
+    return SayAndOffer(
+        QStringLiteral("a section stands before the statements of %1, if only an empty "
+                       "one: write `VAR END_VAR`")
+            .arg(Code(NameOf(context, *OpenUnit(context)))),
+        {}, LineBefore(context, unknown->index, QStringLiteral("VAR END_VAR")));
 }
 
 Maybe BlockWithType(const Context& context) {

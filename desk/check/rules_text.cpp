@@ -230,6 +230,12 @@ Maybe ExponentWithoutPoint(const Context& context) {
                      {{number, real}});
 }
 
+// From a piece to the end of a run.
+Span RunSpan(const Context& context, int first, int run) {
+    return {PieceAt(context, first).span.begin,
+            PieceAt(context, run).span.begin + RunFrom(context, run).size()};
+}
+
 // What "0xFF", "0b11" and "0o17" are called here; empty for anything else.
 QString BasedFrom(QStringView zero, QStringView word) {
     if (zero != QLatin1String("0")) {
@@ -252,7 +258,10 @@ Maybe BaseOfOtherLanguages(const Context& context) {
     if (number.isEmpty()) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a base is written before a `#`: write `%1`").arg(number));
+    const Span span = isDollar ? RunSpan(context, context.here, context.here + 1)
+                               : Span{Near(context, -1).span.begin, Near(context, 0).span.end};
+    return SayAndOffer(QStringLiteral("a base is written before a `#`: write `%1`").arg(number),
+                       {}, {{span, number}});
 }
 
 Maybe LetterAfterNumber(const Context& context) {
@@ -260,7 +269,9 @@ Maybe LetterAfterNumber(const Context& context) {
     if (!IsMatch(word.text, "f|l|u|ul|lu|d")) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a number has no letters after it: leave out %1").arg(Code(word)));
+    return SayAndOffer(
+        QStringLiteral("a number has no letters after it: leave out %1").arg(Code(word)), {},
+        {InPlaceOf(word, QString())});
 }
 
 bool IsInCaseLabel(const Context& context) {
@@ -279,7 +290,9 @@ Maybe BaseInCaseLabel(const Context& context) {
         !text.startsWith(QLatin1String("16#")) || !isNumber) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a label of `CASE` has decimal digits: write `%1`").arg(value));
+    return SayAndOffer(
+        QStringLiteral("a label of `CASE` has decimal digits: write `%1`").arg(value), {},
+        {InPlaceOf(Near(context, 0), QString::number(value))});
 }
 
 Maybe UnknownBase(const Context& context) {
@@ -288,7 +301,9 @@ Maybe UnknownBase(const Context& context) {
         return std::nullopt;
     }
     if (number.text == QLatin1String("10#")) {
-        return Say(QStringLiteral("decimal is what a number is without a base: leave out `10#`"));
+        return SayAndOffer(
+            QStringLiteral("decimal is what a number is without a base: leave out `10#`"), {},
+            {InPlaceOf(number, QString())});
     }
     return Say(QStringLiteral("the bases are `2#`, `8#` and `16#`, written just so"));
 }
@@ -335,7 +350,10 @@ Maybe TypedLiteral(const Context& context) {
                 : value == QLatin1String("0") ? QStringLiteral("FALSE")
                                               : value;
     }
-    return Say(QStringLiteral("a value is written without its type: write `%1`").arg(value));
+    const Span span = RunSpan(context, index, index + 2);
+    return SayAndOffer(
+        QStringLiteral("a value is written without its type: write `%1`").arg(value), {},
+        value.isEmpty() ? Mend() : Mend{{span, value}});
 }
 
 Maybe DecimalComma(const Context& context) {
@@ -348,9 +366,10 @@ Maybe DecimalComma(const Context& context) {
         !Expects(context, TOKEN_SEMICOLON)) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("a fraction follows a point: write `%1.%2`")
-                   .arg(whole.text, fraction.text),
-               {whole.span.begin, fraction.span.end});
+    return SayAndOffer(QStringLiteral("a fraction follows a point: write `%1.%2`")
+                           .arg(whole.text, fraction.text),
+                       {whole.span.begin, fraction.span.end},
+                       {InPlaceOf(Near(context, 0), QStringLiteral("."))});
 }
 
 Maybe LargeInteger(const Context& context) {
@@ -360,10 +379,11 @@ Maybe LargeInteger(const Context& context) {
         number.text.size() > mostDigits) {
         return std::nullopt;
     }
-    return Say(
+    return SayAndOffer(
         QStringLiteral("the largest integer is `4294967295`: write `%1.0` if a real number "
                        "will do")
-            .arg(number.text));
+            .arg(number.text),
+        {}, {PutInAfter(number, QStringLiteral(".0"))});
 }
 
 }  // namespace

@@ -31,13 +31,14 @@ QString TitleOf(const Help& help) {
 // An edit sets its text apart by blanks; one is enough.
 Edit WithoutDoubleBlanks(const Source& source, Edit edit) {
     const QString& text = source.text();
-    const auto isBlank = [&text](int offset) {
-        return offset >= 0 && offset < text.size() && text.at(offset).isSpace();
+    const auto isBlankOr = [&text](int offset, const QString& others) {
+        return offset >= 0 && offset < text.size() &&
+               (text.at(offset).isSpace() || others.contains(text.at(offset)));
     };
-    if (edit.text.startsWith(u' ') && isBlank(edit.span.begin - 1)) {
+    if (edit.text.startsWith(u' ') && isBlankOr(edit.span.begin - 1, QStringLiteral("("))) {
         edit.text.remove(0, 1);
     }
-    if (edit.text.endsWith(u' ') && isBlank(edit.span.end)) {
+    if (edit.text.endsWith(u' ') && isBlankOr(edit.span.end, QStringLiteral(";,)"))) {
         edit.text.chop(1);
     }
     return edit;

@@ -2,16 +2,22 @@
 
 #include "language/fixes.h"
 
+#include "check/rules.h"
 #include "lint_cases.h"
 #include "lints/lints.h"
 #include "print_text.h"
 #include "rule_cases.h"
+#include "rule_fixes.h"
 #include "rule_slips.h"
 
 #include <gmock/gmock.h>
 
+#include <QRegularExpression>
+
+using testing::Contains;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::UnorderedElementsAreArray;
 
 namespace {
 
@@ -52,6 +58,41 @@ void ExpectRemoves(const Model& before, const Fix& fix) {
         << text.toStdString();
 }
 
+// The comments of a text, as they are and as other languages write them.
+QStringList CommentsIn(QString text) {
+    text.replace(QStringLiteral("/*"), QStringLiteral("(*"));
+    text.replace(QStringLiteral("*/"), QStringLiteral("*)"));
+    QStringList comments;
+    const QRegularExpression comment(QStringLiteral(R"(\(\*.*?\*\)|//[^\n]*)"),
+                                     QRegularExpression::DotMatchesEverythingOption);
+    auto matches = comment.globalMatch(text);
+    while (matches.hasNext()) {
+        comments.append(matches.next().captured());
+    }
+    return comments;
+}
+
+void ExpectKeepsComments(const Model& before, const Fix& fix) {
+    const QString text = Applied(before.source.text(), fix.edits);
+    for (const QString& comment : CommentsIn(before.source.text())) {
+        EXPECT_TRUE(text.contains(comment)) << comment.toStdString() << "\n"
+                                            << text.toStdString();
+    }
+}
+
+// The script with a comment of its own at each blank between two words of its statements.
+QString WithComments(const QString& script) {
+    QString text = script.left(script.lastIndexOf(QStringLiteral("END_VAR")));
+    const QString statements = script.mid(text.size());
+    for (int place = 0; place < statements.size(); ++place) {
+        const bool isBetween = place > 0 && !statements.at(place - 1).isSpace();
+        text += statements.at(place) == u' ' && isBetween
+                    ? QStringLiteral(" (* %1 *) ").arg(place)
+                    : QString(statements.at(place));
+    }
+    return text;
+}
+
 std::vector<QString> AllSlips() {
     std::vector<QString> scripts;
     for (const RuleCase& each : RuleCases()) {
@@ -69,10 +110,66 @@ TEST(Mends, RemoveWhatTheyAreFor) {
         const Model model = ModelOfText(script);
         for (const Fix& fix : MendsIn(model, WholeOf(model))) {
             ExpectRemoves(model, fix);
+            ExpectKeepsComments(model, fix);
             ++count;
         }
     }
-    EXPECT_GT(count, 40);
+    EXPECT_GT(count, 150);
+}
+
+TEST(Mends, KeepCommentsWithinPieces) {
+    int count = 0;
+    for (const QString& script : AllSlips()) {
+        const Model model = ModelOfText(WithComments(script));
+        for (const Fix& fix : MendsIn(model, WholeOf(model))) {
+            ExpectKeepsComments(model, fix);
+            ++count;
+        }
+    }
+    EXPECT_GT(count, 100);
+}
+
+const RuleCase& CaseOf(const std::vector<RuleCase>& cases, const char* id) {
+    return *std::find_if(cases.begin(), cases.end(), [id](const RuleCase& each) {
+        return QLatin1String(each.id) == QLatin1String(id);
+    });
+}
+
+// The fix of the slip that the case is about.
+std::vector<Fix> FixesOf(const Model& model, const char* id) {
+    std::vector<Fix> fixes;
+    for (const Fix& fix : MendsIn(model, WholeOf(model))) {
+        if (fix.diagnostic->helps.front().id == QLatin1String(id)) {
+            fixes.push_back(fix);
+        }
+    }
+    return fixes;
+}
+
+QString Expected(const RuleFix& fix, QString slip) {
+    const QString before = QString::fromUtf8(fix.before);
+    return slip.replace(slip.indexOf(before), before.size(), QString::fromUtf8(fix.after));
+}
+
+void ExpectFixes(const RuleFix& expected, const QString& slip) {
+    const Model model = ModelOfText(slip);
+    const std::vector<Fix> fixes = FixesOf(model, expected.id);
+    ASSERT_EQ(fixes.size(), expected.kind == FixKind::Person ? 0U : 1U) << expected.id;
+    for (const Fix& fix : fixes) {
+        EXPECT_EQ(Applied(slip, fix.edits), Expected(expected, slip)) << expected.id;
+        EXPECT_EQ(fix.isCertain, expected.kind == FixKind::Certain) << expected.id;
+    }
+}
+
+TEST(Mends, AreThoseOfTheirRules) {
+    const std::vector<RuleCase> cases = RuleCases();
+    std::vector<QString> ids;
+    for (const RuleFix& each : RuleFixes()) {
+        ids.emplace_back(QLatin1String(each.id));
+        ASSERT_THAT(RuleIds(), Contains(ids.back()));
+        ExpectFixes(each, CaseOf(cases, each.id).slip);
+    }
+    EXPECT_THAT(ids, UnorderedElementsAreArray(RuleIds()));
 }
 
 // Each mend is the one that its statement has alone, whatever was taken out before it.
