@@ -472,7 +472,9 @@ Maybe StrayParenthesis(const Context& context) {
         return std::nullopt;
     }
     return SayAndOffer(QStringLiteral("this `)` has no `(`"), {},
-                       {InPlaceOf(Near(context, 0), QString())});
+                       IsEndOfExpression(Near(context, 1))
+                           ? Mend{InPlaceOf(Near(context, 0), QString())}
+                           : Mend());
 }
 
 // ---------------------------------------------------------------------------------------------
