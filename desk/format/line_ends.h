@@ -5,7 +5,7 @@
 #include <QString>
 
 struct LineEnds {
-    bool areCrLf = false;     // those of the whole text, by its first line
+    bool areCrLf = false;    // those of the whole text, by its first line
     bool hasLoneCr = false;  // one stands within a line
 
     // The text of lines that end with LF, with these ends.

@@ -22,8 +22,8 @@ struct Opening {
 
 // None where the compiler does not come, whatever is mended: after the program, for one, or
 // within a comment. A `;` that is missing at the end of the line before is put in, and so is the
-// end of a head that statements follow. Statements before the place that cannot be passed are left
-// out, and one that begins with a name is taken for an assignment.
+// end of a head that statements follow. Statements before the place that cannot be passed are
+// left out, and one that begins with a name is taken for an assignment.
 std::optional<Opening> OpeningAt(const Model& model, int offset);
 
 // Those of the words that may stand there. Each is a reserved word or, where one comes next, a
