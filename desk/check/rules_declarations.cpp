@@ -125,6 +125,20 @@ Maybe MissingName(const Context& context) {
         {TakeOut(context.source, Near(context, 0).span)});
 }
 
+// Moves the comment that begins there; nothing if the line has another after it, or no end of it.
+Mend CommentAtEndOfLine(const Source& source, int begin) {
+    const int endOfLine = source.lineAt(source.placeOf(begin).line).end;
+    const QString line = source.text({begin, endOfLine}).toString();
+    const int size = line.indexOf(QLatin1String("*)")) + 2;
+    const QString rest = line.mid(size);
+    const bool canMove = line.startsWith(QLatin1String("(*")) && size > 3 &&
+                         !rest.contains(QLatin1String("(*")) &&
+                         !rest.contains(QLatin1String("//")) && !rest.trimmed().isEmpty();
+    return canMove ? Mend{TakeOut(source, {begin, begin + size}),
+                          {{endOfLine, endOfLine}, u' ' + line.left(size)}}
+                   : Mend();
+}
+
 Maybe CommentBeforeName(const Context& context) {
     const int begin = context.facts.error.token.begin;
     const QStringView text = context.source.text({begin, begin + 2});
@@ -132,7 +146,8 @@ Maybe CommentBeforeName(const Context& context) {
     if (!IsError(context, TXT_IDENTIFIER_EXPECTED_BUT) || !isComment) {
         return std::nullopt;
     }
-    return Say(QStringLiteral("no comment may stand here: put it at the end of the line"));
+    return SayAndOffer(QStringLiteral("no comment may stand here: put it at the end of the line"),
+                       {}, CommentAtEndOfLine(context.source, begin));
 }
 
 Maybe MisplacedConstant(const Context& context) {

@@ -294,24 +294,17 @@ Mend ElseForLabel(const Context& context, const Piece& name) {
                : Mend();
 }
 
-Maybe NameAsLabel(const Context& context) {
-    const bool isLabel =
-        IsError(context, TXT_ORDINAL_TYPE_REQUIRED) && !Near(context, 0).is(TOKEN_OF);
-    const bool isLater =
-        IsErrorOneOf(context, {TXT_DUPLICATE_VARIABLE_NAME, TXT_LABEL_ALREADY_DEFINED}) &&
-        !IsDeclaring(context) && Near(context, 0).is(TOKEN_COLON);
-    const Piece name = Near(context, isLater ? -1 : 0);
-    if (!IsInCase(context) || (!isLabel && !isLater) || !name.is(TOKEN_IDENTIFIER)) {
-        return std::nullopt;
+// What stands for a name that is a label.
+Help NumberForName(const Context& context, const Piece& name) {
+    if (IsWordForElse(name.text) && VariableNamed(context, name.text) == nullptr) {
+        return SayAndOffer(
+            QStringLiteral("the branch for all other values is `ELSE`, without a `:`"), name.span,
+            ElseForLabel(context, name));
     }
     if (VariableNamed(context, name.text) == nullptr) {
-        return IsWordForElse(name.text)
-                   ? SayAndOffer(QStringLiteral(
-                                     "the branch for all other values is `ELSE`, without a `:`"),
-                                 name.span, ElseForLabel(context, name))
-                   : Say(QStringLiteral("a label of `CASE` is a number: write one for %1")
-                             .arg(Code(name)),
-                         name.span);
+        return Say(
+            QStringLiteral("a label of `CASE` is a number: write one for %1").arg(Code(name)),
+            name.span);
     }
     const QString value = ValueOfConstant(context, name);
     if (value.isEmpty()) {
@@ -322,6 +315,19 @@ Maybe NameAsLabel(const Context& context) {
     return SayAndOffer(
         QStringLiteral("a label of `CASE` is a number: write `%1` for %2").arg(value, Code(name)),
         name.span, {InPlaceOf(name, value)});
+}
+
+Maybe NameAsLabel(const Context& context) {
+    const bool isLabel =
+        IsError(context, TXT_ORDINAL_TYPE_REQUIRED) && !Near(context, 0).is(TOKEN_OF);
+    const bool isLater =
+        IsErrorOneOf(context, {TXT_DUPLICATE_VARIABLE_NAME, TXT_LABEL_ALREADY_DEFINED}) &&
+        !IsDeclaring(context) && Near(context, 0).is(TOKEN_COLON);
+    const Piece name = Near(context, isLater ? -1 : 0);
+    if (!IsInCase(context) || (!isLabel && !isLater) || !name.is(TOKEN_IDENTIFIER)) {
+        return std::nullopt;
+    }
+    return NumberForName(context, name);
 }
 
 Maybe NoLabel(const Context& context) {

@@ -278,13 +278,19 @@ int SectionBefore(const Context& context, int index) {
     return index;
 }
 
+QString NewLineOf(const Source& source) {
+    const bool isOfTwo = source.text().contains(QLatin1String("\r\n"));
+    return isOfTwo ? QStringLiteral("\r\n") : QStringLiteral("\n");
+}
+
 // A line of its own before a piece: after the one before it, if no comment follows that there.
 Mend LineBefore(const Context& context, int index, const QString& text) {
     const Piece previous = PieceAt(context, index - 1);
     const int end = context.source.lineAt(LineOf(context, previous.span)).end;
     const QStringView rest = context.source.text({previous.span.end, end});
-    return rest.trimmed().isEmpty() ? Mend{PutInAfter(previous, u'\n' + text)}
-                                    : Mend{PutInBefore(PieceAt(context, index), text + u'\n')};
+    const QString newLine = NewLineOf(context.source);
+    return rest.trimmed().isEmpty() ? Mend{PutInAfter(previous, newLine + text)}
+                                    : Mend{PutInBefore(PieceAt(context, index), text + newLine)};
 }
 
 // Whether END_VAR comes, after a piece, before the next section or the end of the unit.
@@ -436,8 +442,9 @@ Maybe QualifierOfSection(const Context& context) {
 // A last line of the script.
 Mend LineAtEnd(const Context& context, const QString& text) {
     const int end = context.source.size();
+    const QString newLine = NewLineOf(context.source);
     const bool isNewLine = context.source.text().endsWith(u'\n');
-    return {{{end, end}, (isNewLine ? QString() : QStringLiteral("\n")) + text + u'\n'}};
+    return {{{end, end}, (isNewLine ? QString() : newLine) + text + newLine}};
 }
 
 Help UnitWithoutEnd(const Context& context, const UnitFact& unit) {

@@ -209,6 +209,7 @@ TEST(CodeActionMethod, MendsWhatADiagnosticTells) {
     const QJsonArray actions = CodeActionMethod(script.script, params).toArray();
     ASSERT_EQ(actions.size(), 1);
     EXPECT_EQ(At(actions[0], {"kind"}).toString(), "quickfix");
+    EXPECT_TRUE(At(actions[0], {"isPreferred"}).toBool());
     EXPECT_EQ(At(actions[0], {"diagnostics"}).toArray().size(), 1);
     const QJsonArray edits = At(actions[0], {"edit", "changes", "file:///test.st"}).toArray();
     ASSERT_EQ(edits.size(), 1);
@@ -227,6 +228,17 @@ TEST(CodeActionMethod, AnswersWhatIsAskedFor) {
     EXPECT_THAT(kindsFor("{'only': ['source.format']}"), ElementsAre("source.format"));
     EXPECT_THAT(kindsFor("{'only': ['source.fixAll']}"), ElementsAre("source.fixAll"));
     EXPECT_THAT(kindsFor("{'only': ['refactor']}"), IsEmpty());
+}
+
+TEST(CodeActionMethod, PrefersWhatIsCertain) {
+    const MarkedScript script = Marked(Program("level := 2|,5;\r\nEND_PROGRAM"));
+    const QJsonArray actions =
+        CodeActionMethod(script.script, ActionParams(script, "{}")).toArray();
+    ASSERT_EQ(actions.size(), 1);
+    EXPECT_EQ(At(actions[0], {"title"}).toString(), "A fraction follows a point: write `2.5`");
+    EXPECT_TRUE(At(actions[0], {"isPreferred"}).isUndefined());
+    EXPECT_EQ(CodeActionMethod(script.script, ActionParams(script, "{'only': ['source']}")),
+              QJsonArray());
 }
 
 TEST(CodeActionMethod, MendsAllAtOnce) {
