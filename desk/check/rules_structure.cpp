@@ -286,11 +286,16 @@ QString NewLineOf(const Source& source) {
 // A line of its own before a piece: after the one before it, if no comment follows that there.
 Mend LineBefore(const Context& context, int index, const QString& text) {
     const Piece previous = PieceAt(context, index - 1);
+    const Piece piece = PieceAt(context, index);
     const int end = context.source.lineAt(LineOf(context, previous.span)).end;
-    const QStringView rest = context.source.text({previous.span.end, end});
+    const int begin = context.source.lineAt(LineOf(context, piece.span)).begin;
     const QString newLine = NewLineOf(context.source);
-    return rest.trimmed().isEmpty() ? Mend{PutInAfter(previous, newLine + text)}
-                                    : Mend{PutInBefore(PieceAt(context, index), text + newLine)};
+    if (context.source.text({previous.span.end, end}).trimmed().isEmpty()) {
+        return {PutInAfter(previous, newLine + text)};
+    }
+    const QString indent = context.source.text({begin, piece.span.begin}).toString();
+    return {
+        PutInBefore(piece, text + newLine + (indent.trimmed().isEmpty() ? indent : QString()))};
 }
 
 // Whether END_VAR comes, after a piece, before the next section or the end of the unit.

@@ -220,6 +220,62 @@ TEST(Mends, KeepComments) {
     EXPECT_EQ(Fixed("\n/* no end\n"), "");
 }
 
+TEST(Mends, HaveOtherForms) {
+    const std::pair<const char*, const char*> forms[] = {
+        {"\ncount += count * 2;\n", "\ncount := count + (count * 2);\n"},
+        {"\n++count;\n", "\ncount := count + 1;\n"},
+        {"\ncount := $FF;\n", "\ncount := 16#FF;\n"},
+        {"\nready := BOOL#1;\n", "\nready := TRUE;\n"},
+        {"\ncount := count^;\n", "\ncount := count;\n"},
+        {"\ncount := count << 2;\n", "\ncount := count SHL 2;\n"},
+        {"\ncount := SHL(count + 1, 2);\n", ""},
+        {"\nready := ready AND count.3;\n",
+         "\nready := ready AND (((count SHR 3) AND 1) = 1);\n"},
+        {"\nIF ready THEN count := 1 (* one *) END_IF;\n",
+         "\nIF ready THEN count := 1; (* one *) END_IF;\n"},
+        {"\nIF count < 1) AND (count > 0) THEN count := 1; END_IF;\n", ""},
+        {"\nIF 1 = count = 2 THEN count := 1; END_IF;\n", ""},
+        {"\nIF ready THEN count := 1; END IF;\n", "\nIF ready THEN count := 1; END_IF;\n"},
+        {"\nIF TRUE = ready AND ready THEN count := 1; END_IF;\n", ""},
+        {"\nFOR count := 1 TO 3 BY 1 DO level := 1.0; END_FOR;\n",
+         "\nFOR count := 1 TO 3 DO level := 1.0; END_FOR;\n"},
+        {"\nFOR count := 1 TO 9 BY 2 DO level := 1.0; END_FOR;\n", ""},
+        {"\nCASE count OF 1: BREAK; END_CASE;\n", "\nCASE count OF 1:; END_CASE;\n"},
+        {"\nREPEAT count := 1; UNTIL count > 3;\n",
+         "\nREPEAT count := 1; UNTIL count > 3 END_REPEAT;\n"},
+    };
+    for (const auto& [before, after] : forms) {
+        EXPECT_EQ(Fixed(before), *after == 0 ? QString() : Statements(after)) << before;
+    }
+}
+
+// The only fix of a whole script.
+QString FixedScript(const QString& script) {
+    const Model model = ModelOfText(script);
+    const std::vector<Fix> fixes = MendsIn(model, WholeOf(model));
+    return fixes.size() == 1 ? Applied(script, fixes.front().edits) : QString();
+}
+
+TEST(Mends, PutInLines) {
+    EXPECT_EQ(FixedScript("PROGRAM P\r\nVAR\r\nEND_VAR"),
+              "PROGRAM P\r\nVAR\r\nEND_VAR\r\nEND_PROGRAM\r\n");
+    EXPECT_EQ(FixedScript("PROGRAM P // first\n    TICK := 0;\nEND_PROGRAM\n"),
+              "PROGRAM P // first\n    VAR END_VAR\n    TICK := 0;\nEND_PROGRAM\n");
+    EXPECT_EQ(FixedScript("PROGRAM P VAR a : INT := 1; a := 2; END_PROGRAM\n"),
+              "PROGRAM P VAR a : INT := 1; END_VAR\na := 2; END_PROGRAM\n");
+}
+
+TEST(Mends, GiveParametersByPosition) {
+    const QString form = QStringLiteral(
+        "FUNCTION F : INT\nVAR_ARG\n    a : INT;\n    b : INT;\nEND_VAR\n"
+        "    RESULT := a - b;\nEND_FUNCTION\nPROGRAM P\nVAR\n    x : INT := 0;\nEND_VAR\n"
+        "    x := %1;\nEND_PROGRAM\n");
+    EXPECT_EQ(FixedScript(form.arg("F(a := 1, b := 2)")), form.arg("F(1, 2)"));
+    EXPECT_EQ(FixedScript(form.arg("F(b := (1), a := x + 2)")), form.arg("F(x + 2, (1))"));
+    EXPECT_EQ(FixedScript(form.arg("F(a := 1)")), "");
+    EXPECT_EQ(FixedScript(form.arg("F(a := 1 (* one *), b := 2)")), "");
+}
+
 // What is left out to go on compiling is no mend.
 TEST(Mends, LeaveNoProgramOut) {
     EXPECT_EQ(Fixed("\ncount[1] := 5;\n"), "");
