@@ -1,18 +1,15 @@
 #include "format/line_ends.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace {
 
 template <typename Text, typename Character>
 LineEnds LineEndsOf(const Text& text, Character cr, Character lf) {
     LineEnds ends;
-    const auto feed = std::find(text.begin(), text.end(), lf);
-    ends.areCrLf = feed != text.begin() && feed != text.end() && *std::prev(feed) == cr;
-    for (auto place = std::find(text.begin(), text.end(), cr);
-         place != text.end() && !ends.hasLoneCr; place = std::find(place + 1, text.end(), cr)) {
-        ends.hasLoneCr = place + 1 == text.end() || *(place + 1) != lf;
+    const int feed = text.indexOf(lf);
+    ends.areCrLf = feed > 0 && text.at(feed - 1) == cr;
+    for (int place = text.indexOf(cr); place >= 0 && !ends.hasLoneCr;
+         place = text.indexOf(cr, place + 1)) {
+        ends.hasLoneCr = place + 1 == text.size() || text.at(place + 1) != lf;
     }
     return ends;
 }

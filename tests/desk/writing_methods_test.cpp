@@ -237,8 +237,9 @@ TEST(CodeActionMethod, PrefersWhatIsCertain) {
     ASSERT_EQ(actions.size(), 1);
     EXPECT_EQ(At(actions[0], {"title"}).toString(), "A fraction follows a point: write `2.5`");
     EXPECT_TRUE(At(actions[0], {"isPreferred"}).isUndefined());
-    EXPECT_EQ(CodeActionMethod(script.script, ActionParams(script, "{'only': ['source']}")),
-              QJsonArray());
+    EXPECT_EQ(
+        CodeActionMethod(script.script, ActionParams(script, "{'only': ['source.fixAll']}")),
+        QJsonArray());
 }
 
 TEST(CodeActionMethod, MendsAllAtOnce) {
