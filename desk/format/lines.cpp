@@ -5,10 +5,9 @@
 
 namespace {
 
-constexpr int TAB = 4;        // comments stand at multiples of it
-constexpr int GAP = 2;        // the least number of blanks before them
-constexpr int WIDE_GAP = 20;  // of those that leave room for a text
-constexpr int WIDEST = 120;   // what goes beyond stands for itself
+constexpr int TAB = 4;       // comments stand at multiples of it
+constexpr int GAP = 2;       // the least number of blanks before them
+constexpr int WIDEST = 120;  // what goes beyond stands for itself
 
 using LineIterator = std::vector<LayoutLine>::iterator;
 using Group = std::vector<LayoutLine*>;
