@@ -55,11 +55,16 @@ Source SourceBefore(const Model& model, int offset) {
     return Source(model.source.name(), rest.append(text.midRef(done, offset - done)));
 }
 
+// Whether another statement, or part of one, may begin after the token.
+bool EndsPiece(Token code) {
+    return IsBoundary(code) || code == TOKEN_SEMICOLON || code == TOKEN_THEN ||
+           code == TOKEN_DO || code == TOKEN_OF || code == TOKEN_COLON;
+}
+
 // The index of the first token of the piece of a statement that the place is in.
 int BeginOfPiece(const Tokens& tokens, int offset) {
     int index = tokens.at(offset);
-    while (index > 0 && !IsBoundary(tokens.code(index - 1)) &&
-           !tokens.isOneOf(index - 1, {TOKEN_SEMICOLON, TOKEN_THEN, TOKEN_DO, TOKEN_OF})) {
+    while (index > 0 && !EndsPiece(tokens.code(index - 1))) {
         --index;
     }
     return index;
@@ -76,8 +81,8 @@ QString TextBeforeStatements(const Model& model, const Tokens& tokens, int offse
                                            : QString();
 }
 
-// The text between two places; a statement that begins with a name and is not written to its
-// end is taken for an assignment to it.
+// The begin of an assignment to the name that the piece begins with, empty if it begins with
+// none.
 QString PieceAsAssignment(const Tokens& tokens, int offset) {
     const int first = BeginOfPiece(tokens, offset);
     const bool isName = tokens.is(first, TOKEN_IDENTIFIER) && tokens.span(first).end < offset;
@@ -98,6 +103,8 @@ std::vector<QString> OtherTextsBefore(const Model& model, int offset) {
     }
     if (!head.isEmpty()) {
         texts.push_back(head + u'\n' + piece);
+    }
+    if (!head.isEmpty() && !assignment.isEmpty()) {
         texts.push_back(head + u'\n' + assignment);
     }
     return texts;
@@ -175,11 +182,6 @@ bool IsOnNewLine(const Opening& opening) {
         std::find_if(opening.facts.tokens.rbegin(), opening.facts.tokens.rend(),
                      [&text](const TokenFact& token) { return token.span.end <= text.size(); });
     return last != opening.facts.tokens.rend() && text.midRef(last->span.end).contains(u'\n');
-}
-
-bool EndsPiece(Token code) {
-    return IsBoundary(code) || code == TOKEN_SEMICOLON || code == TOKEN_THEN ||
-           code == TOKEN_DO || code == TOKEN_OF || code == TOKEN_COLON;
 }
 
 bool IsAfterStatement(const Model& model, int offset) {

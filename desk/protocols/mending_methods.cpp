@@ -73,6 +73,9 @@ void AddFixAll(const Script& script, QJsonArray& actions) {
 }
 
 void AddFormat(const Script& script, QJsonArray& actions) {
+    if (!script.lines.ends().fault().isEmpty()) {
+        return;
+    }
     const Formatting formatting = FormattingOf(script.source(), DEFAULT_INDENT);
     if (!formatting.edits.empty()) {
         actions.append(QJsonObject{{QStringLiteral("title"), QStringLiteral("Format")},

@@ -506,7 +506,8 @@ END_VAR
 
     def test_names_are_proposed_in_values(self):
         for text in ("level = le|", "level = le|;", "level == le|;", "level + le|;", "Mean(le|",
-                     "IF b THEN level = le|", "FOR n :=\nlevel := 1.0;\nlevel := le|",
+                     "IF b THEN level = le|", "CASE n OF 1: level = le|",
+                     "FOR n :=\nlevel := 1.0;\nlevel := le|",
                      "FOR\nlevel := 1.0;\nlevel := le|;"):  # fmt: skip
             for end in ("", "\nEND_PROGRAM\n"):
                 with self.subTest(text=text, end=end):
@@ -578,6 +579,8 @@ class FormatAction(unittest.TestCase):
             self.assertEqual(action["title"], "Format")
             self.assertTrue(action["edit"])
         self.assertEqual(self.actions(ugly), [])
+        returns = "program p\rvar\rx:int:=0;\rend_var\rx:=1;\rend_program\r"
+        self.assertEqual(self.actions(returns, "source.format"), [])
         self.assertEqual(self.actions(ugly, "quickfix"), [])
 
 
